@@ -1,0 +1,266 @@
+#ifndef ORVELAN_H
+#define ORVELAN_H
+
+/*
+ * liborvelan.so.3: an Open Financial Exchange (OFX) client library.
+ *
+ * A host drives ten components through the same ten functions each:
+ *
+ *   void* st = BankStatement_Create(on_event, my_data, 0);
+ *   BankStatement_Set(st, BANKSTATEMENT_PROP_OFXVERSION, 0, "211", 0);
+ *   if (BankStatement_Do(st, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, 0, 0) != 0)
+ *     fprintf(stderr, "%d %s\n", BankStatement_GetLastErrorCode(st), BankStatement_GetLastError(st));
+ *   BankStatement_Destroy(st);
+ *
+ * Values cross the interface by kind:
+ *   text     X_Set: value points to NUL-terminated bytes (null = empty), length ignored.
+ *            X_Get: a pointer owned by the component, valid until the next call that
+ *            changes that property.
+ *   integer  passed and returned in the pointer-sized value itself (cut to 32 bits on
+ *            the way in, sign-extended on the way out); booleans are 0 or 1.
+ *   bytes    X_Set: value and length. X_Get: the pointer; *length receives the count
+ *            (or the error code, with a null result, when the read fails).
+ *
+ * Every function that can fail returns 0 for success, a positive error code, or -1
+ * for an unknown setting or an unknown or read-only property. The text of the last
+ * error is read with X_GetLastError. Events reach the host through the callback,
+ * synchronously, on the thread that made the call. A component must not be used
+ * from two threads at once; different components are independent.
+ */
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#if defined(__GNUC__)
+#define ORVELAN_API __attribute__((visibility("default")))
+#else
+#define ORVELAN_API
+#endif
+
+/* The host's event function: user data given to X_Create, the event id, the
+ * parameter count, and the parameter and length arrays (see the event ids). */
+typedef int (*EventCallback)(void* user_data, int event_id, int param_count, void** params, int* lengths);
+
+/* Reserved property ids of X_Get, the same in every component. */
+#define ORVELAN_PROP_VERSION 0    /* text: the version banner */
+#define ORVELAN_PROP_CODEPAGE 2010 /* integer: the CodePage setting */
+#define ORVELAN_VERSION_BANNER "ORVELAN_VERSION_3_0_3909"
+
+/* Reserved method ids of X_Do, the same in every component. */
+#define ORVELAN_METHOD_EXTERNAL_EVENT_LOOP_OFF 2000
+#define ORVELAN_METHOD_EXTERNAL_EVENT_LOOP_ON 2001
+#define ORVELAN_METHOD_PROCESS_EVENTS 2002
+
+/* Event ids and their parameters (texts are NUL-terminated; integers travel
+ * in the pointer-sized slot itself). */
+#define ORVELAN_EVENT_CONNECTION_STATUS 1 /* ConnectionEvent, StatusCode, Description */
+#define ORVELAN_EVENT_ERROR 2             /* ErrorCode, Description */
+#define ORVELAN_EVENT_SSL_SERVER_AUTHENTICATION 3 /* CertEncoded (lengths[0] bytes), CertSubject,
+                                                     CertIssuer, Status, Accept (in/out) */
+#define ORVELAN_EVENT_SSL_STATUS 4        /* Message */
+#define ORVELAN_EVENT_WAIT_FOR_EVENTS 2000 /* timeout in ms (in/out; -1 back = interrupt) */
+#define ORVELAN_EVENT_WATCH_SOCKET 2001    /* socket, event mask, handle (out) */
+#define ORVELAN_EVENT_UNWATCH_SOCKET 2002  /* handle */
+
+/* BankStatement property ids. */
+#define BANKSTATEMENT_PROP_ACCOUNTID 1
+#define BANKSTATEMENT_PROP_ACCOUNTTYPE 2
+#define BANKSTATEMENT_PROP_AVAILABLEBALANCE 3
+#define BANKSTATEMENT_PROP_AVAILABLEBALANCEDATE 4
+#define BANKSTATEMENT_PROP_BANKID 5
+#define BANKSTATEMENT_PROP_CLOSINGINFOCOUNT 6
+#define BANKSTATEMENT_PROP_CLOSINGINFOAGGREGATE 7
+#define BANKSTATEMENT_PROP_CLOSINGINFOBALANCECLOSE 8
+#define BANKSTATEMENT_PROP_CLOSINGINFOBALANCEOPEN 9
+#define BANKSTATEMENT_PROP_CLOSINGINFODATECLOSE 10
+#define BANKSTATEMENT_PROP_CLOSINGINFODATEEND 11
+#define BANKSTATEMENT_PROP_CLOSINGINFODATEOPEN 12
+#define BANKSTATEMENT_PROP_CLOSINGINFODATESTART 13
+#define BANKSTATEMENT_PROP_CLOSINGINFOFITID 14
+#define BANKSTATEMENT_PROP_CLOSINGINFOIMAGEREF 15
+#define BANKSTATEMENT_PROP_CLOSINGINFOIMAGEREFTYPE 16
+#define BANKSTATEMENT_PROP_CLOSINGINFOTOTALCREDITS 17
+#define BANKSTATEMENT_PROP_CLOSINGINFOTOTALDEBITS 18
+#define BANKSTATEMENT_PROP_CLOSINGINFOTOTALFEES 19
+#define BANKSTATEMENT_PROP_CLOSINGINFOTOTALINTEREST 20
+#define BANKSTATEMENT_PROP_CURRENCYCODE 21
+#define BANKSTATEMENT_PROP_ENDDATE 22
+#define BANKSTATEMENT_PROP_FIID 23
+#define BANKSTATEMENT_PROP_FIORGANIZATION 24
+#define BANKSTATEMENT_PROP_FIREWALLAUTODETECT 25
+#define BANKSTATEMENT_PROP_FIREWALLTYPE 26
+#define BANKSTATEMENT_PROP_FIREWALLHOST 27
+#define BANKSTATEMENT_PROP_FIREWALLPASSWORD 28
+#define BANKSTATEMENT_PROP_FIREWALLPORT 29
+#define BANKSTATEMENT_PROP_FIREWALLUSER 30
+#define BANKSTATEMENT_PROP_FIURL 31
+#define BANKSTATEMENT_PROP_IMAGEFILE 32
+#define BANKSTATEMENT_PROP_INCLUDEIMAGES 33
+#define BANKSTATEMENT_PROP_LEDGERBALANCE 34
+#define BANKSTATEMENT_PROP_LEDGERBALANCEDATE 35
+#define BANKSTATEMENT_PROP_OFXACCESSKEY 36
+#define BANKSTATEMENT_PROP_OFXAPPID 37
+#define BANKSTATEMENT_PROP_OFXAPPVERSION 38
+#define BANKSTATEMENT_PROP_OFXPASSWORD 39
+#define BANKSTATEMENT_PROP_OFXREQUEST 40
+#define BANKSTATEMENT_PROP_OFXRESPONSE 41
+#define BANKSTATEMENT_PROP_OFXUSER 42
+#define BANKSTATEMENT_PROP_OFXVERSION 43
+#define BANKSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED 44
+#define BANKSTATEMENT_PROP_SSLCERTENCODED 45
+#define BANKSTATEMENT_PROP_SSLCERTSTORE 46
+#define BANKSTATEMENT_PROP_SSLCERTSTOREPASSWORD 47
+#define BANKSTATEMENT_PROP_SSLCERTSTORETYPE 48
+#define BANKSTATEMENT_PROP_SSLCERTSUBJECT 49
+#define BANKSTATEMENT_PROP_SSLSERVERCERTENCODED 50
+#define BANKSTATEMENT_PROP_STARTDATE 51
+#define BANKSTATEMENT_PROP_TIMEOUT 52
+#define BANKSTATEMENT_PROP_TXCOUNT 53
+#define BANKSTATEMENT_PROP_TXAGGREGATE 54
+#define BANKSTATEMENT_PROP_TXAMOUNT 55
+#define BANKSTATEMENT_PROP_TXCHECKNUMBER 56
+#define BANKSTATEMENT_PROP_TXDATEINITIATED 57
+#define BANKSTATEMENT_PROP_TXDATEPOSTED 58
+#define BANKSTATEMENT_PROP_TXFITID 59
+#define BANKSTATEMENT_PROP_TXMEMO 60
+#define BANKSTATEMENT_PROP_TXPAYEENAME 61
+#define BANKSTATEMENT_PROP_TXTYPE 62
+#define BANKSTATEMENT_PROP_TXTYPEDESCRIPTION 63
+/* BankStatement method ids. */
+#define BANKSTATEMENT_METHOD_CONFIG 2
+#define BANKSTATEMENT_METHOD_GETCLOSINGINFO 3
+#define BANKSTATEMENT_METHOD_GETIMAGE 4
+#define BANKSTATEMENT_METHOD_GETSTATEMENT 5
+#define BANKSTATEMENT_METHOD_READOFXDATAFILE 6
+#define BANKSTATEMENT_METHOD_RESET 7
+#define BANKSTATEMENT_METHOD_WRITEOFXDATAFILE 8
+
+/* Account */
+ORVELAN_API int Account_StaticInit(void* reserved);
+ORVELAN_API int Account_StaticDestroy(void);
+ORVELAN_API void* Account_Create(EventCallback callback, void* user_data, char* reserved);
+ORVELAN_API int Account_Destroy(void* obj);
+ORVELAN_API int Account_CheckIndex(void* obj, int property_id, int index);
+ORVELAN_API void* Account_Get(void* obj, int property_id, int index, int* length);
+ORVELAN_API int Account_Set(void* obj, int property_id, int index, const void* value, int length);
+ORVELAN_API const char* Account_GetLastError(void* obj);
+ORVELAN_API int Account_GetLastErrorCode(void* obj);
+ORVELAN_API int Account_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
+
+/* BankStatement */
+ORVELAN_API int BankStatement_StaticInit(void* reserved);
+ORVELAN_API int BankStatement_StaticDestroy(void);
+ORVELAN_API void* BankStatement_Create(EventCallback callback, void* user_data, char* reserved);
+ORVELAN_API int BankStatement_Destroy(void* obj);
+ORVELAN_API int BankStatement_CheckIndex(void* obj, int property_id, int index);
+ORVELAN_API void* BankStatement_Get(void* obj, int property_id, int index, int* length);
+ORVELAN_API int BankStatement_Set(void* obj, int property_id, int index, const void* value, int length);
+ORVELAN_API const char* BankStatement_GetLastError(void* obj);
+ORVELAN_API int BankStatement_GetLastErrorCode(void* obj);
+ORVELAN_API int BankStatement_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
+
+/* BankTransfer */
+ORVELAN_API int BankTransfer_StaticInit(void* reserved);
+ORVELAN_API int BankTransfer_StaticDestroy(void);
+ORVELAN_API void* BankTransfer_Create(EventCallback callback, void* user_data, char* reserved);
+ORVELAN_API int BankTransfer_Destroy(void* obj);
+ORVELAN_API int BankTransfer_CheckIndex(void* obj, int property_id, int index);
+ORVELAN_API void* BankTransfer_Get(void* obj, int property_id, int index, int* length);
+ORVELAN_API int BankTransfer_Set(void* obj, int property_id, int index, const void* value, int length);
+ORVELAN_API const char* BankTransfer_GetLastError(void* obj);
+ORVELAN_API int BankTransfer_GetLastErrorCode(void* obj);
+ORVELAN_API int BankTransfer_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
+
+/* BillPayment */
+ORVELAN_API int BillPayment_StaticInit(void* reserved);
+ORVELAN_API int BillPayment_StaticDestroy(void);
+ORVELAN_API void* BillPayment_Create(EventCallback callback, void* user_data, char* reserved);
+ORVELAN_API int BillPayment_Destroy(void* obj);
+ORVELAN_API int BillPayment_CheckIndex(void* obj, int property_id, int index);
+ORVELAN_API void* BillPayment_Get(void* obj, int property_id, int index, int* length);
+ORVELAN_API int BillPayment_Set(void* obj, int property_id, int index, const void* value, int length);
+ORVELAN_API const char* BillPayment_GetLastError(void* obj);
+ORVELAN_API int BillPayment_GetLastErrorCode(void* obj);
+ORVELAN_API int BillPayment_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
+
+/* CCStatement */
+ORVELAN_API int CCStatement_StaticInit(void* reserved);
+ORVELAN_API int CCStatement_StaticDestroy(void);
+ORVELAN_API void* CCStatement_Create(EventCallback callback, void* user_data, char* reserved);
+ORVELAN_API int CCStatement_Destroy(void* obj);
+ORVELAN_API int CCStatement_CheckIndex(void* obj, int property_id, int index);
+ORVELAN_API void* CCStatement_Get(void* obj, int property_id, int index, int* length);
+ORVELAN_API int CCStatement_Set(void* obj, int property_id, int index, const void* value, int length);
+ORVELAN_API const char* CCStatement_GetLastError(void* obj);
+ORVELAN_API int CCStatement_GetLastErrorCode(void* obj);
+ORVELAN_API int CCStatement_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
+
+/* FIProfile */
+ORVELAN_API int FIProfile_StaticInit(void* reserved);
+ORVELAN_API int FIProfile_StaticDestroy(void);
+ORVELAN_API void* FIProfile_Create(EventCallback callback, void* user_data, char* reserved);
+ORVELAN_API int FIProfile_Destroy(void* obj);
+ORVELAN_API int FIProfile_CheckIndex(void* obj, int property_id, int index);
+ORVELAN_API void* FIProfile_Get(void* obj, int property_id, int index, int* length);
+ORVELAN_API int FIProfile_Set(void* obj, int property_id, int index, const void* value, int length);
+ORVELAN_API const char* FIProfile_GetLastError(void* obj);
+ORVELAN_API int FIProfile_GetLastErrorCode(void* obj);
+ORVELAN_API int FIProfile_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
+
+/* InvStatement */
+ORVELAN_API int InvStatement_StaticInit(void* reserved);
+ORVELAN_API int InvStatement_StaticDestroy(void);
+ORVELAN_API void* InvStatement_Create(EventCallback callback, void* user_data, char* reserved);
+ORVELAN_API int InvStatement_Destroy(void* obj);
+ORVELAN_API int InvStatement_CheckIndex(void* obj, int property_id, int index);
+ORVELAN_API void* InvStatement_Get(void* obj, int property_id, int index, int* length);
+ORVELAN_API int InvStatement_Set(void* obj, int property_id, int index, const void* value, int length);
+ORVELAN_API const char* InvStatement_GetLastError(void* obj);
+ORVELAN_API int InvStatement_GetLastErrorCode(void* obj);
+ORVELAN_API int InvStatement_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
+
+/* LoanStatement */
+ORVELAN_API int LoanStatement_StaticInit(void* reserved);
+ORVELAN_API int LoanStatement_StaticDestroy(void);
+ORVELAN_API void* LoanStatement_Create(EventCallback callback, void* user_data, char* reserved);
+ORVELAN_API int LoanStatement_Destroy(void* obj);
+ORVELAN_API int LoanStatement_CheckIndex(void* obj, int property_id, int index);
+ORVELAN_API void* LoanStatement_Get(void* obj, int property_id, int index, int* length);
+ORVELAN_API int LoanStatement_Set(void* obj, int property_id, int index, const void* value, int length);
+ORVELAN_API const char* LoanStatement_GetLastError(void* obj);
+ORVELAN_API int LoanStatement_GetLastErrorCode(void* obj);
+ORVELAN_API int LoanStatement_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
+
+/* OFXAggregate */
+ORVELAN_API int OFXAggregate_StaticInit(void* reserved);
+ORVELAN_API int OFXAggregate_StaticDestroy(void);
+ORVELAN_API void* OFXAggregate_Create(EventCallback callback, void* user_data, char* reserved);
+ORVELAN_API int OFXAggregate_Destroy(void* obj);
+ORVELAN_API int OFXAggregate_CheckIndex(void* obj, int property_id, int index);
+ORVELAN_API void* OFXAggregate_Get(void* obj, int property_id, int index, int* length);
+ORVELAN_API int OFXAggregate_Set(void* obj, int property_id, int index, const void* value, int length);
+ORVELAN_API const char* OFXAggregate_GetLastError(void* obj);
+ORVELAN_API int OFXAggregate_GetLastErrorCode(void* obj);
+ORVELAN_API int OFXAggregate_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
+
+/* OFXBatch */
+ORVELAN_API int OFXBatch_StaticInit(void* reserved);
+ORVELAN_API int OFXBatch_StaticDestroy(void);
+ORVELAN_API void* OFXBatch_Create(EventCallback callback, void* user_data, char* reserved);
+ORVELAN_API int OFXBatch_Destroy(void* obj);
+ORVELAN_API int OFXBatch_CheckIndex(void* obj, int property_id, int index);
+ORVELAN_API void* OFXBatch_Get(void* obj, int property_id, int index, int* length);
+ORVELAN_API int OFXBatch_Set(void* obj, int property_id, int index, const void* value, int length);
+ORVELAN_API const char* OFXBatch_GetLastError(void* obj);
+ORVELAN_API int OFXBatch_GetLastErrorCode(void* obj);
+ORVELAN_API int OFXBatch_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
+
+/* The library also exports atof (declared in <stdlib.h>): its own version reads
+ * the decimal point as "." whatever the C locale says. */
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ORVELAN_H */

@@ -1,0 +1,48 @@
+#pragma once
+#include <cstdint>
+
+#include "base/byte_string.h"
+#include "net/tcp_client.h"
+
+// TLS for the connection beneath. For now it holds the certificate settings
+// that the components expose; the handshake comes with the transport.
+namespace orvelan {
+
+inline constexpr int kErrCertStore = 1;
+inline constexpr char kTextCertStoreNotSet[] = "Either the store or its length not set correctly";
+
+class TlsChannel : public TcpClient {
+ public:
+  TlsChannel() = default;
+
+  int InitDefaults() override;
+
+  // A server certificate accepted without further checks (DER or PEM bytes).
+  int SSLAcceptServerCertEncoded(const char*& data, int32_t& length);
+  int SetSSLAcceptServerCertEncoded(const char* data, int32_t length);
+  // The client certificate's encoding.
+  int SSLCertEncoded(const char*& data, int32_t& length);
+  int SetSSLCertEncoded(const char* data, int32_t length);
+  // The client certificate store; an empty store fails with 1.
+  int SSLCertStore(const char*& data, int32_t& length);
+  int SetSSLCertStore(const char* data, int32_t length);
+  const char* SSLCertStorePassword() const { return cert_store_password_.Data(); }
+  int SetSSLCertStorePassword(const char* password) { return cert_store_password_.Assign(password); }
+  int32_t SSLCertStoreType() const { return cert_store_type_; }
+  int SetSSLCertStoreType(int32_t type);
+  const char* SSLCertSubject() const { return cert_subject_.Data(); }
+  int SetSSLCertSubject(const char* subject) { return cert_subject_.Assign(subject); }
+  // The server's certificate from the last connection.
+  int SSLServerCertEncoded(const char*& data, int32_t& length);
+
+ private:
+  ByteString accept_server_cert_;
+  ByteString cert_encoded_;
+  ByteString cert_store_;
+  ByteString cert_store_password_;
+  ByteString cert_subject_;
+  ByteString server_cert_;
+  int32_t cert_store_type_ = 0;
+};
+
+}  // namespace orvelan

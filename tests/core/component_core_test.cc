@@ -1,0 +1,236 @@
+#include "core/component_core.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+
+namespace orvelan {
+namespace {
+
+// A layer above the core with one setting of its own, to show the chain.
+class LayeredCore : public ComponentCore {
+ public:
+  int HandleConfig(ConfigArgument& argument, const char*& out) override {
+    if (argument.NameIs("Depth")) {
+      if (argument.IsQuery()) return ReturnConfigValue(out, depth_);
+      depth_ = argument.ValueAsInt();
+      return 0;
+    }
+    return ComponentCore::HandleConfig(argument, out);
+  }
+  int depth_ = 3;
+};
+
+std::string ConfigAnswer(ComponentCore& core, const char* text, int* rc) {
+  const char* out = nullptr;
+  *rc = core.Config(text, out);
+  EXPECT_NE(out, nullptr);
+  return out == nullptr ? "" : out;
+}
+
+TEST(ComponentCoreTest, ConfigQueryAnswersInOutAndLastErrorText) {
+  ComponentCore core;
+  core.InitDefaults();
+  int rc = -2;
+  EXPECT_EQ(ConfigAnswer(core, "CodePage", &rc), "0");
+  EXPECT_EQ(rc, 0);
+  EXPECT_STREQ(core.GetLastError(), "0");
+  EXPECT_EQ(core.GetLastErrorCode(), 0);
+}
+
+TEST(ComponentCoreTest, CoreSettings) {
+  struct Step {
+    const char* text;
+    int rc;
+    const char* answer;
+  };
+  const Step steps[] = {
+      {"codepage=65001", 0, ""}, {"CODEPAGE", 0, "65001"},     {"CodePage=12abc", 0, ""},
+      {"CodePage", 0, "12"},     {"CodePage=", 0, ""},         {"CodePage", 0, "0"},
+      {"CharsetMode=300", 0, ""}, {"charsetmode", 0, "44"},     {"CharsetMode=200", 0, ""},
+      {"CharsetMode", 0, "-56"}, {"CharsetMode=-1", 0, ""},    {"CharsetMode", 0, "-1"},
+      {"Foo=1", -1, ""},         {"Foo", -1, ""},              {"", -1, ""},
+      {"CodePage2", -1, ""},     {"Code Page", -1, ""},
+  };
+  ComponentCore core;
+  for (const Step& s : steps) {
+    SCOPED_TRACE(s.text);
+    int rc = -2;
+    EXPECT_EQ(ConfigAnswer(core, s.text, &rc), s.answer);
+    EXPECT_EQ(rc, s.rc);
+    if (s.rc == -1) {
+      EXPECT_STREQ(core.GetLastError(), "Unknown config setting.");
+    }
+  }
+  EXPECT_EQ(core.CodePage(), 0);
+  EXPECT_EQ(core.CharsetMode(), -1);
+}
+
+TEST(ComponentCoreTest, NullConfigTextIsUnknown) {
+  ComponentCore core;
+  const char* out = "stale";
+  EXPECT_EQ(core.Config(nullptr, out), -1);
+  EXPECT_STREQ(out, "");
+  EXPECT_STREQ(core.GetLastError(), "Unknown config setting.");
+}
+
+TEST(ComponentCoreTest, LayersHandleTheirNamesAndPassTheRest) {
+  LayeredCore core;
+  int rc = -2;
+  EXPECT_EQ(ConfigAnswer(core, "depth", &rc), "3");
+  EXPECT_EQ(ConfigAnswer(core, "Depth=9", &rc), "");
+  EXPECT_EQ(core.depth_, 9);
+  EXPECT_EQ(ConfigAnswer(core, "CodePage=5", &rc), "");
+  EXPECT_EQ(core.CodePage(), 5);
+  EXPECT_EQ(ConfigAnswer(core, "Nothing", &rc), "");
+  EXPECT_EQ(rc, -1);
+}
+
+TEST(ComponentCoreTest, ReturnConfigValueCutsNumbersTo32Bits) {
+  ComponentCore core;
+  const char* out = nullptr;
+  EXPECT_EQ(core.ReturnConfigValue(out, int64_t{0x100000005}), 0);
+  EXPECT_STREQ(out, "5");
+  EXPECT_EQ(core.ReturnConfigValue(out, int64_t{-2147483648LL}), 0);
+  EXPECT_STREQ(out, "-2147483648");
+  EXPECT_EQ(core.ReturnConfigValue(out, "text answer"), 0);
+  EXPECT_STREQ(out, "text answer");
+  EXPECT_EQ(out, core.GetLastError());
+  EXPECT_EQ(core.ReturnConfigValue(out, static_cast<const char*>(nullptr)), 0);
+  EXPECT_STREQ(out, "");
+}
+
+TEST(ComponentCoreTest, ErrorTextForms) {
+  ComponentCore core;
+  core.SetErrorText("one");
+  core.AppendErrorText(" two");
+  EXPECT_STREQ(core.GetLastError(), "one two");
+  core.SetLastErrorCode(7);
+  core.SetErrorText("a", nullptr, "c", "d");
+  EXPECT_STREQ(core.GetLastError(), "acd");
+  EXPECT_EQ(core.GetLastErrorCode(), 0);  // the four-part form clears the error first
+  core.SetErrorText("[", 110, "] ");
+  core.AppendErrorText("x=", -4, ".");
+  EXPECT_STREQ(core.GetLastError(), "[110] x=-4.");
+  EXPECT_EQ(core.ReportError(2000, "Missing"), 2000);
+  EXPECT_STREQ(core.GetLastError(), "Missing");
+  EXPECT_EQ(core.GetLastErrorCode(), 0);  // ReportError does not store the code
+  core.SetErrorText(nullptr);
+  EXPECT_TRUE(core.HasNoErrorText());
+  core.SetLastErrorCode(5);
+  core.ClearError();
+  EXPECT_EQ(core.GetLastErrorCode(), 0);
+  EXPECT_STREQ(core.GetLastError(), "");
+}
+
+TEST(ComponentCoreTest, InitDefaultsResetsErrorAndCharsetButNotCodePage) {
+  ComponentCore core;
+  const char* out = nullptr;
+  core.Config("CharsetMode=4", out);
+  core.Config("CodePage=9", out);
+  core.SetLastErrorCode(12);
+  core.SetErrorText("x");
+  EXPECT_EQ(core.InitDefaults(), 1);
+  EXPECT_EQ(core.GetLastErrorCode(), 0);
+  EXPECT_STREQ(core.GetLastError(), "");
+  EXPECT_EQ(core.CharsetMode(), 0);
+  EXPECT_EQ(core.CodePage(), 9);
+}
+
+TEST(ComponentCoreTest, MinimalDefaultTextKnowsOnlyOutOfMemory) {
+  ComponentCore core;
+  EXPECT_EQ(core.FillDefaultErrorText(200), 200);
+  EXPECT_STREQ(core.GetLastError(), "Out of memory.");
+  core.SetErrorText("");
+  EXPECT_EQ(core.FillDefaultErrorText(110), 110);
+  EXPECT_STREQ(core.GetLastError(), "");
+}
+
+// Records what reaches the sink, in order.
+class RecordingSink : public ComponentEvents {
+ public:
+  void SetEventCodePage(int code_page) override { log.push_back("codepage " + std::to_string(code_page)); }
+  int WaitForEvents(long& timeout_ms) override {
+    log.push_back("wait " + std::to_string(timeout_ms));
+    timeout_ms = -1;
+    return 7;
+  }
+  int WatchSocket(long socket, long mask, long& handle) override {
+    log.push_back("watch " + std::to_string(socket) + " " + std::to_string(mask));
+    handle = 99;
+    return 8;
+  }
+  int UnwatchSocket(long handle) override {
+    log.push_back("unwatch " + std::to_string(handle));
+    return 9;
+  }
+  int FireConnectionStatus(const char* event, int status, const char* description) override {
+    log.push_back(std::string("status ") + event + "|" + std::to_string(status) + "|" + description);
+    return 5;
+  }
+  int FireError(int code, const char* description) override {
+    log.push_back("error " + std::to_string(code) + "|" + description);
+    return 5;
+  }
+  int FireSSLServerAuthentication(const char* cert, int length, const char* subject, const char* issuer,
+                                  const char* status, int& accept) override {
+    log.push_back("auth " + std::string(cert, static_cast<size_t>(length)) + "|" + subject + "|" + issuer + "|" +
+                  status + "|" + std::to_string(accept));
+    accept = 1;
+    return 5;
+  }
+  int FireSSLStatus(const char* message) override {
+    log.push_back(std::string("sslstatus ") + message);
+    return 5;
+  }
+  std::vector<std::string> log;
+};
+
+TEST(ComponentCoreTest, EventsReachTheSinkWithCodePageFirst) {
+  ComponentCore core;
+  RecordingSink sink;
+  core.SetEventSink(&sink);
+  const char* out = nullptr;
+  core.Config("CodePage=65001", out);
+
+  EXPECT_EQ(core.FireConnectionStatus(nullptr, 3, "up"), 0);  // the host's result is not passed on
+  EXPECT_EQ(core.FireError(2001, nullptr), 0);
+  int accept = 0;
+  EXPECT_EQ(core.FireSSLServerAuthentication("DER", 3, "CN=a", nullptr, "bad chain", accept), 0);
+  EXPECT_EQ(accept, 1);
+  EXPECT_EQ(core.FireSSLStatus("hello"), 0);
+  long timeout = 20;
+  EXPECT_EQ(core.FireWaitForEvents(timeout), 7);
+  EXPECT_EQ(timeout, -1);
+  long handle = 0;
+  EXPECT_EQ(core.FireWatchSocket(4, 3, handle), 8);
+  EXPECT_EQ(handle, 99);
+  EXPECT_EQ(core.FireUnwatchSocket(99), 9);
+
+  const std::vector<std::string> expected = {
+      "codepage 65001", "status |3|up",   "codepage 65001", "error 2001|",
+      "codepage 65001", "auth DER|CN=a||bad chain|0",       "codepage 65001",
+      "sslstatus hello", "codepage 65001", "wait 20",        "codepage 65001",
+      "watch 4 3",      "codepage 65001", "unwatch 99",
+  };
+  EXPECT_EQ(sink.log, expected);
+}
+
+TEST(ComponentCoreTest, EventsWithoutSinkAreDropped) {
+  ComponentCore core;
+  int accept = 0;
+  long timeout = 20;
+  long handle = 4;
+  EXPECT_EQ(core.FireError(1, "x"), 0);
+  EXPECT_EQ(core.FireSSLServerAuthentication("", 0, "", "", "", accept), 0);
+  EXPECT_EQ(accept, 0);
+  EXPECT_EQ(core.FireWaitForEvents(timeout), 0);
+  EXPECT_EQ(timeout, 20);
+  EXPECT_EQ(core.FireWatchSocket(1, 1, handle), 0);
+  EXPECT_EQ(handle, 4);
+}
+
+}  // namespace
+}  // namespace orvelan

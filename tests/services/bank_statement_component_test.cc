@@ -1,0 +1,116 @@
+#include "services/bank_statement_component.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/property_order.h"
+
+namespace orvelan {
+namespace {
+
+TEST(BankStatementComponentTest, PropertyIdsFollowTheNamingRule) {
+  const auto& properties = BankStatementTables().Properties();
+  ASSERT_EQ(properties.size(), 63u);
+  const std::vector<std::string> expected = testing::ExpectedIdOrder(properties);
+  for (size_t i = 0; i < properties.size(); ++i) {
+    EXPECT_EQ(properties[i].id, static_cast<int>(i) + 1) << properties[i].name;
+    EXPECT_EQ(properties[i].name, expected[i]) << "id " << i + 1;
+  }
+}
+
+TEST(BankStatementComponentTest, MethodIdsFollowTheNamingRule) {
+  std::vector<std::string> names;
+  for (const auto& m : BankStatementTables().Methods()) names.push_back(m.name);
+  std::vector<std::string> sorted = names;
+  std::sort(sorted.begin(), sorted.end(),
+            [](const std::string& a, const std::string& b) { return testing::Lower(a) < testing::Lower(b); });
+  EXPECT_EQ(names, sorted);
+  for (size_t i = 0; i < BankStatementTables().Methods().size(); ++i) {
+    EXPECT_EQ(BankStatementTables().Methods()[i].id, static_cast<int>(i) + 2);
+  }
+}
+
+// The common properties keep the ids a host relies on.
+TEST(BankStatementComponentTest, CommonPropertyIds) {
+  const std::pair<int, const char*> ids[] = {
+      {23, "FIId"},          {24, "FIOrganization"},   {25, "FirewallAutoDetect"},
+      {26, "FirewallType"},  {27, "FirewallHost"},     {28, "FirewallPassword"},
+      {29, "FirewallPort"},  {30, "FirewallUser"},     {31, "FIUrl"},
+      {32, "ImageFile"},     {33, "IncludeImages"},    {36, "OFXAccessKey"},
+      {37, "OFXAppId"},      {38, "OFXAppVersion"},    {39, "OFXPassword"},
+      {40, "OFXRequest"},    {41, "OFXResponse"},      {42, "OFXUser"},
+      {43, "OFXVersion"},    {44, "SSLAcceptServerCertEncoded"}, {45, "SSLCertEncoded"},
+      {46, "SSLCertStore"},  {47, "SSLCertStorePassword"}, {48, "SSLCertStoreType"},
+      {49, "SSLCertSubject"}, {50, "SSLServerCertEncoded"}, {52, "Timeout"},
+  };
+  for (const auto& [id, name] : ids) {
+    const auto* p = BankStatementTables().Property(id);
+    ASSERT_NE(p, nullptr) << id;
+    EXPECT_STREQ(p->name, name);
+  }
+  for (int read_only : {40, 50}) EXPECT_EQ(BankStatementTables().Property(read_only)->set, nullptr);
+}
+
+TEST(BankStatementComponentTest, ResetRestoresInputsAndBankIdPresent) {
+  BankStatementComponent component(nullptr, nullptr);
+  auto& s = component.service();
+  s.SetAccountId("1");
+  s.SetBankId("2");
+  s.SetStartDate("20260101");
+  s.SetEndDate("20260131");
+  ASSERT_EQ(s.SetAccountType(3), 0);
+  const char* out = nullptr;
+  ASSERT_EQ(s.Config("BankIdPresent=0", out), 0);
+  s.SetFIUrl("https://kept.example");  // not this layer's: Reset keeps it
+
+  EXPECT_EQ(component.Do(7, 0, nullptr, nullptr), 0);
+  EXPECT_STREQ(s.AccountId(), "");
+  EXPECT_STREQ(s.BankId(), "");
+  EXPECT_STREQ(s.StartDate(), "");
+  EXPECT_STREQ(s.EndDate(), "");
+  EXPECT_EQ(s.AccountType(), 0);
+  ASSERT_EQ(s.Config("BankIdPresent", out), 0);
+  EXPECT_STREQ(out, "1");
+  EXPECT_STREQ(s.FIUrl(), "https://kept.example");
+}
+
+TEST(BankStatementComponentTest, TransactionTypeDescriptions) {
+  const std::pair<int, const char*> cases[] = {
+      {0, "Credit"}, {6, "Deposit"}, {17, "Cash Advance (adds to Principal Balance)"},
+      {18, "Payment of Balloon Amount"}, {255, "Other"}, {19, "Other"}, {-1, "Other"},
+  };
+  for (const auto& [index, text] : cases) {
+    EXPECT_STREQ(StatementTransaction::TypeDescription(index), text) << index;
+  }
+}
+
+TEST(BankStatementComponentTest, IndexedReadsSeeTheRecords) {
+  BankStatementComponent component(nullptr, nullptr);
+  auto& s = component.service();
+  StatementTransaction tx;
+  tx.amount.Assign("-12.50");
+  tx.fitid.Assign("T1");
+  tx.type_index = 6;
+  ASSERT_EQ(s.Transactions().Add(tx), 0);
+  tx.fitid.Assign("T2");
+  ASSERT_EQ(s.Transactions().Add(tx), 0);
+
+  EXPECT_EQ(reinterpret_cast<intptr_t>(component.Get(53, 0, nullptr)), 2);
+  EXPECT_STREQ(static_cast<const char*>(component.Get(59, 1, nullptr)), "T2");
+  EXPECT_EQ(reinterpret_cast<intptr_t>(component.Get(62, 0, nullptr)), 6);
+  EXPECT_STREQ(static_cast<const char*>(component.Get(63, 0, nullptr)), "Deposit");
+  EXPECT_EQ(component.GetLastErrorCode(), 0);
+  EXPECT_STREQ(static_cast<const char*>(component.Get(59, 2, nullptr)), "");
+  EXPECT_EQ(component.GetLastErrorCode(), 432);
+  EXPECT_EQ(component.CheckIndex(62, 2), 280);
+  EXPECT_EQ(component.CheckIndex(62, 1), 0);
+  // The closing list is separate.
+  EXPECT_EQ(component.CheckIndex(14, 0), 280);
+  EXPECT_STREQ(component.GetLastError(), "Invalid ClosingInfoIndex (out of bounds).");
+}
+
+}  // namespace
+}  // namespace orvelan
