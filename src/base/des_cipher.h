@@ -3,7 +3,7 @@
 
 namespace orvelan {
 
-// Single DES (FIPS 46-3) in ECB mode, and Triple DES in CBC mode below.
+// Single DES in ECB mode, and Triple DES in CBC mode below.
 //
 //   DesCipher des(key);           // 8 key bytes
 //   des.Encrypt(data, 2);         // two 8-byte blocks, in place

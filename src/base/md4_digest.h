@@ -6,7 +6,7 @@
 
 namespace orvelan {
 
-// Incremental MD4 (RFC 1320). Kept for the NTLM password hash; it offers no
+// Incremental MD4. Kept for the NTLM password hash; it offers no
 // collision resistance and must not be used for anything new.
 //
 //   Md4Digest md4;

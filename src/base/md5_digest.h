@@ -6,7 +6,7 @@
 
 namespace orvelan {
 
-// Incremental MD5 (RFC 1321).
+// Incremental MD5.
 //
 //   Md5Digest md5;
 //   md5.Update(header, header_length);

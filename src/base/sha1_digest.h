@@ -6,7 +6,7 @@
 
 namespace orvelan {
 
-// Incremental SHA-1 (FIPS 180-4).
+// Incremental SHA-1.
 //
 //   Sha1Digest sha1;
 //   sha1.Update(pass_phrase, pass_phrase_length);

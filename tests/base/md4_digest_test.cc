@@ -16,7 +16,7 @@ struct DigestCase {
   const char* digest;
 };
 
-TEST(Md4DigestTest, MatchesRfcTestSuite) {
+TEST(Md4DigestTest, MatchesPublishedTestSuite) {
   const DigestCase kCases[] = {
       {"", "31d6cfe0d16ae931b73c59d7e0c089c0"},
       {"a", "bde52cb31de33e46245e05fbdbd6fb24"},

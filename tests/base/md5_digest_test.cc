@@ -16,7 +16,7 @@ struct DigestCase {
   const char* digest;
 };
 
-TEST(Md5DigestTest, MatchesRfcTestSuite) {
+TEST(Md5DigestTest, MatchesPublishedTestSuite) {
   const DigestCase kCases[] = {
       {"", "d41d8cd98f00b204e9800998ecf8427e"},
       {"a", "0cc175b9c0f1b6a831c399e269772661"},
