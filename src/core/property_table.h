@@ -1,6 +1,7 @@
 #pragma once
-#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <type_traits>
 #include <vector>
 
 #include "base/error_codes.h"
@@ -93,6 +94,10 @@ struct MethodCall {
 // `int (const char*& data, int32_t& length)`; indexed getters take the index
 // first. Setters take `const char*`, `int32_t`, `int64_t`, or
 // `(const char* data, int32_t length)` and return 0 or a code.
+// A setter template argument left at nullptr marks a read-only property.
+template <auto Set>
+inline constexpr bool HasSetter = !std::is_same_v<decltype(Set), std::nullptr_t>;
+
 template <class S>
 struct PropertyBuilder {
   template <auto Get, auto Set = nullptr>
@@ -102,7 +107,7 @@ struct PropertyBuilder {
       v.pointer = (s.*Get)();
       return kOk;
     };
-    if constexpr (Set != nullptr) d.set = [](S& s, const PropertyInput& in) { return (s.*Set)(in.text); };
+    if constexpr (HasSetter<Set>) d.set = [](S& s, const PropertyInput& in) { return (s.*Set)(in.text); };
     if (default_text != nullptr) {
       d.has_default = true;
       d.default_text = default_text;
@@ -137,7 +142,7 @@ struct PropertyBuilder {
       v.length = length;
       return rc;
     };
-    if constexpr (Set != nullptr) {
+    if constexpr (HasSetter<Set>) {
       d.set = [](S& s, const PropertyInput& in) { return (s.*Set)(in.text, in.length); };
     }
     if (default_bytes != nullptr) {
@@ -188,7 +193,7 @@ struct PropertyBuilder {
       v.integer = static_cast<int64_t>((s.*Get)());
       return kOk;
     };
-    if constexpr (Set != nullptr) {
+    if constexpr (HasSetter<Set>) {
       d.set = [](S& s, const PropertyInput& in) {
         using Arg = decltype(ArgumentOf(Set));
         return (s.*Set)(static_cast<Arg>(in.integer));
