@@ -85,6 +85,8 @@ class BasicByteString {
   int SetLength(int32_t n, const char* source = nullptr) {
     if (n < 0) n = 0;
     if (n > N) {
+      // Past this the capacity could not cover n and the NUL would land outside the block.
+      if (n > kMaxCapacity) return kErrOutOfMemory;
       if (n > capacity_) {
         // Half again the request keeps repeated appends amortised linear.
         const int64_t wanted = static_cast<int64_t>(n) + n / 2;
@@ -194,12 +196,23 @@ class BasicByteString {
     std::memset(MutableData() + old_length, static_cast<unsigned char>(c), static_cast<size_t>(count));
     return kOk;
   }
-  // '"' text '"'; nothing for a null text.
+  // '"' text '"'; nothing for a null text. The text may lie inside this string.
   int AppendQuoted(const char* text) {
     if (text == nullptr) return kOk;
-    if (int rc = AppendChar('"'); rc != kOk) return rc;
-    if (int rc = Append(text); rc != kOk) return rc;
-    return AppendChar('"');
+    const int32_t n = Strlen(text);
+    const int32_t old_length = length_;
+    if (static_cast<int64_t>(old_length) + n + 2 > kMaxCapacity) return kErrOutOfMemory;
+    // One growth for all three parts, so a failure leaves the content as it was
+    // and an own text is read from where it is after the move.
+    const char* old_data = Data();
+    const bool is_own = text >= old_data && text < old_data + old_length;
+    const std::ptrdiff_t own_offset = text - old_data;
+    if (int rc = SetLength(old_length + n + 2); rc != kOk) return rc;
+    char* data = MutableData();
+    data[old_length] = '"';
+    std::memmove(data + old_length + 1, is_own ? data + own_offset : text, static_cast<size_t>(n));
+    data[old_length + 1 + n] = '"';
+    return kOk;
   }
 
   // Standard base64 with "=" padding. With line_breaks, "\r\n" precedes every
@@ -321,7 +334,10 @@ class BasicByteString {
   // With length -1 the content and the text compare as NUL-terminated strings;
   // otherwise the lengths must match and the bytes must be equal.
   bool Equals(const char* text, int32_t length = -1) const {
-    if (text == nullptr) text = "";
+    if (text == nullptr) {
+      if (length > 0) return false;  // a null text has no bytes to compare
+      text = "";
+    }
     if (length == -1) return std::strcmp(Data(), text) == 0;
     return length == length_ && std::memcmp(Data(), text, static_cast<size_t>(length)) == 0;
   }

@@ -60,6 +60,7 @@ int ParseHexPair(const char* pair) {
 }
 
 char* SplitAt(char* text, char separator) {
+  if (text == nullptr) return nullptr;
   while (*text != '\0' && *text != separator) ++text;
   if (*text == '\0') return text;
   *text = '\0';
@@ -119,6 +120,8 @@ double ParseDecimal(const char* text, const char** end) {
     }
   }
 
+  // A zero mantissa stays zero: scaled by 10^511, which is infinite, it would give NaN.
+  if (digits == 0) exponent = 0;
   int magnitude = exponent < 0 ? -exponent : exponent;
   if (magnitude > kMaxExponent) magnitude = kMaxExponent;
   double power = 1.0;

@@ -22,7 +22,8 @@ int64_t ParseHex(const char* text);
 int ParseHexPair(const char* pair);
 
 // Overwrites the first `separator` in `text` with NUL and returns the text
-// behind it; returns the terminating NUL's position when it does not occur.
+// behind it; returns the terminating NUL's position when it does not occur,
+// and nullptr for a null text.
 char* SplitAt(char* text, char separator);
 
 inline bool IsDigit(unsigned char c) { return c >= '0' && c <= '9'; }
