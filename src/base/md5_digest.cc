@@ -1,7 +1,5 @@
 #include "base/md5_digest.h"
 
-#include <cstring>
-
 #include "base/byte_order.h"
 
 namespace orvelan {
@@ -31,19 +29,10 @@ inline uint32_t I(uint32_t x, uint32_t y, uint32_t z) { return y ^ (x | ~z); }
 
 }  // namespace
 
-void Md5Digest::Reset() {
-  state_[0] = 0x67452301;
-  state_[1] = 0xefcdab89;
-  state_[2] = 0x98badcfe;
-  state_[3] = 0x10325476;
-  byte_count_ = 0;
-  std::memset(result_, 0, sizeof result_);
-}
-
-void Md5Digest::Transform(const uint8_t* block) {
+void Md5Rounds::Compress(uint32_t state[kStateWords], const uint8_t* block) {
   uint32_t x[16];
   for (int i = 0; i < 16; ++i) x[i] = LoadLittle32(block + 4 * i);
-  uint32_t a = state_[0], b = state_[1], c = state_[2], d = state_[3];
+  uint32_t a = state[0], b = state[1], c = state[2], d = state[3];
   // Each round visits the words in its own order: i, 5i + 1, 3i + 5, 7i (mod 16).
   for (int i = 0; i < 16; i += 4) {
     Step(a, b, F(b, c, d), x[i], kSine[i], 7);
@@ -69,50 +58,12 @@ void Md5Digest::Transform(const uint8_t* block) {
     Step(c, d, I(d, a, b), x[(7 * i + 14) % 16], kSine[i + 2], 15);
     Step(b, c, I(c, d, a), x[(7 * i + 21) % 16], kSine[i + 3], 21);
   }
-  state_[0] += a;
-  state_[1] += b;
-  state_[2] += c;
-  state_[3] += d;
+  state[0] += a;
+  state[1] += b;
+  state[2] += c;
+  state[3] += d;
 }
 
-void Md5Digest::Update(const void* bytes, size_t length) {
-  if (length == 0) return;  // bytes may be null then
-  const uint8_t* p = static_cast<const uint8_t*>(bytes);
-  size_t pending = static_cast<size_t>(byte_count_ % 64);
-  byte_count_ += length;
-  if (pending != 0) {
-    const size_t take = length < 64 - pending ? length : 64 - pending;
-    std::memcpy(block_ + pending, p, take);
-    p += take;
-    length -= take;
-    if (pending + take < 64) return;
-    Transform(block_);
-  }
-  for (; length >= 64; p += 64, length -= 64) Transform(p);
-  if (length != 0) std::memcpy(block_, p, length);
-}
-
-const uint8_t* Md5Digest::Finish() {
-  const uint64_t bit_count = byte_count_ * 8;
-  static const uint8_t kPadding[64] = {0x80};
-  const size_t pending = static_cast<size_t>(byte_count_ % 64);
-  // One 0x80, zeros up to 56 mod 64, then the 64-bit bit count.
-  Update(kPadding, pending < 56 ? 56 - pending : 120 - pending);
-  uint8_t length_bytes[8];
-  StoreLittle32(static_cast<uint32_t>(bit_count), length_bytes);
-  StoreLittle32(static_cast<uint32_t>(bit_count >> 32), length_bytes + 4);
-  Update(length_bytes, sizeof length_bytes);
-  for (int i = 0; i < 4; ++i) StoreLittle32(state_[i], result_ + 4 * i);
-  result_[kDigestLength] = 0;
-  return result_;
-}
-
-int Md5Of(ByteString& target, const void* bytes, int32_t length) {
-  Md5Digest md5;
-  md5.Update(bytes, length);
-  return target.Assign(reinterpret_cast<const char*>(md5.Finish()), Md5Digest::kDigestLength);
-}
-
-int Md5Of(ByteString& in_out) { return Md5Of(in_out, in_out.Data(), in_out.Length()); }
+template class BlockHasher<Md5Rounds>;
 
 }  // namespace orvelan

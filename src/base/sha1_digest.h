@@ -1,55 +1,27 @@
 #pragma once
-#include <cstddef>
 #include <cstdint>
 
+#include "base/block_hasher.h"
 #include "base/byte_string.h"
 
 namespace orvelan {
 
-// Incremental SHA-1.
-//
-//   Sha1Digest sha1;
-//   sha1.Update(pass_phrase, pass_phrase_length);
-//   sha1.Update(salt, 8);
-//   const uint8_t* digest = sha1.Finish();  // 20 bytes, then a NUL
-//
-// A plain value: copying it copies the running state. Not thread-safe.
-class Sha1Digest {
- public:
-  static constexpr int32_t kDigestLength = 20;
-
-  Sha1Digest() { Reset(); }
-
-  // Starts a new digest, forgetting every byte seen so far.
-  void Reset();
-
-  // Adds `length` bytes; may be called any number of times, with any split.
-  // A null pointer with length 0 is fine. A negative int32 length counts as 0;
-  // other integer types need a cast to pick one of the two.
-  void Update(const void* bytes, size_t length);
-  void Update(const void* bytes, int32_t length) {
-    Update(bytes, length > 0 ? static_cast<size_t>(length) : size_t{0});
-  }
-
-  // Pads, and returns the 20 digest bytes followed by a NUL byte. The bytes
-  // live in this object until the next Reset, Update or Finish. The state is
-  // spent afterwards: call Reset before hashing anything else.
-  const uint8_t* Finish();
-
- private:
-  void Transform(const uint8_t* block);
-
-  uint32_t state_[5];
-  uint64_t byte_count_;
-  uint8_t block_[64];  // the first byte_count_ % 64 bytes are pending
-  uint8_t result_[kDigestLength + 1];
+// SHA-1's starting state and compression function, for BlockHasher.
+struct Sha1Rounds {
+  static constexpr int kStateWords = 5;
+  static constexpr bool kBigEndian = true;
+  static constexpr uint32_t kInitialState[kStateWords] = {0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476,
+                                                          0xc3d2e1f0};
+  static void Compress(uint32_t state[kStateWords], const uint8_t* block);
 };
 
-// Makes the 20 digest bytes of bytes[0, length) the content of target.
-// Returns 0, or the ByteString's code (200) leaving target unchanged.
-int Sha1Of(ByteString& target, const void* bytes, int32_t length);
+using Sha1Digest = BlockHasher<Sha1Rounds>;  // 20-byte digests
+extern template class BlockHasher<Sha1Rounds>;  // instantiated next to Compress
 
-// Replaces the content of in_out by its 20 digest bytes.
-int Sha1Of(ByteString& in_out);
+// One-shot forms of BlockHasher::Of.
+inline int Sha1Of(ByteString& target, const void* bytes, int32_t length) {
+  return Sha1Digest::Of(target, bytes, length);
+}
+inline int Sha1Of(ByteString& in_out) { return Sha1Digest::Of(in_out); }
 
 }  // namespace orvelan
