@@ -1,7 +1,6 @@
 #include "core/component_core.h"
 
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -125,76 +124,6 @@ TEST(ComponentCoreTest, MinimalDefaultTextKnowsOnlyOutOfMemory) {
   core.SetErrorText("");
   EXPECT_EQ(core.FillDefaultErrorText(110), 110);
   EXPECT_STREQ(core.GetLastError(), "");
-}
-
-// Records what reaches the sink, in order.
-class RecordingSink : public ComponentEvents {
- public:
-  void SetEventCodePage(int code_page) override { log.push_back("codepage " + std::to_string(code_page)); }
-  int WaitForEvents(long& timeout_ms) override {
-    log.push_back("wait " + std::to_string(timeout_ms));
-    timeout_ms = -1;
-    return 7;
-  }
-  int WatchSocket(long socket, long mask, long& handle) override {
-    log.push_back("watch " + std::to_string(socket) + " " + std::to_string(mask));
-    handle = 99;
-    return 8;
-  }
-  int UnwatchSocket(long handle) override {
-    log.push_back("unwatch " + std::to_string(handle));
-    return 9;
-  }
-  int FireConnectionStatus(const char* event, int status, const char* description) override {
-    log.push_back(std::string("status ") + event + "|" + std::to_string(status) + "|" + description);
-    return 5;
-  }
-  int FireError(int code, const char* description) override {
-    log.push_back("error " + std::to_string(code) + "|" + description);
-    return 5;
-  }
-  int FireSSLServerAuthentication(const char* cert, int length, const char* subject, const char* issuer,
-                                  const char* status, int& accept) override {
-    log.push_back("auth " + std::string(cert, static_cast<size_t>(length)) + "|" + subject + "|" + issuer + "|" +
-                  status + "|" + std::to_string(accept));
-    accept = 1;
-    return 5;
-  }
-  int FireSSLStatus(const char* message) override {
-    log.push_back(std::string("sslstatus ") + message);
-    return 5;
-  }
-  std::vector<std::string> log;
-};
-
-TEST(ComponentCoreTest, EventsReachTheSinkWithCodePageFirst) {
-  ComponentCore core;
-  RecordingSink sink;
-  core.SetEventSink(&sink);
-  const char* out = nullptr;
-  core.Config("CodePage=65001", out);
-
-  EXPECT_EQ(core.FireConnectionStatus(nullptr, 3, "up"), 0);  // the host's result is not passed on
-  EXPECT_EQ(core.FireError(2001, nullptr), 0);
-  int accept = 0;
-  EXPECT_EQ(core.FireSSLServerAuthentication("DER", 3, "CN=a", nullptr, "bad chain", accept), 0);
-  EXPECT_EQ(accept, 1);
-  EXPECT_EQ(core.FireSSLStatus("hello"), 0);
-  long timeout = 20;
-  EXPECT_EQ(core.FireWaitForEvents(timeout), 7);
-  EXPECT_EQ(timeout, -1);
-  long handle = 0;
-  EXPECT_EQ(core.FireWatchSocket(4, 3, handle), 8);
-  EXPECT_EQ(handle, 99);
-  EXPECT_EQ(core.FireUnwatchSocket(99), 9);
-
-  const std::vector<std::string> expected = {
-      "codepage 65001", "status |3|up",   "codepage 65001", "error 2001|",
-      "codepage 65001", "auth DER|CN=a||bad chain|0",       "codepage 65001",
-      "sslstatus hello", "codepage 65001", "wait 20",        "codepage 65001",
-      "watch 4 3",      "codepage 65001", "unwatch 99",
-  };
-  EXPECT_EQ(sink.log, expected);
 }
 
 TEST(ComponentCoreTest, EventsWithoutSinkAreDropped) {

@@ -53,16 +53,6 @@ TEST(ConfigArgumentTest, NullTextIsAQueryOfTheEmptyName) {
   EXPECT_TRUE(argument.IsQuery());
 }
 
-TEST(ConfigArgumentTest, ReparsingStartsAfresh) {
-  ConfigArgument argument;
-  ASSERT_EQ(argument.Parse("Name[4]=x"), 0);
-  ASSERT_EQ(argument.Parse("Other"), 0);
-  EXPECT_STREQ(argument.Name(), "Other");
-  EXPECT_STREQ(argument.Value(), "");
-  EXPECT_EQ(argument.Index(), -1);
-  EXPECT_TRUE(argument.IsQuery());
-}
-
 TEST(ConfigArgumentTest, NameIsIgnoresAsciiCaseOnly) {
   ConfigArgument argument;
   ASSERT_EQ(argument.Parse("cODEpAGE=1"), 0);

@@ -33,25 +33,8 @@ TEST(BankStatementComponentTest, MethodIdsFollowTheNamingRule) {
   }
 }
 
-// The common properties keep the ids a host relies on.
-TEST(BankStatementComponentTest, CommonPropertyIds) {
-  const std::pair<int, const char*> ids[] = {
-      {23, "FIId"},          {24, "FIOrganization"},   {25, "FirewallAutoDetect"},
-      {26, "FirewallType"},  {27, "FirewallHost"},     {28, "FirewallPassword"},
-      {29, "FirewallPort"},  {30, "FirewallUser"},     {31, "FIUrl"},
-      {32, "ImageFile"},     {33, "IncludeImages"},    {36, "OFXAccessKey"},
-      {37, "OFXAppId"},      {38, "OFXAppVersion"},    {39, "OFXPassword"},
-      {40, "OFXRequest"},    {41, "OFXResponse"},      {42, "OFXUser"},
-      {43, "OFXVersion"},    {44, "SSLAcceptServerCertEncoded"}, {45, "SSLCertEncoded"},
-      {46, "SSLCertStore"},  {47, "SSLCertStorePassword"}, {48, "SSLCertStoreType"},
-      {49, "SSLCertSubject"}, {50, "SSLServerCertEncoded"}, {52, "Timeout"},
-  };
-  for (const auto& [id, name] : ids) {
-    const auto* p = BankStatementTables().Property(id);
-    ASSERT_NE(p, nullptr) << id;
-    EXPECT_STREQ(p->name, name);
-  }
-  for (int read_only : {40, 50}) EXPECT_EQ(BankStatementTables().Property(read_only)->set, nullptr);
+TEST(BankStatementComponentTest, RequestAndServerCertificateAreReadOnly) {
+  for (int id : {40, 50}) EXPECT_EQ(BankStatementTables().Property(id)->set, nullptr) << id;
 }
 
 TEST(BankStatementComponentTest, ResetRestoresInputsAndBankIdPresent) {
