@@ -32,7 +32,6 @@ inline bool IsWhite(uint8_t c) { return (kCharClass[c] & kSpace) != 0; }
 inline bool IsNameStart(uint8_t c) { return (kCharClass[c] & kNameStart) != 0; }
 inline bool IsNameChar(uint8_t c) { return (kCharClass[c] & kNameChar) != 0; }
 
-constexpr char kXmlNamespaceUri[] = "http://www.w3.org/XML/1998/namespace";
 
 int32_t TrimmedLength(const ByteString& s) {
   int32_t n = s.Length();
@@ -665,6 +664,7 @@ int MarkupParser::ResolvePrefix(std::string_view qualified, bool is_attribute, i
     return kOk;
   }
   const std::string_view prefix = qualified.substr(0, colon);
+  // The xml prefix is bound by definition; attributes carry no declaration record for it.
   if (is_attribute && prefix == "xml") {
     local = qualified.substr(colon + 1);
     return kOk;
