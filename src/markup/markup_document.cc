@@ -251,7 +251,7 @@ const char* MarkupDocument::ElementText() const {
 }
 
 const char* MarkupDocument::CutKeptText(uint32_t begin, uint32_t end, ByteString& out) {
-  const ByteString& kept = parser_.KeptText();
+  const TextBuffer& kept = parser_.KeptText();
   if (end > static_cast<uint32_t>(kept.Length())) end = static_cast<uint32_t>(kept.Length());
   if (end <= begin) {
     out.Clear();

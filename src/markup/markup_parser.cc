@@ -77,9 +77,10 @@ int MarkupParser::Reset() {
   state_ = kText;
   prev_ = prev2_ = 0;
   for (ByteString* s : {&text_, &entity_name_, &token_, &entity_value_, &leaf_candidate_, &attribute_name_,
-                        &error_text_, &kept_, &pending_name_, &leaf_name_, &kept_tail_}) {
+                        &error_text_, &pending_name_, &leaf_name_, &kept_tail_}) {
     s->Clear();
   }
+  kept_.Truncate(0);
   char_count_ = 0;
   tag_start_ = 0;
   attributes_.Clear();
@@ -199,7 +200,11 @@ int MarkupParser::Feed(const char* data, size_t length) {
   const uint8_t* const end = p + length;
   // One large input grows the arena once; small pieces (a byte at a time, in
   // the tests) rely on the arena's own growth.
-  if (build_dom_ && length >= 65536 && length < 0x20000000u) tree_.Reserve(static_cast<uint32_t>(length * 4));
+  if (length >= 65536 && length < 0x20000000u) {
+    if (build_dom_) tree_.Reserve(static_cast<uint32_t>(length * 4));
+
+    if (keep_text_) kept_.Reserve(kept_.Length() + static_cast<int32_t>(length + length / 4));
+  }
   while (p < end) {
     // Runs that need nothing but an append; a listener sees every byte, so
     // it takes the byte-at-a-time path.
@@ -610,12 +615,12 @@ int MarkupParser::CloseLeafBeforeStartTag() {
         rc != kOk) {
       return Fail(rc);
     }
-    kept_.SetLength(static_cast<int32_t>(tag_start_));
+    kept_.Truncate(static_cast<int32_t>(tag_start_));
   }
   if (int rc = EndTag(leaf_name_.View(), true, false); rc != kOk) return rc;
   if (rewrite) {
     tag_start_ = static_cast<uint32_t>(kept_.Length());
-    if (int rc = kept_.Append(kept_tail_); rc != kOk) return Fail(rc);
+    if (int rc = kept_.Append(kept_tail_.View()); rc != kOk) return Fail(rc);
     char_count_ = static_cast<uint32_t>(kept_.Length());
   }
   return kOk;

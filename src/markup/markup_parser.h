@@ -7,6 +7,7 @@
 #include "markup/document_tree.h"
 #include "markup/markup_listener.h"
 #include "markup/name_value_table.h"
+#include "markup/text_buffer.h"
 
 // Reads OFX 2.x (XML) and OFX 1.x (SGML, where value elements have no end tag)
 // into a DocumentTree, one byte at a time, resumable at any byte.
@@ -83,7 +84,7 @@ class MarkupParser {
   DocumentTree& Tree() { return tree_; }
   const DocumentTree& Tree() const { return tree_; }
   // The input as read, with synthesized end tags.
-  const ByteString& KeptText() const { return kept_; }
+  const TextBuffer& KeptText() const { return kept_; }
   // Namespace declarations currently in scope (used while a start tag is reported).
   const NameValueTable& Namespaces() const { return namespaces_; }
 
@@ -129,7 +130,7 @@ class MarkupParser {
   ByteString leaf_candidate_;
   ByteString attribute_name_;
   ByteString error_text_;
-  ByteString kept_;
+  TextBuffer kept_;
   ByteString pending_name_;  // the name of an empty-element tag, for its end
   ByteString leaf_name_;     // a leaf being closed implicitly
   ByteString kept_tail_;     // kept text moved behind a synthesized end tag
