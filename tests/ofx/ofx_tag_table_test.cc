@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/tree_dump.h"
+
 namespace orvelan {
 namespace {
 
@@ -84,6 +86,14 @@ TEST(OFXTagTableTest, CorpusFilesParse) {
     ASSERT_EQ(table.SelectPath("/OFX"), 0) << table.GetLastError();
     EXPECT_STREQ(table.ElementName(), "OFX");
     EXPECT_EQ(table.Parser().Finish(), 0) << table.Parser().ErrorText();
+
+    // The same file a byte at a time gives the same tree and kept text.
+    OFXTagTable bytewise;
+    bytewise.InitDefaults();
+    bytewise.RegisterAggregates();
+    for (size_t i = 0; i < text.size() && text[i] != '\0'; ++i) ASSERT_EQ(bytewise.Parser().Feed(&text[i], 1), 0);
+    EXPECT_EQ(testing::DumpTree(bytewise.Tree()), testing::DumpTree(table.Tree()));
+    EXPECT_EQ(bytewise.Parser().KeptText().View(), table.Parser().KeptText().View());
     ++files;
   }
   closedir(dir);
