@@ -321,7 +321,7 @@ int MarkupParser::Handle(uint8_t ch) {
           state_ = kEndName;
           return kOk;
         }
-        if (int rc = StartTagNameComplete(ch); rc != kOk) return rc;
+        if (int rc = StartTagNameComplete(); rc != kOk) return rc;
         if (ch == '>') {
           state_ = kAfterTag;
           return TagComplete();
@@ -590,13 +590,13 @@ int MarkupParser::Handle(uint8_t ch) {
   }
 }
 
-int MarkupParser::StartTagNameComplete(uint8_t /*ch*/) {
+int MarkupParser::StartTagNameComplete() {
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
   const bool is_leaf = !containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !IsContainer(leaf_candidate_.View());
   leaf_name_.Swap(leaf_candidate_);
   if (int rc = leaf_candidate_.Assign(token_); rc != kOk) return Fail(rc);
   if (is_leaf) {
-    if (int rc = CloseLeafBeforeStartTag(); rc != kOk) return rc;
+    if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
   }
   // After the leaf's records, so that the tag mark is where this element's
   // own declarations begin.
@@ -606,9 +606,11 @@ int MarkupParser::StartTagNameComplete(uint8_t /*ch*/) {
   return kOk;
 }
 
-// The kept text read "...<NEW" plus the byte that ended the name; it becomes
-// "...</OLD><NEW" plus that byte, and positions continue from there.
-int MarkupParser::CloseLeafBeforeStartTag() {
+// Closes the leaf named by leaf_name_ where the current tag begins. The kept
+// text "...<NEW" plus the byte that ended the name becomes "...</OLD><NEW"
+// plus that byte ("...</NAME>" becomes "...</OLD></NAME>" for an end tag),
+// and positions continue from there.
+int MarkupParser::CloseLeafAtTag() {
   const bool rewrite = keep_text_ && tag_start_ <= static_cast<uint32_t>(kept_.Length());
   if (rewrite) {
     if (int rc = kept_tail_.Assign(kept_.Data() + tag_start_, kept_.Length() - static_cast<int32_t>(tag_start_));
@@ -624,13 +626,6 @@ int MarkupParser::CloseLeafBeforeStartTag() {
     char_count_ = static_cast<uint32_t>(kept_.Length());
   }
   return kOk;
-}
-
-// The same for an end tag that closes a leaf's parent: "...</NAME>" becomes
-// "...</LEAF></NAME>".
-int MarkupParser::CloseLeafBeforeEndTag(std::string_view /*name*/) {
-  if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
-  return CloseLeafBeforeStartTag();
 }
 
 int MarkupParser::AttributeComplete() {
@@ -736,7 +731,8 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
   if (!is_implicit) {
     if (!containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !IsContainer(leaf_candidate_.View()) &&
         leaf_candidate_.View() != name) {
-      if (int rc = CloseLeafBeforeEndTag(name); rc != kOk) return rc;
+      if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
+      if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
     }
     leaf_candidate_.SetLength(0);
   }

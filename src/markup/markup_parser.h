@@ -104,19 +104,18 @@ class MarkupParser {
   int Fail(int code, const char* prefix, std::string_view name);
   int Deliver(Delivery how);
   int DeliverText(const char* text, int32_t length);
-  int StartTagNameComplete(uint8_t ch);
+  int StartTagNameComplete();
   int AttributeComplete();
   int TagComplete();
   int StartElement(bool is_empty);
   int EndTag(std::string_view name, bool is_implicit, bool is_empty);
-  int CloseLeafBeforeEndTag(std::string_view name);
   int ResolvePrefix(std::string_view qualified, bool is_attribute, int32_t& entry, std::string_view& local);
   int ResolveReference(uint8_t ch, ByteString& target);
   int FinishSection();
   bool IsContainer(std::string_view name) const;
   void IndexContainer(uint32_t offset, uint32_t length);
   int TakeRun(const uint8_t* run, size_t length);
-  int CloseLeafBeforeStartTag();
+  int CloseLeafAtTag();
 
   MarkupListener* listener_ = nullptr;
   DocumentTree tree_;
