@@ -13,7 +13,9 @@
 //   doc.SetBuildDOM(true);
 //   if (doc.Parse(response) != 0) ...;            // message in GetLastError()
 //   doc.SelectPath("/OFX/BANKMSGSRSV1/STMTTRNRS/STMTRS/BANKTRANLIST");
-//   for (int i = 1; doc.HasPath("STMTTRN[" + i + "]"); ++i) ...
+//   doc.SelectPath("STMTTRN[2]");                  // cursor on the second one
+//   if (doc.HasPath("MEMO")) ...                   // cursor stays
+//   doc.SelectPath("../STMTTRN[3]");
 //
 // Paths: "/NAME/..." absolute, "NAME", "NAME[3]", "NAME[@attr]",
 // "NAME[@attr='v']", "[2]", "[last()]", "[last()-1]", ".." and "*N" (the
