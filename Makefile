@@ -5,7 +5,7 @@ FUZZ_DIR ?= build-fuzz
 JOBS ?= 2
 CMAKE_FLAGS ?=
 
-.PHONY: all build demo test test-asan fuzz bench clean
+.PHONY: all build demo test test-asan fuzz fuzz-ci bench clean
 
 all: build
 
@@ -29,6 +29,17 @@ fuzz:
 	@CC=clang CXX=clang++ cmake -S . -B $(FUZZ_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo -DORVELAN_BUILD_FUZZ=ON \
 		-DORVELAN_BUILD_TESTS=OFF -DORVELAN_BUILD_BENCH=OFF $(CMAKE_FLAGS) >/dev/null
 	@cmake --build $(FUZZ_DIR) -j $(JOBS)
+
+# Each fuzz target for FUZZ_SECONDS on its seeds (fuzz/seeds/<target>/);
+# new inputs go to a scratch corpus, the seeds stay as committed.
+FUZZ_SECONDS ?= 60
+fuzz-ci: fuzz
+	@for t in $(FUZZ_DIR)/fuzz/*_fuzz; do \
+		name=$$(basename $$t); scratch=$(FUZZ_DIR)/corpus/$$name; mkdir -p $$scratch; \
+		echo "== $$name for $(FUZZ_SECONDS)s"; \
+		$$t -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+			$$scratch fuzz/seeds/$$name || exit 1; \
+	done
 
 bench:
 	@cmake -S . -B $(BUILD_DIR) -DCMAKE_BUILD_TYPE=RelWithDebInfo $(CMAKE_FLAGS) >/dev/null

@@ -1,0 +1,338 @@
+#include "markup/document_tree.h"
+
+#include <cstdlib>
+#include <cstring>
+
+#include "base/error_codes.h"
+#include "markup/markup_errors.h"
+
+namespace orvelan {
+namespace {
+
+constexpr uint32_t kHeaderSize = 8;
+constexpr uint32_t kElementFixedSize = 56;
+
+uint32_t RoundUp4(uint32_t n) { return (n + 3u) & ~3u; }
+
+}  // namespace
+
+DocumentTree::DocumentTree() { ResetTree(); }
+
+DocumentTree::~DocumentTree() { std::free(data_); }
+
+uint32_t DocumentTree::Field(uint32_t record, uint32_t at) const {
+  uint32_t value;
+  std::memcpy(&value, data_ + record + at, sizeof value);
+  return value;
+}
+
+void DocumentTree::SetField(uint32_t record, uint32_t at, uint32_t value) {
+  std::memcpy(data_ + record + at, &value, sizeof value);
+}
+
+int DocumentTree::Reserve(uint32_t bytes) {
+  if (static_cast<uint64_t>(size_) + bytes <= capacity_) return kOk;
+  const uint64_t wanted = static_cast<uint64_t>(size_) + bytes;
+  if (wanted > 0xFFFFFFF0u) return kErrOutOfMemory;
+  char* block = static_cast<char*>(std::realloc(data_, static_cast<size_t>(wanted)));
+  if (block == nullptr) return kErrOutOfMemory;
+  data_ = block;
+  capacity_ = static_cast<uint32_t>(wanted);
+  return kOk;
+}
+
+int DocumentTree::Append(char kind, uint32_t payload, uint32_t& record) {
+  const uint64_t size = RoundUp4(kHeaderSize + payload);
+  const uint64_t wanted = size_ + size;
+  if (wanted > 0xFFFFFFF0u) return kErrOutOfMemory;
+  if (wanted > capacity_) {
+    // Half again: appends stay amortised linear, and realloc of a large block
+    // moves pages rather than bytes.
+    uint64_t grown = wanted + wanted / 2;
+    if (grown < 4096) grown = 4096;
+    if (grown > 0xFFFFFFF0u) grown = 0xFFFFFFF0u;
+    char* block = static_cast<char*>(std::realloc(data_, static_cast<size_t>(grown)));
+    if (block == nullptr) return kErrOutOfMemory;
+    data_ = block;
+    capacity_ = static_cast<uint32_t>(grown);
+  }
+  record = size_;
+  std::memset(data_ + record, 0, static_cast<size_t>(size));
+  data_[record] = kind;
+  SetField(record, 4, static_cast<uint32_t>(size));
+  size_ = static_cast<uint32_t>(wanted);
+  return kOk;
+}
+
+int DocumentTree::ResetTree() {
+  size_ = 0;
+  cursor_ = 0;
+  top_ = 0;
+  tag_mark_ = 0;
+  top_count_ = 0;
+  for (WalkMemo& m : memo_) m.parent = 0;
+  uint32_t record;
+  return Append(kNamespaceRecord, 8, record);  // end of scope, two empty names
+}
+
+int DocumentTree::AddNamespace(std::string_view prefix, std::string_view uri, int32_t entry) {
+  uint32_t record;
+  const uint32_t payload = static_cast<uint32_t>(4 + prefix.size() + 1 + uri.size() + 1);
+  if (int rc = Append(kNamespaceRecord, payload, record); rc != kOk) return rc;
+  std::memcpy(data_ + record + 12, prefix.data(), prefix.size());
+  std::memcpy(data_ + record + 13 + prefix.size(), uri.data(), uri.size());
+  if (entry > 0 && entry <= kMaxDepth) namespace_offsets_[entry - 1] = record;
+  return kOk;
+}
+
+int DocumentTree::OpenElement(std::string_view local_name, int32_t depth, int32_t entry,
+                              uint32_t namespaces_in_scope, bool is_empty, uint32_t attribute_count,
+                              uint32_t tag_start, uint32_t content_start) {
+  uint32_t e;
+  const uint32_t payload = static_cast<uint32_t>(kElementFixedSize - kHeaderSize + local_name.size() + 1);
+  if (int rc = Append(kElementRecord, payload, e); rc != kOk) return rc;
+  SetField(e, 12, is_empty ? static_cast<uint32_t>(-1) : 0);
+  SetField(e, 16, depth > 1 ? open_offsets_[depth - 2] : 0);
+  SetField(e, 20, entry > 0 ? namespace_offsets_[entry - 1] : 0);
+  SetField(e, 24, namespaces_in_scope);
+  SetField(e, 28, tag_mark_);
+  SetField(e, 32, attribute_count);
+  SetField(e, 40, tag_start);
+  SetField(e, 48, content_start);
+  std::memcpy(data_ + e + kElementFixedSize, local_name.data(), local_name.size());
+  open_offsets_[depth - 1] = e;
+  if (depth == 1) {
+    ++top_count_;
+    if (top_ == 0) top_ = e;
+  }
+  return kOk;
+}
+
+int DocumentTree::AddAttribute(std::string_view local_name, std::string_view value, int32_t entry) {
+  uint32_t record;
+  const uint32_t payload = static_cast<uint32_t>(4 + local_name.size() + 1 + value.size() + 1);
+  if (int rc = Append(kAttributeRecord, payload, record); rc != kOk) return rc;
+  SetField(record, 8, entry > 0 ? namespace_offsets_[entry - 1] : 0);
+  std::memcpy(data_ + record + 12, local_name.data(), local_name.size());
+  std::memcpy(data_ + record + 13 + local_name.size(), value.data(), value.size());
+  return kOk;
+}
+
+int DocumentTree::SetText(int32_t depth, const char* text, int32_t length) {
+  uint32_t record;
+  if (int rc = Append(kTextRecord, static_cast<uint32_t>(length) + 1, record); rc != kOk) return rc;
+  std::memcpy(data_ + record + 8, text, static_cast<size_t>(length));
+  SetField(open_offsets_[depth - 1], 36, record);
+  return kOk;
+}
+
+void DocumentTree::CloseElement(int32_t depth, uint32_t end, uint32_t end_tag_start) {
+  const uint32_t e = open_offsets_[depth - 1];
+  SetField(e, 8, size_);
+  SetField(e, 44, end);
+  SetField(e, 52, end_tag_start);
+  if (const uint32_t parent = Parent(e); parent != 0) SetField(parent, 12, Field(parent, 12) + 1);
+}
+
+void DocumentTree::CloseNamespace(int32_t entry) {
+  if (entry > 0 && entry <= kMaxDepth) SetField(namespace_offsets_[entry - 1], 8, size_);
+}
+
+const char* DocumentTree::Uri(uint32_t e) const { return DeclarationUri(Field(e, 20)); }
+
+const char* DocumentTree::DeclarationUri(uint32_t p) const {
+  const char* prefix = data_ + p + 12;
+  return prefix + std::strlen(prefix) + 1;
+}
+
+const char* DocumentTree::Text(uint32_t e) const {
+  const uint32_t t = Field(e, 36);
+  return t == 0 ? "" : data_ + t + 8;
+}
+
+const char* DocumentTree::QualifiedName(uint32_t e) {
+  const char* prefix = Prefix(e);
+  if (*prefix == '\0') return LocalName(e);
+  name_scratch_.Assign(prefix);
+  name_scratch_.AppendChar(':');
+  name_scratch_.Append(LocalName(e));
+  return name_scratch_.Data();
+}
+
+const char* DocumentTree::UriName(uint32_t e) {
+  const char* uri = Uri(e);
+  if (*uri == '\0') return LocalName(e);
+  uri_name_scratch_.Assign(uri);
+  uri_name_scratch_.Append(LocalName(e));
+  return uri_name_scratch_.Data();
+}
+
+uint32_t DocumentTree::SkipDeclarations(uint32_t r) const {
+  while (r < size_ && Kind(r) == kNamespaceRecord) r += RecordSize(r);
+  return r;
+}
+
+uint32_t DocumentTree::FirstChild(uint32_t e) const {
+  if (ChildCount(e) <= 0) return 0;
+  uint32_t r = e;
+  for (uint32_t i = 0, n = 1 + Field(e, 32); i < n && r < size_; ++i) r += RecordSize(r);
+  r = SkipDeclarations(r);
+  return (r < size_ && Kind(r) == kElementRecord) ? r : 0;
+}
+
+uint32_t DocumentTree::NextSibling(uint32_t e) const {
+  const uint32_t end = Field(e, 8);
+  if (end == 0) return 0;  // still open: nothing after it has been written
+  const uint32_t r = SkipDeclarations(end);
+  return (r < size_ && Kind(r) == kElementRecord) ? r : 0;
+}
+
+DocumentTree::WalkMemo& DocumentTree::MemoFor(uint32_t parent, std::string_view name) {
+  uint32_t h = parent * 2654435761u;
+  for (char c : name) h = (h ^ static_cast<uint8_t>(c)) * 16777619u;
+  return memo_[(h >> 7) % kMemoSlots];
+}
+
+uint32_t DocumentTree::ChildAt(uint32_t e, int32_t i) {
+  if (i < 1 || i > ChildCount(e)) return 0;
+  WalkMemo& memo = MemoFor(e, {});
+  uint32_t child;
+  int32_t position;
+  if (memo.parent == e && memo.name.IsEmpty() && memo.visited <= i) {
+    child = memo.child;
+    position = memo.visited;
+  } else {
+    child = FirstChild(e);
+    position = 1;
+  }
+  while (child != 0 && position < i) {
+    child = NextSibling(child);
+    ++position;
+  }
+  if (child != 0 && i > 1) {
+    memo.parent = e;
+    memo.child = child;
+    memo.visited = i;
+    memo.matched = i;
+    memo.name.SetLength(0);
+  }
+  return child;
+}
+
+uint32_t DocumentTree::NamespaceInScope(uint32_t e, int32_t i) const {
+  if (i < 0) return 0;
+  uint32_t chain[kMaxDepth + 1];
+  int32_t depth = 0;
+  for (uint32_t a = e; a != 0 && depth <= kMaxDepth; a = Parent(a)) chain[depth++] = a;
+  while (depth > 0) {
+    const uint32_t a = chain[--depth];
+    for (uint32_t r = Field(a, 28); r < a; r += RecordSize(r)) {
+      if (Kind(r) == kNamespaceRecord && i-- == 0) return r;
+    }
+  }
+  return 0;
+}
+
+bool DocumentTree::IsElementStart(uint32_t n) const {
+  uint32_t r = 0;
+  while (r < n && r < size_) r += RecordSize(r);
+  return r == n && r < size_ && Kind(r) == kElementRecord;
+}
+
+int DocumentTree::SelectOffset(uint32_t n) {
+  if (n == 0) {
+    if (top_ == 0) return kErrInvalidPath;
+    cursor_ = top_;
+    return kOk;
+  }
+  if (n >= size_ || !IsElementStart(n)) return kErrInvalidPath;
+  cursor_ = n;
+  return kOk;
+}
+
+int DocumentTree::SelectChildAt(int32_t i) {
+  const uint32_t e = cursor_ != 0 ? cursor_ : top_;
+  if (e == 0) return kErrInvalidPath;
+  const uint32_t child = ChildAt(e, i);
+  if (child == 0) return kErrInvalidPath;
+  cursor_ = child;
+  return kOk;
+}
+
+int DocumentTree::LastIndex(int32_t k, int32_t& index) const {
+  if (k > 0) return kErrInvalidPath;
+  const uint32_t e = cursor_ != 0 ? cursor_ : top_;
+  const int32_t count = e == 0 ? 0 : ChildCount(e);
+  index = (count < 0 ? 0 : count) + k;
+  return kOk;
+}
+
+int DocumentTree::SelectParent() {
+  if (cursor_ == 0) return kErrNoSuchChild;
+  const uint32_t parent = Parent(cursor_);
+  if (parent == 0) return kErrNoSuchChild;
+  cursor_ = parent;
+  return kOk;
+}
+
+// Counts one match for a prefixed child whose qualified name is the step, and
+// one for a child whose local name is; true when the count reaches `index`.
+bool DocumentTree::NameMatches(uint32_t child, std::string_view name, int32_t& count, int32_t index) {
+  if (*Prefix(child) != '\0' && name == QualifiedName(child) && ++count == index) return true;
+  return name == LocalName(child) && ++count == index;
+}
+
+int DocumentTree::SelectChild(std::string_view name, int32_t index, std::string_view attribute, const char* value) {
+  const uint32_t e = cursor_ != 0 ? cursor_ : top_;
+  if (e == 0) return kErrNoSuchChild;
+  const int32_t limit = ChildCount(e);
+  const bool filtered = !attribute.empty();
+
+  WalkMemo& memo = MemoFor(e, name);
+  uint32_t child = FirstChild(e);
+  int32_t visited = 0;
+  int32_t count = 0;
+  if (!filtered && memo.parent == e && memo.name.View() == name && memo.matched <= index) {
+    if (memo.matched == index) {
+      cursor_ = memo.child;
+      return kOk;
+    }
+    child = NextSibling(memo.child);
+    visited = memo.visited;
+    count = memo.matched;
+  }
+  for (; child != 0 && visited < limit; child = NextSibling(child)) {
+    ++visited;
+    if (*Uri(child) != '\0' && name == UriName(child)) {
+      cursor_ = child;
+      return kOk;
+    }
+    if (!filtered) {
+      if (NameMatches(child, name, count, index)) {
+        if (index > 1 || visited > 8) {
+          memo.parent = e;
+          memo.child = child;
+          memo.visited = visited;
+          memo.matched = count;
+          memo.name.Assign(name);
+        }
+        cursor_ = child;
+        return kOk;
+      }
+      continue;
+    }
+    if (name != LocalName(child) && name != QualifiedName(child)) continue;
+    uint32_t a = child + RecordSize(child);
+    for (uint32_t n = Field(child, 32); n > 0; --n, a += RecordSize(a)) {
+      const char* local = data_ + a + 12;
+      if (attribute != local) continue;
+      if (value == nullptr || std::strcmp(local + std::strlen(local) + 1, value) == 0) {
+        cursor_ = child;
+        return kOk;
+      }
+    }
+  }
+  return kErrNoSuchChild;
+}
+
+}  // namespace orvelan

@@ -1,0 +1,831 @@
+#include "markup/markup_parser.h"
+
+#include <array>
+#include <cstring>
+
+#include "base/error_codes.h"
+#include "base/text_util.h"
+#include "markup/markup_errors.h"
+
+namespace orvelan {
+namespace {
+
+enum : uint8_t { kSpace = 1, kNameStart = 2, kNameChar = 4, kTextStop = 8 };
+
+constexpr std::array<uint8_t, 256> MakeCharClasses() {
+  std::array<uint8_t, 256> t{};
+  for (unsigned char c : {' ', '\t', '\n', '\r', '\f', '\v'}) t[c] |= kSpace;
+  for (int c = 'A'; c <= 'Z'; ++c) {
+    t[c] |= kNameStart | kNameChar;
+    t[c - 'A' + 'a'] |= kNameStart | kNameChar;
+  }
+  for (unsigned char c : {'_', ':'}) t[c] |= kNameStart | kNameChar;
+  for (int c = '0'; c <= '9'; ++c) t[c] |= kNameChar;
+  for (unsigned char c : {'.', '-'}) t[c] |= kNameChar;
+  // Character data runs stop where the state machine has work to do.
+  for (unsigned char c : {'<', '&', '\n'}) t[c] |= kTextStop;
+  return t;
+}
+constexpr std::array<uint8_t, 256> kCharClass = MakeCharClasses();
+
+inline bool IsWhite(uint8_t c) { return (kCharClass[c] & kSpace) != 0; }
+inline bool IsNameStart(uint8_t c) { return (kCharClass[c] & kNameStart) != 0; }
+inline bool IsNameChar(uint8_t c) { return (kCharClass[c] & kNameChar) != 0; }
+
+
+int32_t TrimmedLength(const ByteString& s) {
+  int32_t n = s.Length();
+  while (n > 0 && IsWhite(static_cast<uint8_t>(s.Data()[n - 1]))) --n;
+  return n;
+}
+
+uint32_t HashName(std::string_view name) {
+  uint32_t h = 2166136261u;
+  for (char c : name) h = (h ^ static_cast<uint8_t>(c)) * 16777619u;
+  return h;
+}
+
+// The byte of "#65" or "#x41"; 0 when the reference is no character reference
+// or lies outside 1 to 255.
+int CharacterReference(std::string_view name) {
+  if (name.size() < 2 || name[0] != '#') return 0;
+  const bool hex = name[1] == 'x';
+  size_t i = hex ? 2 : 1;
+  if (i == name.size()) return 0;
+  int value = 0;
+  for (; i < name.size(); ++i) {
+    const uint8_t c = static_cast<uint8_t>(name[i]);
+    int digit;
+    if (IsDigit(c)) {
+      digit = c - '0';
+    } else if (hex && IsHexDigit(c)) {
+      digit = (c | 0x20) - 'a' + 10;
+    } else {
+      return 0;
+    }
+    value = value * (hex ? 16 : 10) + digit;
+    if (value > 255) return 0;
+  }
+  return value;
+}
+
+}  // namespace
+
+MarkupParser::MarkupParser() = default;
+
+int MarkupParser::Reset() {
+  state_ = kText;
+  prev_ = prev2_ = 0;
+  for (ByteString* s : {&text_, &entity_name_, &token_, &entity_value_, &leaf_candidate_, &attribute_name_,
+                        &error_text_, &pending_name_, &leaf_name_, &kept_tail_}) {
+    s->Clear();
+  }
+  kept_.Truncate(0);
+  char_count_ = 0;
+  tag_start_ = 0;
+  attributes_.Clear();
+  open_.Clear();
+  namespaces_.Clear();
+  return tree_.ResetTree();
+}
+
+int MarkupParser::SetEncoding(const char* name) {
+  if (CompareNoCase(name, "UTF-8") == 0) {
+    encoding_ = Encoding::kUtf8;
+  } else if (CompareNoCase(name, "UTF-16LE") == 0) {
+    encoding_ = Encoding::kUtf16LE;
+  } else if (CompareNoCase(name, "UTF-16BE") == 0) {
+    encoding_ = Encoding::kUtf16BE;
+  } else {
+    encoding_ = Encoding::kAscii;
+  }
+  return kOk;
+}
+
+const char* MarkupParser::EncodingName() const {
+  switch (encoding_) {
+    case Encoding::kUtf8: return "UTF-8";
+    case Encoding::kUtf16LE: return "UTF-16LE";
+    case Encoding::kUtf16BE: return "UTF-16BE";
+    case Encoding::kAscii: break;
+  }
+  return "ASCII";
+}
+
+int MarkupParser::AddSGMLTag(std::string_view name) {
+  ByteString probe;
+  if (int rc = probe.AppendChar(' '); rc != kOk) return rc;
+  if (int rc = probe.Append(name); rc != kOk) return rc;
+  if (int rc = probe.AppendChar(' '); rc != kOk) return rc;
+  if (containers_.Find(probe.Data()) >= 0) return kOk;
+  if (containers_.IsEmpty()) {
+    if (int rc = containers_.AppendChar(' '); rc != kOk) return rc;
+  }
+  const uint32_t start = static_cast<uint32_t>(containers_.Length());
+  if (int rc = containers_.Append(name); rc != kOk) return rc;
+  if (int rc = containers_.AppendChar(' '); rc != kOk) return rc;
+  // The list is searched for " NAME ", so each space-separated piece of a
+  // registered text counts as a container name of its own.
+  uint32_t piece = start;
+  for (uint32_t i = start; i < start + name.size() + 1; ++i) {
+    if (containers_.Data()[i] != ' ') continue;
+    if (i > piece) IndexContainer(piece, i - piece);
+    piece = i + 1;
+  }
+  return kOk;
+}
+
+void MarkupParser::IndexContainer(uint32_t offset, uint32_t length) {
+  const std::string_view name(containers_.Data() + offset, length);
+  if (IsContainer(name)) return;
+  if ((container_count_ + 1) * 2 > container_slots_.size()) {
+    std::vector<uint32_t> old;
+    old.swap(container_slots_);
+    container_slots_.assign(old.empty() ? 1024 : old.size() * 2, 0);
+    container_count_ = 0;
+    for (uint32_t entry : old) {
+      if (entry == 0) continue;
+      const char* at = containers_.Data() + entry - 1;
+      IndexContainer(entry - 1, static_cast<uint32_t>(std::strchr(at, ' ') - at));
+    }
+  }
+  const size_t mask = container_slots_.size() - 1;
+  size_t slot = HashName(name) & mask;
+  while (container_slots_[slot] != 0) slot = (slot + 1) & mask;
+  container_slots_[slot] = offset + 1;
+  ++container_count_;
+}
+
+bool MarkupParser::IsContainer(std::string_view name) const {
+  if (container_slots_.empty()) return false;
+  const size_t mask = container_slots_.size() - 1;
+  const char* list = containers_.Data();
+  for (size_t slot = HashName(name) & mask; container_slots_[slot] != 0; slot = (slot + 1) & mask) {
+    const char* at = list + container_slots_[slot] - 1;
+    if (std::memcmp(at, name.data(), name.size()) == 0 && at[name.size()] == ' ') return true;
+  }
+  return false;
+}
+
+int MarkupParser::Fail(int code) {
+  error_text_.Assign(MarkupErrorText(code));
+  return code;
+}
+
+int MarkupParser::Fail(int code, const char* prefix, std::string_view name) {
+  error_text_.Assign(prefix);
+  error_text_.Append(name);
+  return code;
+}
+
+int MarkupParser::Feed(const char* text) {
+  return Feed(text, text == nullptr ? 0 : std::strlen(text));
+}
+
+int MarkupParser::TakeRun(const uint8_t* run, size_t length) {
+  if (keep_text_) {
+    if (int rc = kept_.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(length)); rc != kOk) {
+      return Fail(rc);
+    }
+  }
+  char_count_ += static_cast<uint32_t>(length);
+  prev2_ = length >= 2 ? run[length - 2] : prev_;
+  prev_ = run[length - 1];
+  return kOk;
+}
+
+int MarkupParser::Feed(const char* data, size_t length) {
+  if (encoding_ == Encoding::kUtf16LE || encoding_ == Encoding::kUtf16BE) return Fail(kErrUtf16);
+  const uint8_t* p = reinterpret_cast<const uint8_t*>(data);
+  const uint8_t* const end = p + length;
+  // One large input grows the arena once; small pieces (a byte at a time, in
+  // the tests) rely on the arena's own growth.
+  if (length >= 65536 && length < 0x20000000u) {
+    if (build_dom_) tree_.Reserve(static_cast<uint32_t>(length * 4));
+
+    if (keep_text_) kept_.Reserve(kept_.Length() + static_cast<int32_t>(length + length / 4));
+  }
+  while (p < end) {
+    // Runs that need nothing but an append; a listener sees every byte, so
+    // it takes the byte-at-a-time path.
+    if (listener_ == nullptr) {
+      const uint8_t* run = p;
+      if (state_ == kText) {
+        while (p < end && !(kCharClass[*p] & kTextStop)) ++p;
+        if (p != run) {
+          if (int rc = text_.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(p - run)); rc != kOk) {
+            return Fail(rc);
+          }
+        }
+      } else if (state_ == kStartName || (state_ == kEndName && prev_ != '/')) {
+        while (p < end && IsNameChar(*p)) ++p;
+        if (p != run) {
+          if (int rc = token_.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(p - run)); rc != kOk) {
+            return Fail(rc);
+          }
+        }
+      }
+      if (p != run) {
+        if (int rc = TakeRun(run, static_cast<size_t>(p - run)); rc != kOk) return rc;
+        continue;
+      }
+    }
+    if (int rc = Input(*p++); rc != kOk) return rc;
+  }
+  return kOk;
+}
+
+int MarkupParser::Input(uint8_t ch) {
+  if (listener_ != nullptr) {
+    if (int rc = listener_->OnInputChar(static_cast<char>(ch)); rc != kOk) return rc;
+  }
+  if (keep_text_) {
+    if (int rc = kept_.AppendChar(static_cast<char>(ch)); rc != kOk) return Fail(rc);
+  }
+  ++char_count_;
+  const int rc = Handle(ch);
+  prev2_ = prev_;
+  prev_ = ch;
+  return rc;
+}
+
+int MarkupParser::Deliver(Delivery how) {
+  if (text_.IsEmpty()) return kOk;
+  int rc = kOk;
+  switch (how) {
+    case Delivery::kFull:
+      rc = DeliverText(text_.Data(), text_.Length());
+      text_.SetLength(0);
+      break;
+    case Delivery::kTailTrimmed: {
+      const int32_t n = TrimmedLength(text_);
+      if (n > 0) rc = DeliverText(text_.Data(), n);
+      if (rc == kOk && listener_ != nullptr && n < text_.Length()) rc = listener_->OnWhitespace(text_.Data() + n);
+      text_.SetLength(0);
+      break;
+    }
+    case Delivery::kLine: {
+      const int32_t n = TrimmedLength(text_);
+      if (n == 0) break;
+      rc = DeliverText(text_.Data(), n);
+      text_.RemovePrefix(n);
+      break;
+    }
+    case Delivery::kWhitespaceOnly:
+      if (listener_ != nullptr) rc = listener_->OnWhitespace(text_.Data());
+      text_.SetLength(0);
+      break;
+  }
+  return rc;
+}
+
+int MarkupParser::DeliverText(const char* text, int32_t length) {
+  if (listener_ != nullptr) {
+    if (int rc = listener_->OnText(text, length); rc != kOk) return rc;
+  }
+  if (open_.Count() == 0) return HasFlag(kAllowTextOutsideRoot) ? kOk : Fail(kErrTextOutsideRoot);
+  if (build_dom_) {
+    if (int rc = open_.ValueBuffer(open_.Count() - 1).Append(text, length); rc != kOk) return Fail(rc);
+  }
+  return kOk;
+}
+
+int MarkupParser::Handle(uint8_t ch) {
+  for (;;) {  // `continue` hands ch to the new state
+    switch (state_) {
+      case kText:
+        if (ch == '\n') {
+          if (int rc = text_.AppendChar('\n'); rc != kOk) return Fail(rc);
+          return line_delivery_ ? Deliver(Delivery::kLine) : kOk;
+        }
+        if (ch == '&') {
+          entity_name_.SetLength(0);
+          state_ = kRefText;
+        } else if (ch == '<') {
+          if (int rc = Deliver(Delivery::kTailTrimmed); rc != kOk) return rc;
+          token_.SetLength(0);
+          state_ = kAfterLess;
+        } else if (int rc = text_.AppendChar(static_cast<char>(ch)); rc != kOk) {
+          return Fail(rc);
+        }
+        return kOk;
+
+      case kStartName:
+        if (IsNameChar(ch)) return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+        if (ch == '!' || ch == '?') {
+          token_.SetLength(0);
+          state_ = ch == '!' ? kBang : kInstruction;
+          return kOk;
+        }
+        if (ch == '/' && prev_ == '<') {
+          state_ = kEndName;
+          return kOk;
+        }
+        if (int rc = StartTagNameComplete(); rc != kOk) return rc;
+        if (ch == '>') {
+          state_ = kAfterTag;
+          return TagComplete();
+        }
+        state_ = kInTag;
+        return kOk;
+
+      case kAfterLess:
+        tag_start_ = char_count_ - 2;
+        if (IsNameStart(ch) || ch == '/' || ch == '?' || ch == '!') {
+          state_ = kStartName;
+          continue;
+        }
+        if (int rc = text_.AppendChar('<'); rc != kOk) return Fail(rc);
+        state_ = kText;
+        continue;
+
+      case kInTag:
+        if (IsWhite(ch) || ch == '/') return kOk;
+        if (ch == '>') {
+          state_ = kAfterTag;
+          return TagComplete();
+        }
+        state_ = kAttrName;
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kAttrName:
+        if (!IsWhite(ch) && ch != '>' && ch != '=' && ch != '/') {
+          return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+        }
+        attribute_name_.Swap(token_);
+        token_.SetLength(0);
+        if (IsWhite(ch)) {
+          state_ = kAfterAttrName;
+        } else if (ch == '=') {
+          state_ = kAfterEquals;
+        } else if (ch == '/') {
+          state_ = kAfterAttrName;
+          return AttributeComplete();
+        } else {
+          if (int rc = AttributeComplete(); rc != kOk) return rc;
+          state_ = kAfterTag;
+          return TagComplete();
+        }
+        return kOk;
+
+      case kAfterAttrName:
+        if (IsWhite(ch)) return kOk;
+        if (ch == '=') {
+          state_ = kAfterEquals;
+          return kOk;
+        }
+        if (int rc = AttributeComplete(); rc != kOk) return rc;
+        if (ch == '>') {
+          state_ = kAfterTag;
+          return TagComplete();
+        }
+        state_ = kAttrName;
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kAfterEquals:
+        if (IsWhite(ch)) return kOk;
+        if (ch == '>') return Fail(kErrInvalidMarkup);
+        if (ch == '\'') {
+          state_ = kSingleQuoted;
+        } else if (ch == '"') {
+          state_ = kDoubleQuoted;
+        } else if (ch == '&') {
+          entity_name_.SetLength(0);
+          state_ = kRefUnquoted;
+        } else {
+          state_ = kUnquoted;
+          return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+        }
+        return kOk;
+
+      case kUnquoted:
+        if (ch == '&') {
+          entity_name_.SetLength(0);
+          state_ = kRefUnquoted;
+          return kOk;
+        }
+        if (IsWhite(ch) || ch == '>') {
+          if (ch == '>' && prev_ == '/') token_.DropLast();
+          if (int rc = AttributeComplete(); rc != kOk) return rc;
+          if (ch == '>') {
+            state_ = kAfterTag;
+            return TagComplete();
+          }
+          state_ = kInTag;
+          return kOk;
+        }
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kAfterTag:
+        if (IsWhite(ch)) return text_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+        if (int rc = Deliver(Delivery::kWhitespaceOnly); rc != kOk) return rc;
+        state_ = kText;
+        continue;
+
+      case kSingleQuoted:
+      case kDoubleQuoted:
+        if (ch == (state_ == kSingleQuoted ? '\'' : '"')) {
+          state_ = kInTag;
+          return AttributeComplete();
+        }
+        if (ch == '&') {
+          entity_name_.SetLength(0);
+          state_ = state_ == kSingleQuoted ? kRefSingle : kRefDouble;
+          return kOk;
+        }
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kEndName:
+        if (prev_ == '/' && !IsNameStart(ch)) {
+          if (int rc = text_.Append("</", 2); rc != kOk) return Fail(rc);
+          state_ = kText;
+          continue;
+        }
+        if (IsNameChar(ch)) return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+        state_ = kAfterEndName;
+        continue;
+
+      case kAfterEndName:
+        if (IsWhite(ch)) return kOk;
+        state_ = ch == '>' ? kAfterTag : kAfterEndSpace;
+        return EndTag(token_.View(), false, false);
+
+      case kRefText:
+      case kRefUnquoted:
+      case kRefSingle:
+      case kRefDouble: {
+        if (IsNameChar(ch) || ch == '#') {
+          return entity_name_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+        }
+        const State back = state_ == kRefText       ? kText
+                           : state_ == kRefUnquoted ? kUnquoted
+                           : state_ == kRefSingle   ? kSingleQuoted
+                                                    : kDoubleQuoted;
+        if (int rc = ResolveReference(ch, back == kText ? text_ : token_); rc != kOk) return rc;
+        state_ = back;
+        if (ch == ';') return kOk;
+        continue;
+      }
+
+      case kAfterEndSpace:
+        return Fail(kErrInvalidMarkup);
+
+      case kCommentOpen:
+        if (ch == '-') {
+          token_.SetLength(0);
+          state_ = kComment;
+          return kOk;
+        }
+        state_ = kDeclaration;
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kComment:
+        if (ch == '-') {
+          if (html_comments_) {
+            state_ = kHtmlComment;
+            return token_.AppendChar('-') == kOk ? kOk : Fail(kErrOutOfMemory);
+          }
+          state_ = kCommentDash;
+          return kOk;
+        }
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kCommentDash:
+        if (ch == '-') {
+          if (int rc = Deliver(Delivery::kTailTrimmed); rc != kOk) return rc;
+          if (listener_ != nullptr) {
+            if (int rc = listener_->OnComment(token_.Data()); rc != kOk) return rc;
+          }
+          token_.SetLength(0);
+          state_ = kCommentEnd;
+          return kOk;
+        }
+        if (token_.AppendChar('-') != kOk || token_.AppendChar(static_cast<char>(ch)) != kOk) {
+          return Fail(kErrOutOfMemory);
+        }
+        state_ = kComment;
+        return kOk;
+
+      case kCommentEnd:
+        if (ch != '>') return Fail(kErrInvalidMarkup);
+        state_ = kAfterTag;
+        return kOk;
+
+      case kInstruction:
+        if (ch == '>' && prev_ == '?') {
+          token_.DropLast();
+          if (int rc = Deliver(Delivery::kTailTrimmed); rc != kOk) return rc;
+          if (listener_ != nullptr) {
+            if (int rc = listener_->OnInstruction(token_.Data()); rc != kOk) return rc;
+          }
+          token_.SetLength(0);
+          state_ = kAfterTag;
+          return kOk;
+        }
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kBang:
+        if (ch == '[' && !html_comments_) {
+          state_ = kSectionKeyword;
+          return kOk;
+        }
+        if (ch == '>') {
+          state_ = kAfterTag;
+          return kOk;
+        }
+        state_ = ch == '-' ? kCommentOpen : kDeclaration;
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kDeclaration:
+        if (ch == '>') {
+          if (int rc = Deliver(Delivery::kTailTrimmed); rc != kOk) return rc;
+          if (listener_ != nullptr) {
+            if (int rc = listener_->OnDeclaration(token_.Data()); rc != kOk) return rc;
+          }
+          token_.SetLength(0);
+          state_ = kAfterTag;
+          return kOk;
+        }
+        if (ch == '[') state_ = kDeclBracket;
+        if (ch == '"') state_ = kDeclDouble;
+        if (ch == '\'') state_ = kDeclSingle;
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kSection:
+        if (ch == '>' && prev_ == ']' && prev2_ == ']') {
+          text_.SetLength(text_.Length() >= 2 ? text_.Length() - 2 : 0);
+          state_ = kText;
+          return FinishSection();
+        }
+        return text_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kSectionKeyword:
+        if (ch == '[') {
+          state_ = kSection;
+          return kOk;
+        }
+        if (IsWhite(ch)) return kOk;
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kDeclSingle:
+      case kDeclDouble:
+      case kDeclBracket:
+        if (ch == (state_ == kDeclSingle ? '\'' : state_ == kDeclDouble ? '"' : ']')) state_ = kDeclaration;
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+
+      case kHtmlComment:
+        if (ch == '>' && prev_ == '-' && prev2_ == '-') {
+          if (token_.EndsWith("--")) token_.SetLength(token_.Length() - 2);
+          if (int rc = Deliver(Delivery::kTailTrimmed); rc != kOk) return rc;
+          if (listener_ != nullptr) {
+            if (int rc = listener_->OnComment(token_.Data()); rc != kOk) return rc;
+          }
+          token_.SetLength(0);
+          state_ = kAfterTag;
+          return kOk;
+        }
+        return token_.AppendChar(static_cast<char>(ch)) == kOk ? kOk : Fail(kErrOutOfMemory);
+    }
+    return kOk;
+  }
+}
+
+int MarkupParser::StartTagNameComplete() {
+  if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
+  const bool is_leaf = !containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !IsContainer(leaf_candidate_.View());
+  leaf_name_.Swap(leaf_candidate_);
+  if (int rc = leaf_candidate_.Assign(token_); rc != kOk) return Fail(rc);
+  if (is_leaf) {
+    if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
+  }
+  // After the leaf's records, so that the tag mark is where this element's
+  // own declarations begin.
+  if (build_dom_) tree_.MarkTag();
+  token_.SetLength(0);
+  attribute_name_.SetLength(0);
+  return kOk;
+}
+
+// Closes the leaf named by leaf_name_ where the current tag begins. The kept
+// text "...<NEW" plus the byte that ended the name becomes "...</OLD><NEW"
+// plus that byte ("...</NAME>" becomes "...</OLD></NAME>" for an end tag),
+// and positions continue from there.
+int MarkupParser::CloseLeafAtTag() {
+  const bool rewrite = keep_text_ && tag_start_ <= static_cast<uint32_t>(kept_.Length());
+  if (rewrite) {
+    if (int rc = kept_tail_.Assign(kept_.Data() + tag_start_, kept_.Length() - static_cast<int32_t>(tag_start_));
+        rc != kOk) {
+      return Fail(rc);
+    }
+    kept_.Truncate(static_cast<int32_t>(tag_start_));
+  }
+  if (int rc = EndTag(leaf_name_.View(), true, false); rc != kOk) return rc;
+  if (rewrite) {
+    tag_start_ = static_cast<uint32_t>(kept_.Length());
+    if (int rc = kept_.Append(kept_tail_.View()); rc != kOk) return Fail(rc);
+    char_count_ = static_cast<uint32_t>(kept_.Length());
+  }
+  return kOk;
+}
+
+int MarkupParser::AttributeComplete() {
+  // "<A b/>" completes b at "/" and again at ">"; the second has no name.
+  if (attribute_name_.IsEmpty()) return kOk;
+  int rc = kOk;
+  if (attribute_name_.Length() > 4 && attribute_name_.StartsWith("xmlns")) {
+    std::string_view prefix = attribute_name_.View().substr(5);
+    if (!prefix.empty() && prefix[0] == ':') prefix.remove_prefix(1);
+    if ((rc = namespaces_.Add(prefix, token_.View())) != kOk) return Fail(rc);
+    const int32_t entry = namespaces_.Count();
+    namespace_depths_[entry - 1] = static_cast<uint32_t>(open_.Count() + 1);
+    if (listener_ != nullptr) {
+      if ((rc = listener_->OnStartNamespace(namespaces_.NameAt(entry - 1).Data(), token_.Data())) != kOk) return rc;
+    }
+    if (build_dom_) {
+      if ((rc = tree_.AddNamespace(prefix, token_.View(), entry)) != kOk) return Fail(rc);
+    }
+  } else if ((rc = attributes_.Add(attribute_name_.View(), token_.View())) != kOk) {
+    return Fail(rc);
+  }
+  attribute_name_.SetLength(0);
+  token_.SetLength(0);
+  return kOk;
+}
+
+int MarkupParser::TagComplete() { return StartElement(prev_ == '/'); }
+
+int MarkupParser::ResolvePrefix(std::string_view qualified, bool is_attribute, int32_t& entry,
+                                std::string_view& local) {
+  entry = 0;
+  local = qualified;
+  const size_t colon = qualified.find(':');
+  if (colon == std::string_view::npos) {
+    if (!is_attribute) entry = namespaces_.Find({}, true) + 1;
+    return kOk;
+  }
+  const std::string_view prefix = qualified.substr(0, colon);
+  // The xml prefix is bound by definition; attributes carry no declaration record for it.
+  if (is_attribute && prefix == "xml") {
+    local = qualified.substr(colon + 1);
+    return kOk;
+  }
+  const int32_t found = namespaces_.Find(prefix, true);
+  if (found >= 0) {
+    entry = found + 1;
+    local = qualified.substr(colon + 1);
+    return kOk;
+  }
+  const int code = is_attribute ? kErrBadAttributePrefix : kErrBadElementPrefix;
+  const int rc = Fail(code,
+                      is_attribute ? "Unknown attribute prefix (can't find namespace): "
+                                   : "Unknown element prefix (can't find namespace): ",
+                      prefix);
+  if (!HasFlag(is_attribute ? kIgnoreBadAttributePrefixes : kIgnoreBadElementPrefixes)) return rc;
+  if (listener_ != nullptr) listener_->FireError(code, error_text_.Data());
+  return kOk;
+}
+
+int MarkupParser::StartElement(bool is_empty) {
+  const std::string_view name = leaf_candidate_.View();
+  if (int rc = open_.Add(name); rc != kOk) return Fail(rc);
+  int32_t entry = 0;
+  std::string_view local;
+  if (int rc = ResolvePrefix(name, false, entry, local); rc != kOk) return rc;
+  if (listener_ != nullptr) {
+    const char* uri = entry > 0 ? namespaces_.ValueAt(entry - 1).Data() : "";
+    const ByteString local_copy(local);
+    if (int rc = listener_->OnStartTag(uri, local_copy.Data(), leaf_candidate_.Data(), is_empty); rc != kOk) {
+      return rc;
+    }
+  }
+  if (build_dom_) {
+    const int32_t depth = open_.Count();
+    if (int rc = tree_.OpenElement(local, depth, entry, static_cast<uint32_t>(namespaces_.Count()), is_empty,
+                                   static_cast<uint32_t>(attributes_.Count()), tag_start_, char_count_);
+        rc != kOk) {
+      return Fail(rc);
+    }
+    for (int32_t i = 0; i < attributes_.Count(); ++i) {
+      int32_t attribute_entry = 0;
+      std::string_view attribute_local;
+      if (int rc = ResolvePrefix(attributes_.NameAt(i).View(), true, attribute_entry, attribute_local); rc != kOk) {
+        return rc;
+      }
+      if (int rc = tree_.AddAttribute(attribute_local, attributes_.ValueAt(i).View(), attribute_entry); rc != kOk) {
+        return Fail(rc);
+      }
+    }
+  }
+  attributes_.Clear();
+  if (!is_empty) {
+    if (containers_.IsEmpty()) leaf_candidate_.SetLength(0);
+    return kOk;
+  }
+  if (int rc = pending_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
+  if (containers_.IsEmpty()) leaf_candidate_.SetLength(0);
+  return EndTag(pending_name_.View(), false, true);
+}
+
+int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty) {
+  if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
+  if (!is_implicit) {
+    if (!containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !IsContainer(leaf_candidate_.View()) &&
+        leaf_candidate_.View() != name) {
+      if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
+      if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
+    }
+    leaf_candidate_.SetLength(0);
+  }
+  if (is_implicit && keep_text_) {
+    if (kept_.Append("</", 2) != kOk || kept_.Append(name) != kOk || kept_.AppendChar('>') != kOk) {
+      return Fail(kErrOutOfMemory);
+    }
+  }
+  int32_t entry = 0;
+  std::string_view local;
+  if (int rc = ResolvePrefix(name, false, entry, local); rc != kOk) return rc;
+  if (listener_ != nullptr) {
+    const ByteString qualified(name);
+    const ByteString local_copy(local);
+    const char* uri = entry > 0 ? namespaces_.ValueAt(entry - 1).Data() : "";
+    if (int rc = listener_->OnEndTag(uri, local_copy.Data(), qualified.Data(), is_empty); rc != kOk) return rc;
+  }
+  const int32_t depth = open_.Count();
+  if (build_dom_ && depth > 0) {
+    ByteString& pending = open_.ValueBuffer(depth - 1);
+    if (!pending.IsEmpty()) {
+      if (int rc = tree_.SetText(depth, pending.Data(), pending.Length()); rc != kOk) return Fail(rc);
+      pending.SetLength(0);
+    }
+    // A leaf closed implicitly ends where its synthesized end tag begins.
+    tree_.CloseElement(depth, is_implicit ? tag_start_ : char_count_, tag_start_);
+  }
+  if (depth == 0 || open_.LastName().View() != name) {
+    return Fail(kErrUnbalancedTag, "Unbalanced element tag: ", name);
+  }
+  while (namespaces_.Count() > 0 && namespace_depths_[namespaces_.Count() - 1] == static_cast<uint32_t>(depth)) {
+    const int32_t entry_number = namespaces_.Count();
+    if (listener_ != nullptr) {
+      if (int rc = listener_->OnEndNamespace(namespaces_.NameAt(entry_number - 1).Data()); rc != kOk) return rc;
+    }
+    if (build_dom_) tree_.CloseNamespace(entry_number);
+    namespaces_.RemoveLast();
+  }
+  open_.ValueBuffer(depth - 1).SetLength(0);
+  open_.RemoveLast();
+  if (!is_implicit) token_.SetLength(0);
+  return kOk;
+}
+
+int MarkupParser::ResolveReference(uint8_t ch, ByteString& target) {
+  if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
+  entity_value_.SetLength(0);
+  if (build_dom_) {
+    const std::string_view name = entity_name_.View();
+    if (name == "lt") {
+      entity_value_.AppendChar('<');
+    } else if (name == "gt") {
+      entity_value_.AppendChar('>');
+    } else if (name == "amp") {
+      entity_value_.AppendChar('&');
+    } else if (name == "apos") {
+      entity_value_.AppendChar('\'');
+    } else if (name == "quot") {
+      entity_value_.AppendChar('"');
+    } else if (const int byte = CharacterReference(name); byte != 0) {
+      entity_value_.AppendChar(static_cast<char>(byte));
+    }
+  }
+  if (entity_value_.IsEmpty()) {
+    if (entity_value_.AppendChar('&') != kOk || entity_value_.Append(entity_name_) != kOk ||
+        (ch == ';' && entity_value_.AppendChar(';') != kOk)) {
+      return Fail(kErrOutOfMemory);
+    }
+  }
+  if (listener_ != nullptr) {
+    if (int rc = listener_->OnEntity(entity_name_.Data(), entity_value_); rc != kOk) return rc;
+  }
+  return target.Append(entity_value_) == kOk ? kOk : Fail(kErrOutOfMemory);
+}
+
+int MarkupParser::FinishSection() {
+  if (listener_ != nullptr) {
+    if (int rc = listener_->OnSection(token_.Data(), text_.Data()); rc != kOk) return rc;
+  }
+  if (token_.Equals("CDATA") && build_dom_ && open_.Count() > 0) {
+    if (int rc = open_.ValueBuffer(open_.Count() - 1).Append(text_); rc != kOk) return Fail(rc);
+  }
+  text_.SetLength(0);
+  token_.SetLength(0);
+  return kOk;
+}
+
+int MarkupParser::Finish() {
+  if (int rc = Deliver(Delivery::kTailTrimmed); rc != kOk) return rc;
+  if (open_.Count() > 0) return Fail(kErrUnbalancedDocument);
+  if (tree_.TopCount() > 1 && !HasFlag(kAllowMoreThanOneRoot)) return Fail(kErrMoreThanOneRoot);
+  if (state_ != kText && state_ != kAfterTag) return Fail(kErrInvalidEndState);
+  return kOk;
+}
+
+}  // namespace orvelan

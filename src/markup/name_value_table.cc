@@ -1,0 +1,47 @@
+#include "markup/name_value_table.h"
+
+#include <new>
+
+namespace orvelan {
+
+int NameValueTable::Add(std::string_view name, std::string_view value) {
+  if (count_ >= kCapacity) return kErrOutOfMemory;
+  if (names_[count_] == nullptr) {
+    names_[count_].reset(new (std::nothrow) ByteString);
+    values_[count_].reset(new (std::nothrow) ByteString);
+    if (names_[count_] == nullptr || values_[count_] == nullptr) return kErrOutOfMemory;
+  }
+  if (int rc = names_[count_]->Assign(name); rc != kOk) return rc;
+  if (int rc = values_[count_]->Assign(value); rc != kOk) return rc;
+  ++count_;
+  return kOk;
+}
+
+int NameValueTable::RemoveLast() {
+  if (count_ == 0) return 433;
+  --count_;
+  return kOk;
+}
+
+int32_t NameValueTable::Find(std::string_view name, bool from_last) const {
+  if (from_last) {
+    for (int32_t i = count_ - 1; i >= 0; --i) {
+      if (names_[i]->View() == name) return i;
+    }
+  } else {
+    for (int32_t i = 0; i < count_; ++i) {
+      if (names_[i]->View() == name) return i;
+    }
+  }
+  return -1;
+}
+
+void NameValueTable::Clear() {
+  for (int32_t i = 0; i < count_; ++i) {
+    names_[i]->SetLength(0);
+    values_[i]->SetLength(0);
+  }
+  count_ = 0;
+}
+
+}  // namespace orvelan

@@ -1,0 +1,300 @@
+#include "markup/markup_document.h"
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace orvelan {
+namespace {
+
+constexpr char kSignOn[] =
+    "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS></SONRS></SIGNONMSGSRSV1></OFX>";
+
+class Doc {
+ public:
+  explicit Doc(const char* text, std::initializer_list<const char*> containers = {}) {
+    doc.Reset();
+    doc.SetBuildDOM(true);
+    for (const char* c : containers) doc.AddSGMLTag(c);
+    rc = doc.Parse(text);
+  }
+  MarkupDocument doc;
+  int rc;
+};
+
+TEST(MarkupDocumentTest, AbsolutePathsAndParentSteps) {
+  Doc d(kSignOn, {"OFX", "SIGNONMSGSRSV1", "SONRS", "STATUS"});
+  ASSERT_EQ(d.rc, 0);
+  MarkupDocument& doc = d.doc;
+  ASSERT_EQ(doc.SelectPath("/OFX/SIGNONMSGSRSV1/SONRS/STATUS/CODE"), 0);
+  EXPECT_STREQ(doc.ElementName(), "CODE");
+  EXPECT_STREQ(doc.ElementText(), "0");
+  EXPECT_STREQ(doc.CurrentPath(), "/OFX/SIGNONMSGSRSV1/SONRS/STATUS/CODE");
+  ASSERT_EQ(doc.SelectPath("../SEVERITY"), 0);
+  EXPECT_STREQ(doc.ElementText(), "INFO");
+  EXPECT_STREQ(doc.CurrentPath(), "/OFX/SIGNONMSGSRSV1/SONRS/STATUS/SEVERITY");
+  EXPECT_STREQ(doc.ParentName(), "STATUS");
+
+  ASSERT_EQ(doc.SelectPath("/"), 0);
+  EXPECT_STREQ(doc.CurrentPath(), "/OFX");
+  EXPECT_EQ(doc.SelectPath(".."), 208);
+  EXPECT_EQ(doc.SelectPath("/FOO"), 209);
+  EXPECT_STREQ(doc.GetLastError(), "Top element does not match start of path.");
+  EXPECT_EQ(doc.SelectPath("/OFX/NOPE"), 208);
+  EXPECT_STREQ(doc.GetLastError(), "No such child.");
+  EXPECT_STREQ(doc.ElementName(), "OFX");
+  // ".." followed by an absolute path walks it.
+  ASSERT_EQ(doc.SelectPath("SIGNONMSGSRSV1/SONRS/..//OFX/SIGNONMSGSRSV1"), 0);
+  EXPECT_STREQ(doc.CurrentPath(), "/OFX/SIGNONMSGSRSV1");
+}
+
+struct StepCase {
+  const char* path;
+  int rc;
+  const char* text;  // of the selected element on success
+  const char* canonical;
+};
+
+const StepCase kStepCases[] = {
+    {"STMTTRN[3]", 0, "c", "/OFX/L/STMTTRN[3]"},
+    {"STMTTRN[1]", 0, "a", "/OFX/L/STMTTRN"},
+    {"STMTTRN", 0, "a", "/OFX/L/STMTTRN"},
+    {"STMTTRN[4]", 208, "", "/OFX/L"},
+    {"STMTTRN[0]", 208, "", "/OFX/L"},
+    {"[last()]", 0, "c", "/OFX/L/[3]"},
+    {"[Last()-1]", 0, "b", "/OFX/L/[2]"},
+    {"[LAST()-0]", 0, "c", "/OFX/L/[3]"},
+    {"[last()+1]", 207, "", "/OFX/L"},
+    {"[0]", 207, "", "/OFX/L"},
+    {"[2]", 0, "b", "/OFX/L/[2]"},
+    {"[4]", 207, "", "/OFX/L"},
+    {"[x]", 207, "", "/OFX/L"},
+    {"[2", 207, "", "/OFX/L"},
+    {"STMTTRN[x]", 207, "", "/OFX/L"},
+    {"STMTTRN[2]x", 207, "", "/OFX/L"},
+    {"1ABC", 207, "", "/OFX/L"},
+    {"...", 207, "", "/OFX/L"},
+    {"..x", 207, "", "/OFX/L"},
+    {"STMTTRN[@k]", 0, "b", "/OFX/L/STMTTRN"},
+    {"STMTTRN[@k='2']", 0, "c", "/OFX/L/STMTTRN"},
+    {"STMTTRN[@k=\"2\"]", 0, "c", "/OFX/L/STMTTRN"},
+    {"STMTTRN[@k=3]", 208, "", "/OFX/L"},
+    {"[2]/..", 0, "", "/OFX/L"},
+    {"", 0, "", "/OFX/L"},
+};
+
+TEST(MarkupDocumentTest, RelativeStepsFromAList) {
+  Doc d("<OFX><L><STMTTRN>a</STMTTRN><STMTTRN k='1'>b</STMTTRN><STMTTRN k='2'>c</STMTTRN></L></OFX>");
+  ASSERT_EQ(d.rc, 0);
+  for (const StepCase& c : kStepCases) {
+    SCOPED_TRACE(c.path);
+    ASSERT_EQ(d.doc.SelectPath("/OFX/L"), 0);
+    EXPECT_EQ(d.doc.SelectPath(c.path), c.rc);
+    EXPECT_STREQ(d.doc.CurrentPath(), c.canonical);
+    EXPECT_STREQ(c.rc == 0 ? d.doc.ElementText() : d.doc.ElementName(), c.rc == 0 ? c.text : "L");
+  }
+}
+
+// Remembered positions must give the same answers in any order of requests.
+TEST(MarkupDocumentTest, IndexedStepsInAnyOrder) {
+  std::string text = "<L>";
+  std::vector<int> a_texts;
+  for (int i = 1; i <= 40; ++i) {
+    const bool is_b = i % 3 == 0;
+    text += std::string(is_b ? "<B>" : "<A>") + "<X>" + std::to_string(i) + "</X>" + (is_b ? "</B>" : "</A>");
+    if (!is_b) a_texts.push_back(i);
+  }
+  text += "</L>";
+  Doc d(text.c_str());
+  ASSERT_EQ(d.rc, 0);
+  std::vector<int> order;
+  for (int i = 1; i <= 27; ++i) order.push_back(i);
+  for (int i = 27; i >= 1; --i) order.push_back(i);
+  for (int i = 1; i <= 27; i += 5) order.push_back(i);
+  for (int i : order) {
+    SCOPED_TRACE(i);
+    ASSERT_EQ(d.doc.SelectPath("/L/A[" + std::to_string(i) + "]"), 0);
+    EXPECT_TRUE(d.doc.HasPath("X"));  // a lookup under another parent in between
+    ASSERT_EQ(d.doc.SelectPath("X"), 0);
+    EXPECT_EQ(std::string(d.doc.ElementText()), std::to_string(a_texts[static_cast<size_t>(i - 1)]));
+    ASSERT_EQ(d.doc.SelectPath("../../[" + std::to_string(i) + "]/X"), 0);
+    EXPECT_EQ(std::string(d.doc.ElementText()), std::to_string(i));
+    EXPECT_STREQ(d.doc.ChildText(0), "");
+  }
+  EXPECT_EQ(d.doc.SelectPath("/L/A[28]"), 208);
+  EXPECT_EQ(d.doc.SelectPath("/L/B[13]"), 0);
+  EXPECT_EQ(d.doc.SelectPath("/L/B[14]"), 208);
+}
+
+TEST(MarkupDocumentTest, HasPathLeavesCursorAndPath) {
+  Doc d("<OFX><A><B>1</B></A><A><B>2</B></A></OFX>");
+  ASSERT_EQ(d.doc.SelectPath("/OFX/A[2]"), 0);
+  d.doc.SetErrorText("kept");
+  EXPECT_FALSE(d.doc.HasPath("NOPE"));
+  EXPECT_TRUE(d.doc.HasPath("B"));
+  EXPECT_TRUE(d.doc.HasPath("/OFX/A"));
+  EXPECT_STREQ(d.doc.CurrentPath(), "/OFX/A[2]");
+  EXPECT_STREQ(d.doc.GetLastError(), "kept");
+  ASSERT_EQ(d.doc.SelectPath("B"), 0);
+  EXPECT_STREQ(d.doc.ElementText(), "2");
+}
+
+TEST(MarkupDocumentTest, SubtreeAndContents) {
+  Doc d("<R><A/><S x='1'> t <C>2</C></S></R>");
+  ASSERT_EQ(d.doc.SelectPath("/R/A"), 0);
+  EXPECT_EQ(d.doc.ChildCount(), 0);
+  EXPECT_STREQ(d.doc.ElementContents(), "");
+  EXPECT_STREQ(d.doc.ElementSubtree(), "<A/>");
+  ASSERT_EQ(d.doc.SelectPath("../S"), 0);
+  EXPECT_STREQ(d.doc.ElementSubtree(), "<S x='1'> t <C>2</C></S>");
+  EXPECT_STREQ(d.doc.ElementContents(), " t <C>2</C>");
+
+  Doc sgml("<R><A>1\r\n<B>2</R>", {"R"});
+  ASSERT_EQ(sgml.doc.SelectPath("/R/A"), 0);
+  EXPECT_STREQ(sgml.doc.ElementSubtree(), "<A>1\r\n");
+  EXPECT_STREQ(sgml.doc.ElementContents(), "1\r\n");
+  ASSERT_EQ(sgml.doc.SelectPath("/R"), 0);
+  EXPECT_STREQ(sgml.doc.ElementSubtree(), "<R><A>1\r\n</A><B>2</B></R>");
+
+  MarkupDocument plain;
+  plain.SetBuildDOM(true);
+  plain.SetKeepOriginalText(false);
+  ASSERT_EQ(plain.Parse("<R/>"), 0);
+  ASSERT_EQ(plain.SelectPath("/R"), 0);
+  EXPECT_STREQ(plain.ElementSubtree(), "");
+  EXPECT_STREQ(plain.GetLastError(), "Subtree not available unless KeepOriginalText is set.");
+}
+
+TEST(MarkupDocumentTest, CutOffDocumentCountsOnlyEndedChildren) {
+  Doc d("<R><A>1</A><B><C>2");
+  ASSERT_EQ(d.rc, 0);
+  ASSERT_EQ(d.doc.SelectPath("/R"), 0);
+  EXPECT_EQ(d.doc.ChildCount(), 1);
+  EXPECT_EQ(d.doc.SelectPath("B"), 208);
+  EXPECT_STREQ(d.doc.ElementText(), "");
+}
+
+TEST(MarkupDocumentTest, EmptyTreeAndOffsets) {
+  MarkupDocument doc;
+  EXPECT_EQ(doc.SelectPath("/"), 210);
+  EXPECT_STREQ(doc.GetLastError(), "DOM tree unavailable (set BuildDOM to TRUE and reparse).");
+  ASSERT_EQ(doc.Parse("<R/>"), 0);  // BuildDOM is off
+  EXPECT_EQ(doc.SelectPath("/"), 210);
+
+  Doc d("<R><A/><B>x</B></R>");
+  ASSERT_EQ(d.doc.SelectPath("/R/B"), 0);
+  const uint32_t b = d.doc.Tree().Cursor();
+  ASSERT_EQ(d.doc.SelectPath("/R"), 0);
+  ASSERT_EQ(d.doc.SelectPath("*" + std::to_string(b)), 0);
+  EXPECT_STREQ(d.doc.ElementText(), "x");
+  EXPECT_STREQ(d.doc.CurrentPath(), "/R/B");
+  EXPECT_EQ(d.doc.SelectPath("*" + std::to_string(b + 4)), 207);
+  EXPECT_EQ(d.doc.SelectPath("*999999"), 0);
+  EXPECT_STREQ(d.doc.ElementText(), "x");
+}
+
+TEST(MarkupDocumentTest, ArenaLayoutIsFixed) {
+  Doc d("<R xmlns='u'><A k='v'>t</A></R>");
+  const DocumentTree& tree = d.doc.Tree();
+  const auto field = [&](uint32_t at) {
+    uint32_t v;
+    std::memcpy(&v, tree.Arena() + at, 4);
+    return v;
+  };
+  // Empty declaration, P(u) 16 bytes, E R 60, A k=v 16, E A 60, T t 12.
+  ASSERT_EQ(tree.Size(), 16u + 16u + 60u + 60u + 16u + 12u);
+  EXPECT_EQ(tree.Arena()[16], 'P');
+  EXPECT_EQ(tree.Arena()[32], 'E');
+  EXPECT_EQ(tree.Top(), 32u);
+  EXPECT_EQ(field(32 + 20), 16u);             // own prefix's declaration
+  EXPECT_EQ(field(32 + 8), tree.Size());      // end offset
+  EXPECT_EQ(tree.Arena()[92], 'E');
+  EXPECT_EQ(field(92 + 16), 32u);             // parent
+  EXPECT_EQ(tree.Arena()[152], 'A');
+  EXPECT_EQ(tree.Arena()[168], 'T');
+  EXPECT_EQ(field(92 + 36), 168u);
+  EXPECT_EQ(field(16 + 8), tree.Size());      // declaration's end of scope
+}
+
+TEST(MarkupDocumentTest, ChildAndNamespaceAccessors) {
+  Doc d("<r:R xmlns:r='urn:r' xmlns='urn:d'><A>1</A><r:B>2</r:B></r:R>");
+  ASSERT_EQ(d.rc, 0);
+  MarkupDocument& doc = d.doc;
+  ASSERT_EQ(doc.SelectPath("/r:R"), 0);
+  EXPECT_STREQ(doc.ElementPrefix(), "r");
+  EXPECT_STREQ(doc.ElementNamespace(), "urn:r");
+  EXPECT_EQ(doc.CheckChildIndex(1), 0);
+  EXPECT_STREQ(doc.ChildName(1), "r:B");
+  EXPECT_STREQ(doc.ChildNamespace(0), "urn:d");
+  EXPECT_STREQ(doc.ChildPrefix(1), "r");
+  EXPECT_STREQ(doc.ChildText(0), "1");
+  EXPECT_EQ(doc.CheckChildIndex(2), 432);
+  EXPECT_STREQ(doc.GetLastError(), "Invalid element index.");
+  EXPECT_EQ(doc.NamespaceCount(), 2);
+  EXPECT_STREQ(doc.NamespacePrefix(0), "r");
+  EXPECT_STREQ(doc.NamespaceURI(1), "urn:d");
+  EXPECT_EQ(doc.CheckNamespaceIndex(2), 432);
+  EXPECT_STREQ(doc.GetLastError(), "Invalid namespace index.");
+  // Unprefixed steps match prefixed children; URI names select at once.
+  EXPECT_TRUE(doc.HasPath("B"));
+  EXPECT_TRUE(doc.HasPath("urn:dA"));
+  ASSERT_EQ(doc.SelectPath("A"), 0);
+  EXPECT_EQ(doc.CheckChildIndex(0), 432);
+  EXPECT_STREQ(doc.GetLastError(), "No elements available.");
+
+  Doc plain("<R/>");
+  ASSERT_EQ(plain.doc.SelectPath("/R"), 0);
+  EXPECT_EQ(plain.doc.CheckNamespaceIndex(0), 432);
+  EXPECT_STREQ(plain.doc.GetLastError(), "No namespaces available.");
+}
+
+TEST(MarkupDocumentTest, Settings) {
+  MarkupDocument doc;
+  const char* out = nullptr;
+  ASSERT_EQ(doc.Config("AllowTextOutsideRoot=false", out), 0);
+  ASSERT_EQ(doc.Config("AllowTextOutsideRoot", out), 0);
+  EXPECT_STREQ(out, "False");
+  doc.SetErrorText("untouched");
+  ASSERT_EQ(doc.Config("allowmorethanoneroot", out), 0);
+  EXPECT_STREQ(out, "True");
+  EXPECT_STREQ(doc.GetLastError(), "untouched");
+
+  ASSERT_EQ(doc.Config("CacheContent=0", out), 0);
+  ASSERT_EQ(doc.Config("KeepOriginalText", out), 0);
+  EXPECT_STREQ(out, "0");
+  ASSERT_EQ(doc.Config("KeepOriginalText=yes", out), 0);
+  ASSERT_EQ(doc.Config("HTMLComments=1", out), 0);
+  ASSERT_EQ(doc.Config("HTMLComments", out), 0);
+  EXPECT_STREQ(out, "1");
+
+  ASSERT_EQ(doc.Config("AddSGMLTag=OFX", out), 0);
+  ASSERT_EQ(doc.Config("AddSGMLTag", out), 0);
+  EXPECT_STREQ(out, " OFX ");
+  EXPECT_EQ(doc.SetExtraTags("A,B,,C"), 0);
+  EXPECT_STREQ(doc.ExtraTags(), " OFX A B ");
+
+  ASSERT_EQ(doc.Config("UseEncoding=latin1", out), 0);
+  ASSERT_EQ(doc.Config("UseEncoding", out), 0);
+  EXPECT_STREQ(out, "ASCII");
+  ASSERT_EQ(doc.Config("UseEncoding=utf-16le", out), 0);
+  ASSERT_EQ(doc.Config("UseEncoding", out), 0);
+  EXPECT_STREQ(out, "UTF-16LE");
+  EXPECT_EQ(doc.Parse("<A/>"), 306);
+
+  doc.Parser().SetEncoding("UTF-8");
+  doc.Reset();
+  doc.SetBuildDOM(true);
+  ASSERT_EQ(doc.Parse("<OFX><A>1</A></OFX>"), 0);
+  ASSERT_EQ(doc.SelectPath("/OFX/A"), 0);
+  ASSERT_EQ(doc.Config("XSubTree", out), 0);
+  EXPECT_STREQ(out, "<A>1</A>");
+  ASSERT_EQ(doc.Config("XContents", out), 0);
+  EXPECT_STREQ(out, "1");
+  EXPECT_EQ(doc.Config("XSubTree=abc", out), 0);
+  EXPECT_EQ(doc.Config("NoSuchSetting", out), -1);
+}
+
+}  // namespace
+}  // namespace orvelan

@@ -1,0 +1,238 @@
+#include "markup/markup_parser.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/tree_dump.h"
+
+namespace orvelan {
+namespace {
+
+struct Outcome {
+  int rc = 0;
+  std::string error;
+  std::string tree;
+  std::string kept;
+};
+
+Outcome Parse(const std::string& text, const std::vector<const char*>& containers = {},
+              void (*configure)(MarkupParser&) = nullptr) {
+  MarkupParser parser;
+  parser.SetBuildDOM(true);
+  for (const char* name : containers) parser.AddSGMLTag(name);
+  if (configure != nullptr) configure(parser);
+  Outcome o;
+  o.rc = parser.Feed(text.data(), text.size());
+  o.error = parser.ErrorText();
+  o.tree = testing::DumpTree(parser.Tree());
+  o.kept = parser.KeptText().View();
+  return o;
+}
+
+struct TreeCase {
+  const char* name;
+  std::string input;
+  std::vector<const char*> containers;
+  std::string tree;
+};
+
+const TreeCase kTreeCases[] = {
+    {"plain XML", "<A><B>1</B></A>", {}, "A(B=1)"},
+    {"SGML leaves closed by the next tag and the parent's end", "<A><B>1<C>2</A>", {"A"}, "A(B=1,C=2)"},
+    {"entities and character references", "<A>x &lt; y &#65;&#300;&bogus z</A>", {}, "A=x < y A&#300;&bogus z"},
+    {"hex reference, apos, quot, gt, amp", "<A>&#x41;&apos;&quot;&gt;&amp;</A>", {}, "A=A'\">&"},
+    {"CDATA keeps its spaces", "<A><![CDATA[ <x> ]]></A>", {}, "A= <x> "},
+    {"other marked sections are dropped", "<A><![IGNORE[x]]>y</A>", {}, "A=y"},
+    {"text outside the root is dropped", "a < b<A>a < b</A>", {}, "A=a< b"},
+    {"text trimmed at both ends, inner spaces kept", "<A>\n  one  two \r\n</A>", {}, "A=one  two"},
+    {"mixed content concatenated in order", "<A>x<B/>y</A>", {}, "A=xy(B)"},
+    {"empty element and attributes", "<A a='1' b=\"2\" c=3 d><B/></A>", {}, "A(B)"},
+    {"xml prefix on an attribute needs no declaration", "<A xml:lang='en'/>", {}, "A"},
+    {"declared prefixes", "<x:A xmlns:x='u'><x:B/></x:A>", {}, "x:A(x:B)"},
+    {"comments, instructions and doctype skipped", "<?xml version='1.0'?><!DOCTYPE A [<!ENTITY e 'x'>]><!-- c --><A>1</A>",
+     {}, "A=1"},
+    {"lt not followed by a name is text; text before a lt is trimmed", "<A>1 < 2 </ 3</A>", {}, "A=1< 2</ 3"},
+    {"UTF-8 passes as bytes", "<A>caf\xC3\xA9</A>", {}, "A=caf\xC3\xA9"},
+    {"OFX 1.x status block",
+     "<STATUS>\r\n<CODE>0\r\n<SEVERITY>INFO\r\n</STATUS>\r\n", {"STATUS"}, "STATUS(CODE=0,SEVERITY=INFO)"},
+    {"several roots", "<A/><B/>", {}, "A B"},
+};
+
+TEST(MarkupParserTest, BuildsTheExpectedTree) {
+  for (const TreeCase& c : kTreeCases) {
+    SCOPED_TRACE(c.name);
+    const Outcome o = Parse(c.input, c.containers);
+    EXPECT_EQ(o.rc, 0) << o.error;
+    EXPECT_EQ(o.tree, c.tree);
+  }
+}
+
+struct ErrorCase {
+  const char* name;
+  std::string input;
+  std::vector<const char*> containers;
+  int rc;
+  std::string error;
+};
+
+const ErrorCase kErrorCases[] = {
+    {"unbalanced end tag", "<A><B>1</A>", {}, 201, "Unbalanced element tag: A"},
+    {"end tag with nothing open", "</A>", {}, 201, "Unbalanced element tag: A"},
+    {"empty unquoted value", "<A b=>", {}, 204, "Invalid XML markup."},
+    {"end tag with an attribute", "<A></A x>", {}, 204, "Invalid XML markup."},
+    {"double dash inside a comment", "<!-- a -- b -->", {}, 204, "Invalid XML markup."},
+    {"undeclared element prefix", "<x:A/>", {}, 202, "Unknown element prefix (can't find namespace): x"},
+    {"undeclared attribute prefix", "<A x:y='1'/>", {}, 203, "Unknown attribute prefix (can't find namespace): x"},
+    {"aggregate missing from the list", "<OFX><IMAGETRNRS><X>1</IMAGETRNRS></OFX>", {"OFX"}, 201,
+     "Unbalanced element tag: IMAGETRNRS"},
+};
+
+TEST(MarkupParserTest, FailsWithCodeAndMessage) {
+  for (const ErrorCase& c : kErrorCases) {
+    SCOPED_TRACE(c.name);
+    const Outcome o = Parse(c.input, c.containers);
+    EXPECT_EQ(o.rc, c.rc);
+    EXPECT_EQ(o.error, c.error);
+  }
+}
+
+TEST(MarkupParserTest, FailsAtTheByteAfterTheBadEndTag) {
+  MarkupParser parser;
+  parser.SetBuildDOM(true);
+  EXPECT_EQ(parser.Feed("<A></A x"), 0);
+  EXPECT_EQ(parser.Feed(">"), 204);
+}
+
+TEST(MarkupParserTest, KeptTextSpellsOutImplicitEndTags) {
+  EXPECT_EQ(Parse("<A><B>1<C>2</A>", {"A"}).kept, "<A><B>1</B><C>2</C></A>");
+  EXPECT_EQ(Parse("<A><B>1\n<C x='y'>2\n</A>", {"A"}).kept, "<A><B>1\n</B><C x='y'>2\n</C></A>");
+  EXPECT_EQ(Parse("<A><B>1<C/></A>", {"A"}).kept, "<A><B>1</B><C/></A>");
+}
+
+TEST(MarkupParserTest, TreeDoesNotDependOnHowBytesArrive) {
+  const std::string text =
+      "<OFX><STMTTRN>\r\n<TRNTYPE>DEBIT\r\n<NAME>A &amp; B\r\n<MEMO><![CDATA[x]]>\r\n</STMTTRN>"
+      "<x:Y xmlns:x='u' a='1'><!-- c --><Z>t</Z></x:Y></OFX>";
+  const Outcome whole = Parse(text, {"OFX", "STMTTRN", "x:Y"});
+  ASSERT_EQ(whole.rc, 0) << whole.error;
+  for (size_t cut = 0; cut <= text.size(); ++cut) {
+    SCOPED_TRACE("cut at " + std::to_string(cut));
+    MarkupParser parser;
+    parser.SetBuildDOM(true);
+    parser.AddSGMLTag("OFX");
+    parser.AddSGMLTag("STMTTRN");
+    parser.AddSGMLTag("x:Y");
+    ASSERT_EQ(parser.Feed(text.data(), cut), 0);
+    ASSERT_EQ(parser.Feed(text.data() + cut, text.size() - cut), 0);
+    EXPECT_EQ(testing::DumpTree(parser.Tree()), whole.tree);
+    EXPECT_EQ(std::string(parser.KeptText().View()), whole.kept);
+  }
+  // A listener sees every byte, so it takes the byte-at-a-time path.
+  struct Counter : MarkupListener {
+    int bytes = 0;
+    int OnInputChar(char) override { return ++bytes, 0; }
+  } counter;
+  MarkupParser parser;
+  parser.SetBuildDOM(true);
+  parser.AddSGMLTag("OFX");
+  parser.AddSGMLTag("STMTTRN");
+  parser.AddSGMLTag("x:Y");
+  parser.SetListener(&counter);
+  ASSERT_EQ(parser.Feed(text.c_str()), 0);
+  EXPECT_EQ(counter.bytes, static_cast<int>(text.size()));
+  EXPECT_EQ(testing::DumpTree(parser.Tree()), whole.tree);
+}
+
+TEST(MarkupParserTest, FinishChecksTheEndState) {
+  struct FinishCase {
+    const char* input;
+    int rc;
+  } cases[] = {{"<A", 205}, {"<A>", 206}, {"<A/>", 0}, {"<A/> text ", 0}, {"<A/><B/>", 0}};
+  for (const FinishCase& c : cases) {
+    SCOPED_TRACE(c.input);
+    MarkupParser parser;
+    parser.SetBuildDOM(true);
+    ASSERT_EQ(parser.Feed(c.input), 0);
+    EXPECT_EQ(parser.Finish(), c.rc);
+  }
+  MarkupParser parser;
+  parser.SetBuildDOM(true);
+  parser.SetFlag(MarkupParser::kAllowMoreThanOneRoot, false);
+  ASSERT_EQ(parser.Feed("<A/><B/>"), 0);
+  EXPECT_EQ(parser.Finish(), 211);
+  EXPECT_STREQ(parser.ErrorText(), "Invalid XML: the document has more than one root element.");
+}
+
+TEST(MarkupParserTest, OptionsChangeWhatIsAccepted) {
+  const auto text_outside = [](MarkupParser& p) { p.SetFlag(MarkupParser::kAllowTextOutsideRoot, false); };
+  const Outcome outside = Parse("x<A/>", {}, text_outside);
+  EXPECT_EQ(outside.rc, 212);
+  EXPECT_EQ(outside.error, "Invalid XML: the document contains text outside the root element.");
+
+  const auto html = [](MarkupParser& p) { p.SetHTMLComments(true); };
+  EXPECT_EQ(Parse("<!-- a -- b --><A/>", {}, html).rc, 0);
+  EXPECT_EQ(Parse("<A><![CDATA[x]]></A>", {}, html).tree, "A");
+
+  const auto ignore_prefixes = [](MarkupParser& p) {
+    p.SetFlag(MarkupParser::kIgnoreBadElementPrefixes, true);
+    p.SetFlag(MarkupParser::kIgnoreBadAttributePrefixes, true);
+  };
+  const Outcome ignored = Parse("<x:A y:b='1'/>", {}, ignore_prefixes);
+  EXPECT_EQ(ignored.rc, 0);
+  EXPECT_EQ(ignored.tree, "x:A");
+
+  const auto utf16 = [](MarkupParser& p) { p.SetEncoding("utf-16le"); };
+  const Outcome refused = Parse("<A/>", {}, utf16);
+  EXPECT_EQ(refused.rc, 306);
+  EXPECT_EQ(refused.error, "UTF-16 support not currently available.");
+  EXPECT_EQ(refused.kept, "");
+}
+
+TEST(MarkupParserTest, ListenerSeesCommentsAndSections) {
+  struct Recorder : MarkupListener {
+    std::vector<std::string> events;
+    int OnComment(const char* t) override { return events.push_back(std::string("comment:") + t), 0; }
+    int OnDeclaration(const char* t) override { return events.push_back(std::string("decl:") + t), 0; }
+    int OnSection(const char* k, const char* c) override {
+      return events.push_back(std::string("section:") + k + ":" + c), 0;
+    }
+    int OnInstruction(const char* t) override { return events.push_back(std::string("pi:") + t), 0; }
+  } recorder;
+  MarkupParser parser;
+  parser.SetHTMLComments(true);
+  parser.SetListener(&recorder);
+  ASSERT_EQ(parser.Feed("<?pi x?><!-- a -- b --><A><![CDATA[x]]></A>"), 0);
+  EXPECT_EQ(recorder.events,
+            (std::vector<std::string>{"pi:pi x", "comment: a -- b ", "decl:[CDATA[x]]"}));
+  parser.SetHTMLComments(false);
+  recorder.events.clear();
+  parser.Reset();
+  ASSERT_EQ(parser.Feed("<A><![CDATA[ y ]]></A>"), 0);
+  EXPECT_EQ(recorder.events, (std::vector<std::string>{"section:CDATA: y "}));
+}
+
+TEST(MarkupParserTest, TablesAreBounded) {
+  std::string tag = "<A";
+  for (int i = 0; i < 256; ++i) tag += " a" + std::to_string(i) + "='1'";
+  EXPECT_EQ(Parse(tag + "/>").rc, 0);
+  const Outcome too_many = Parse(tag + " z='1'/>");
+  EXPECT_EQ(too_many.rc, 200);
+  EXPECT_EQ(too_many.error, "Out of memory.");
+
+  std::string deep;
+  for (int i = 0; i < 257; ++i) deep += "<A>";
+  EXPECT_EQ(Parse(deep).rc, 200);
+}
+
+TEST(MarkupParserTest, ContainerListKeepsEachNameOnce) {
+  MarkupParser parser;
+  EXPECT_EQ(parser.AddSGMLTag("OFX"), 0);
+  EXPECT_EQ(parser.AddSGMLTag("STMTRS"), 0);
+  EXPECT_EQ(parser.AddSGMLTag("OFX"), 0);
+  EXPECT_EQ(std::string(parser.ContainerList().View()), " OFX STMTRS ");
+}
+
+}  // namespace
+}  // namespace orvelan
