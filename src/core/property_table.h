@@ -82,12 +82,25 @@ struct MethodCall {
   void SetText(int i, const char* text) const {
     if (i < count && params != nullptr) params[i] = const_cast<char*>(text);
   }
+  void SetInteger(int i, int64_t value) const {
+    if (i < count && params != nullptr) params[i] = reinterpret_cast<void*>(static_cast<intptr_t>(value));
+  }
   void SetBytes(int i, const char* bytes, int32_t length) const {
     if (i >= count || params == nullptr) return;
     params[i] = const_cast<char*>(bytes);
     if (lengths != nullptr) lengths[i] = length;
   }
 };
+
+// The Config method every component has: params[0] is the setting text,
+// params[1] receives the answer (a pointer into the service).
+template <class Service>
+int RunConfigMethod(Service& service, MethodCall<Service>& call) {
+  const char* answer = "";
+  const int rc = service.Config(call.Text(0), answer);
+  call.SetText(1, answer);
+  return rc;
+}
 
 // Builders for table entries from service member functions. Getters are
 // `const char* ()`, `int32_t ()`/`bool ()`, `int64_t ()`, or for bytes

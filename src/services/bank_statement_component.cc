@@ -79,13 +79,6 @@ std::vector<PropertyDef<S>> Properties() {
   return table;
 }
 
-int RunConfig(S& s, MethodCall<S>& call) {
-  const char* answer = "";
-  const int rc = s.Config(call.Text(0), answer);
-  call.SetText(1, answer);
-  return rc;
-}
-
 int RunReset(S& s, MethodCall<S>&) { return s.Reset(); }
 
 // Downloads, images and data files need the OFX engine and the transport;
@@ -94,21 +87,14 @@ constexpr int kErrNotAvailable = 38;  // "Function not implemented."
 int RunNotAvailable(S&, MethodCall<S>&) { return kErrNotAvailable; }
 
 std::vector<MethodDef<S>> Methods() {
-  const auto method = [](int id, const char* name, int (*run)(S&, MethodCall<S>&)) {
-    MethodDef<S> m;
-    m.id = id;
-    m.name = name;
-    m.run = run;
-    return m;
-  };
   return {
-      method(2, "Config", RunConfig),
-      method(3, "GetClosingInfo", RunNotAvailable),
-      method(4, "GetImage", RunNotAvailable),
-      method(5, "GetStatement", RunNotAvailable),
-      method(6, "ReadOFXDataFile", RunNotAvailable),
-      method(7, "Reset", RunReset),
-      method(8, "WriteOFXDataFile", RunNotAvailable),
+      MethodDef<S>{2, "Config", RunConfigMethod<S>},
+      MethodDef<S>{3, "GetClosingInfo", RunNotAvailable},
+      MethodDef<S>{4, "GetImage", RunNotAvailable},
+      MethodDef<S>{5, "GetStatement", RunNotAvailable},
+      MethodDef<S>{6, "ReadOFXDataFile", RunNotAvailable},
+      MethodDef<S>{7, "Reset", RunReset},
+      MethodDef<S>{8, "WriteOFXDataFile", RunNotAvailable},
   };
 }
 

@@ -26,28 +26,14 @@ std::vector<PropertyDef<S>> Properties() {
   };
 }
 
-int RunConfig(S& s, MethodCall<S>& call) {
-  const char* answer = "";
-  const int rc = s.Config(call.Text(0), answer);
-  call.SetText(1, answer);
-  return rc;
-}
-
 int RunPathExists(S& s, MethodCall<S>& call) {
   const bool exists = s.HasPath(call.Text(0));
-  if (call.count > 1 && call.params != nullptr) call.params[1] = reinterpret_cast<void*>(intptr_t{exists ? 1 : 0});
+  call.SetInteger(1, exists ? 1 : 0);
   return 0;
 }
 
 std::vector<MethodDef<S>> Methods() {
-  const auto method = [](int id, const char* name, int (*run)(S&, MethodCall<S>&)) {
-    MethodDef<S> m;
-    m.id = id;
-    m.name = name;
-    m.run = run;
-    return m;
-  };
-  return {method(2, "Config", RunConfig), method(3, "PathExists", RunPathExists)};
+  return {MethodDef<S>{2, "Config", RunConfigMethod<S>}, MethodDef<S>{3, "PathExists", RunPathExists}};
 }
 
 }  // namespace
