@@ -1,5 +1,7 @@
 #include "net/tls_channel.h"
 
+#include "core/error_text_table.h"
+
 namespace orvelan {
 namespace {
 
@@ -10,6 +12,40 @@ int Expose(const ByteString& bytes, const char*& data, int32_t& length) {
 }
 
 }  // namespace
+
+const char* TlsChannel::CodeText(int code) {
+  if (code == 0) return "OK";
+  if (code == kErrTunnel) return GetLastError();  // the tunnel said why
+  code_text_.Assign("[");
+  code_text_.AppendInt(code);
+  code_text_.Append("] ");
+  const char* text = SystemErrorText(code);
+  code_text_.Append(text != nullptr ? text : kTextNoDescription);
+  return code_text_.Data();
+}
+
+int TlsChannel::SendData(const char* data, int32_t length) { return Send(data, length); }
+
+void TlsChannel::OnConnected(int code) {
+  if (code != 0) {
+    OnConnectionStatus("Remote host connection failed.", code);
+    FireConnected(code, CodeText(code));
+    return;
+  }
+  OnConnectionStatus("Remote host connection complete. Initiating SSL handshake.", 0);
+  FireConnected(0, "OK");
+}
+
+void TlsChannel::OnDisconnected(int code) {
+  OnConnectionStatus("Remote host disconnected.", code);
+  FireDisconnected(code, CodeText(code));
+}
+
+void TlsChannel::OnDataIn(const char* data, int32_t length, bool end_of_line) {
+  FireDataIn(data, length, end_of_line);
+}
+
+void TlsChannel::OnReadyToSend() { FireReadyToSend(); }
 
 int TlsChannel::InitDefaults() {
   TcpClient::InitDefaults();

@@ -4,8 +4,9 @@
 #include "base/byte_string.h"
 #include "net/tcp_client.h"
 
-// TLS for the connection beneath. For now it holds the certificate settings
-// that the components expose; the handshake comes with the transport.
+// TLS for the connection beneath, and the upper hooks that the transfer and
+// HTTP layers override (FireConnected, FireDataIn, FireDisconnected,
+// FireReadyToSend). With TLS off the transport hooks pass straight up.
 namespace orvelan {
 
 inline constexpr int kErrCertStore = 1;
@@ -16,6 +17,10 @@ class TlsChannel : public TcpClient {
   TlsChannel() = default;
 
   int InitDefaults() override;
+
+  // Sends through TLS when it is on, else straight to TCP; 0, 11 (partial,
+  // see BytesLastSent) or an error code.
+  virtual int SendData(const char* data, int32_t length);
 
   // A server certificate accepted without further checks (DER or PEM bytes).
   int SSLAcceptServerCertEncoded(const char*& data, int32_t& length);
@@ -35,7 +40,33 @@ class TlsChannel : public TcpClient {
   // The server's certificate from the last connection.
   int SSLServerCertEncoded(const char*& data, int32_t& length);
 
+ protected:
+  void OnConnected(int code) override;
+  void OnDisconnected(int code) override;
+  void OnDataIn(const char* data, int32_t length, bool end_of_line) override;
+  void OnReadyToSend() override;
+
+  // Upper hooks: what the layers above see of the connection.
+  virtual void FireConnected(int code, const char* description) {
+    (void)code;
+    (void)description;
+  }
+  virtual void FireDisconnected(int code, const char* description) {
+    (void)code;
+    (void)description;
+  }
+  virtual void FireDataIn(const char* data, int32_t length, bool end_of_line) {
+    (void)data;
+    (void)length;
+    (void)end_of_line;
+  }
+  virtual void FireReadyToSend() {}
+
  private:
+  // The description of a failed connect or disconnect: the system text.
+  const char* CodeText(int code);
+
+  ByteString code_text_;
   ByteString accept_server_cert_;
   ByteString cert_encoded_;
   ByteString cert_store_;

@@ -1,0 +1,62 @@
+#include "net/transfer_channel.h"
+
+namespace orvelan {
+
+void TransferChannel::FireConnected(int code, const char* description) {
+  connect_done_ = true;
+  connect_error_ = code;
+  if (code != 0) connect_error_text_.Assign(description);
+}
+
+int TransferChannel::ConnectAndWait() {
+  interrupt_requested_ = false;
+  if (IsConnected()) return kOk;
+  connect_error_ = 0;
+  connect_done_ = false;
+  connect_error_text_.Clear();
+  SetAcceptData(false);
+  if (int rc = Connect(true); rc != kOk) return rc;
+  while (!connect_done_) {
+    if (int rc = WaitCycle(); rc != kOk) {
+      ByteString text(GetLastError());
+      Disconnect(0);
+      SetErrorText(text.Data());
+      return rc;
+    }
+  }
+  SetAcceptData(true);
+  if (connect_error_ != 0) {
+    SetErrorText(connect_error_text_.Data());
+    return connect_error_;
+  }
+  return kOk;
+}
+
+int TransferChannel::SendAll(const char* data, int32_t length, bool progress) {
+  interrupt_requested_ = false;
+  int64_t done = 0;
+  while (done < length) {
+    const int rc = SendData(data + done, static_cast<int32_t>(length - done));
+    if (rc != kOk && rc != kErrWouldBlock) return rc;
+    done += rc == kOk ? length - done : BytesLastSent();
+    if (done >= length) break;
+    if (int stop = WaitCycle(); stop != kOk) return stop;
+    if (progress) {
+      if (int rc2 = OnSendProgress(done); rc2 != kOk) return rc2;
+    }
+  }
+  return kOk;
+}
+
+int TransferChannel::SendChunked(const char* data, int32_t length, int32_t chunk_size) {
+  if (chunk_size <= 0) chunk_size = length;
+  for (int32_t done = 0; done < length;) {
+    const int32_t piece = length - done < chunk_size ? length - done : chunk_size;
+    if (int rc = SendAll(data + done, piece, false); rc != kOk) return rc;
+    done += piece;
+    if (int rc = OnSendProgress(done); rc != kOk) return rc;
+  }
+  return kOk;
+}
+
+}  // namespace orvelan
