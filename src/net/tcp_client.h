@@ -61,6 +61,8 @@ class TcpClient : public SocketCore {
   // The text as set; resolved at once. Reading gives the resolved address.
   // 101 while a socket exists; name-resolution codes 1-4 with their texts.
   const char* RemoteHost();
+  // RemoteHost exactly as set.
+  const char* RemoteHostText() const { return remote_host_.Data(); }
   int SetRemoteHost(const char* host);
   int32_t RemotePort() const { return remote_port_; }
   // 100 while a socket exists.

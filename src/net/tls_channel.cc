@@ -24,6 +24,11 @@ const char* TlsChannel::CodeText(int code) {
   return code_text_.Data();
 }
 
+int TlsChannel::EnableTls(bool on, const char* host) {
+  tls_enabled_ = on;
+  return tls_host_.Assign(host);
+}
+
 int TlsChannel::SendData(const char* data, int32_t length) { return Send(data, length); }
 
 void TlsChannel::OnConnected(int code) {

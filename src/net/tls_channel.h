@@ -21,6 +21,10 @@ class TlsChannel : public TcpClient {
   // Sends through TLS when it is on, else straight to TCP; 0, 11 (partial,
   // see BytesLastSent) or an error code.
   virtual int SendData(const char* data, int32_t length);
+  // Switches TLS on or off for the next connection; `host` is the name the
+  // server's certificate must carry (and the SNI sent).
+  int EnableTls(bool on, const char* host);
+  bool TlsEnabled() const { return tls_enabled_; }
 
   // A server certificate accepted without further checks (DER or PEM bytes).
   int SSLAcceptServerCertEncoded(const char*& data, int32_t& length);
@@ -67,6 +71,8 @@ class TlsChannel : public TcpClient {
   const char* CodeText(int code);
 
   ByteString code_text_;
+  ByteString tls_host_;
+  bool tls_enabled_ = false;
   ByteString accept_server_cert_;
   ByteString cert_encoded_;
   ByteString cert_store_;
