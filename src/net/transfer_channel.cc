@@ -38,7 +38,7 @@ int TransferChannel::SendAll(const char* data, int32_t length, bool progress) {
   while (done < length) {
     const int rc = SendData(data + done, static_cast<int32_t>(length - done));
     if (rc != kOk && rc != kErrWouldBlock) return rc;
-    done += rc == kOk ? length - done : BytesLastSent();
+    done += rc == kOk ? length - done : AcceptedBytes();
     if (done >= length) break;
     if (int stop = WaitCycle(); stop != kOk) return stop;
     if (progress) {
