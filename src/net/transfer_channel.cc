@@ -14,7 +14,8 @@ int TransferChannel::ConnectAndWait() {
   connect_error_ = 0;
   connect_done_ = false;
   connect_error_text_.Clear();
-  SetAcceptData(false);
+  // The TLS handshake needs the TCP layer reading; plaintext waits for it anyway.
+  if (!TlsEnabled()) SetAcceptData(false);
   if (int rc = Connect(true); rc != kOk) return rc;
   while (!connect_done_) {
     if (int rc = WaitCycle(); rc != kOk) {
