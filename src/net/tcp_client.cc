@@ -516,6 +516,12 @@ int TcpClient::ReceiveData(int mode) {
       disconnect_pending_ = false;
       return Disconnect(pending_disconnect_word_);
     }
+    // Without line cutting there is nothing to keep between reads, so bulk
+    // data skips the line buffer and arrives in large pieces.
+    if (!cutting && line_buffer_.Unread() == 0) {
+      if (bulk_ == nullptr) bulk_.reset(new char[kBulkSize]);
+      room = {bulk_.get(), kBulkSize};
+    }
     const ssize_t received = recv(socket_.get(), room.data, room.size, 0);
     if (received < 0) {
       const int error = errno == EWOULDBLOCK ? kErrWouldBlock : errno;
@@ -526,11 +532,15 @@ int TcpClient::ReceiveData(int mode) {
       return error;
     }
     if (received > 0 && !secure_) transcript_.Record(false, std::string_view(room.data, static_cast<size_t>(received)));
-    if (received > 0 && mode == 0) {
+    if (received > 0 && room.data == bulk_.get()) {
+      if (!Deliver(room.data, static_cast<int32_t>(received), false)) return kOk;
+      if (mode == 0) continue;
+    } else if (received > 0 && mode == 0) {
       line_buffer_.Commit(static_cast<uint32_t>(received));
       continue;
+    } else if (received > 0) {
+      line_buffer_.Commit(static_cast<uint32_t>(received));
     }
-    if (received > 0) line_buffer_.Commit(static_cast<uint32_t>(received));
     while (line_buffer_.NextLine(&line)) {
       if (!Deliver(line.data(), static_cast<int32_t>(line.size()), cutting)) return kOk;
     }

@@ -3,6 +3,7 @@
 #include <sys/socket.h>
 
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "base/byte_string.h"
@@ -114,6 +115,8 @@ class TcpClient : public SocketCore {
   void ResetConnection();
 
   LineBuffer line_buffer_{2048};
+  static constexpr uint32_t kBulkSize = 65536;
+  std::unique_ptr<char[]> bulk_;  // receive area while no line end is set
   bool graceful_tls_shutdown_ = false;
 
  private:
