@@ -428,6 +428,17 @@ void HttpClient::OnHeader(std::string_view name, std::string_view value) {
   }
 }
 
+void HttpClient::OnHeadEnd() {
+  // Room for a announced body up front saves copying it while it grows; a
+  // length no real answer has is not trusted with memory.
+  constexpr int64_t kMaxReserve = int64_t{64} << 20;
+  int64_t expected = parser_.ContentLength();
+  if (max_transferred_data_ > 0 && expected > max_transferred_data_) expected = max_transferred_data_;
+  if (expected > 0 && expected <= kMaxReserve && local_file_path_.Length() == 0) {
+    transferred_data_.reserve(static_cast<size_t>(expected));
+  }
+}
+
 void HttpClient::OnBody(std::string_view data, int64_t received, int /*percent*/) {
   bytes_received_ = received;
   if (local_file_path_.Length() > 0 && status_code_ >= 200 && status_code_ <= 299) {

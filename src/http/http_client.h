@@ -74,7 +74,7 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   // HttpResponseSink
   void OnStatus(std::string_view version, int code, std::string_view description) override;
   void OnHeader(std::string_view name, std::string_view value) override;
-  void OnHeadEnd() override {}
+  void OnHeadEnd() override;
   void OnBody(std::string_view data, int64_t received, int percent) override;
   void OnEnd() override;
 
