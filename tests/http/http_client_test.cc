@@ -1,5 +1,6 @@
 #include "http/http_client.h"
 
+#include <dirent.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -302,6 +303,40 @@ TEST(HttpClientTest, ResetForgetsTheRequest) {
   EXPECT_EQ(c.Url().host, "");
   EXPECT_EQ(c.Url().scheme, "http");
   EXPECT_EQ(c.DoAction(HttpClient::kPost), 152);
+}
+
+}  // namespace
+}  // namespace orvelan
+
+namespace orvelan {
+namespace {
+
+int OpenDescriptors() {
+  int count = 0;
+  if (DIR* dir = opendir("/proc/self/fd")) {
+    while (readdir(dir) != nullptr) ++count;
+    closedir(dir);
+  }
+  return count;
+}
+
+TEST(HttpClientTest, ThousandExchangesLeaveNoDescriptorBehind) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\ndone"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);  // the first exchange may open lasting descriptors
+  const int before = OpenDescriptors();
+  for (int i = 0; i < 1000; ++i) {
+    c.SetPostData("ping", 4);
+    ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << i << ": " << c.GetLastError();
+    ASSERT_EQ(c.Body(), "done");
+  }
+  // The server thread closes its end a moment after answering.
+  for (int i = 0; i < 100 && OpenDescriptors() != before; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  EXPECT_EQ(OpenDescriptors(), before);
 }
 
 }  // namespace

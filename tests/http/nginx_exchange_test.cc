@@ -1,4 +1,6 @@
 // Exchanges with a real server: nginx on loopback, plain and TLS.
+#include <dirent.h>
+
 #include <cstdio>
 #include <string>
 
@@ -57,6 +59,15 @@ std::string PemBody(const std::string& pem) {
     at = end + 1;
   }
   return out;
+}
+
+int OpenDescriptors() {
+  int count = 0;
+  if (DIR* dir = opendir("/proc/self/fd")) {
+    while (readdir(dir) != nullptr) ++count;
+    closedir(dir);
+  }
+  return count;
 }
 
 std::string OneLine(std::string text) {
@@ -206,6 +217,19 @@ TEST(NginxExchangeTest, ClientCertificateIsPresented) {
     ASSERT_EQ(c.PostToURL(HttpsUrl(nginx->https_port, "/whoami").c_str()), 0) << c.GetLastError();
     EXPECT_EQ(c.Body(), "CN=Orvelan Client");
   }
+}
+
+TEST(NginxExchangeTest, RepeatedTlsExchangesLeaveNoDescriptorBehind) {
+  ORVELAN_REQUIRE_NGINX(nginx);
+  Client c;
+  c.Set("OpenSSLCAFile=" + TestPki::Get().Path("ca.pem"));
+  const std::string url = HttpsUrl(nginx->https_port, "/ofx");
+  ASSERT_EQ(c.PostToURL(url.c_str()), 0) << c.GetLastError();
+  const int before = OpenDescriptors();
+  for (int i = 0; i < 200; ++i) {
+    ASSERT_EQ(c.PostToURL(url.c_str()), 0) << i << ": " << c.GetLastError();
+  }
+  EXPECT_EQ(OpenDescriptors(), before);
 }
 
 }  // namespace
