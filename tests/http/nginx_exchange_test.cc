@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "http/https_client.h"
+#include "support/loopback_server.h"
 #include "support/nginx_server.h"
 #include "support/recording_events.h"
 #include "support/test_pki.h"
@@ -217,6 +218,31 @@ TEST(NginxExchangeTest, ClientCertificateIsPresented) {
     ASSERT_EQ(c.PostToURL(HttpsUrl(nginx->https_port, "/whoami").c_str()), 0) << c.GetLastError();
     EXPECT_EQ(c.Body(), "CN=Orvelan Client");
   }
+}
+
+// A server that speaks nothing newer than TLS 1.1 is refused during the handshake.
+TEST(NginxExchangeTest, OldProtocolVersionsAreRefused) {
+  const std::string openssl = FindProgram("openssl");
+  const TestPki& pki = TestPki::Get();
+  if (openssl.empty() || !pki.ok()) {
+    if (PeersRequired()) FAIL() << "openssl is required";
+    GTEST_SKIP() << "openssl not available";
+  }
+  const int port = UnusedPort();
+  PeerProcess server({openssl, "s_server", "-www", "-tls1_1", "-cipher", "DEFAULT@SECLEVEL=0", "-cert",
+                      pki.Path("server.pem"), "-key", pki.Path("server.key"), "-accept",
+                      "127.0.0.1:" + std::to_string(port)},
+                     pki.Path("s_server.log"));
+  ASSERT_TRUE(server.Ready({port})) << pki.Read("s_server.log");
+  Client c;
+  c.Set("OpenSSLCAFile=" + pki.Path("ca.pem"));
+  const int rc = c.PostToURL(HttpsUrl(port, "/ofx").c_str());
+  EXPECT_NE(rc, 0);
+  const std::string error = c.GetLastError();
+  EXPECT_EQ(error.rfind("Error in making an SSL Connection\n SSL Library Message:", 0), 0u) << error;
+  EXPECT_NE(error.find("protocol"), std::string::npos) << error;
+  EXPECT_FALSE(c.events.Saw("SSLStatus(Secure channel established.)"));
+  EXPECT_EQ(c.SocketHandle(), -1);
 }
 
 TEST(NginxExchangeTest, RepeatedTlsExchangesLeaveNoDescriptorBehind) {
