@@ -569,6 +569,11 @@ int TlsChannel::MakePlaceholderCertificate() {
   if (X509_gmtime_adj(X509_getm_notAfter(cert.get()), 31536000) == nullptr) {
     return ReportError(287, "Could not set notAfter.");
   }
+  // An unsigned certificate cannot be encoded at all, so the key signs its own
+  // placeholder; nothing checks that signature.
+  if (X509_sign(cert.get(), client_key_.get(), EVP_sha256()) <= 0) {
+    return ReportTlsProblem(false, "Unable to create empty certificate.", 287);
+  }
   client_cert_ = std::move(cert);
   return kOk;
 }
