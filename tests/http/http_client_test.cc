@@ -295,6 +295,34 @@ TEST(HttpClientTest, TransferredRequestRecordsWhatWasSent) {
   EXPECT_EQ(c.Get("TransferredRequest"), canned.Request(0));
 }
 
+TEST(HttpClientTest, CookiesFromServersGoWhenTheHostChangesIfAsked) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nSet-Cookie: SID=1\r\nContent-Length: 0\r\n\r\n"}};
+  LoopbackServer server(canned.Script());
+  for (bool dont_clear : {false, true}) {
+    SCOPED_TRACE(dont_clear);
+    Client c;
+    c.Set(dont_clear ? "DontClearCookiesOnUrlChange=true" : "DontClearCookiesOnUrlChange=false");
+    ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+    c.SetURL(Url(server, "/other").c_str());  // same host and port: kept either way
+    EXPECT_EQ(c.Cookies().cookies().size(), 1u);
+    c.SetURL("http://127.0.0.2:1/");
+    EXPECT_EQ(c.Cookies().cookies().size(), dont_clear ? 0u : 1u);
+  }
+}
+
+TEST(HttpClientTest, EncodedPathAndIPv6HostInTheHead) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  LoopbackServer server(canned.Script(), /*ipv6=*/true);
+  Client c;
+  c.Set("EncodeURL=true");
+  const std::string url = "http://[::1]:" + std::to_string(server.port()) + "/a b?x=1 2";
+  ASSERT_EQ(c.PostToURL(url.c_str()), 0) << c.GetLastError();
+  EXPECT_EQ(canned.Request(0).substr(0, canned.Request(0).find("\r\nUser-Agent")),
+            "POST /a%20b?x=1%202 HTTP/1.1\r\nHost: [::1]:" + std::to_string(server.port()));
+}
+
 TEST(HttpClientTest, ResetForgetsTheRequest) {
   Client c;
   c.SetURL("https://h/x");
