@@ -348,8 +348,10 @@ int HttpClient::Request(const char* method, bool with_body) {
   // whole request at once instead of waiting out a delayed acknowledgement.
   const bool together = body_length <= kSendPiece;
   if (together) head.append(post_data_.Data(), static_cast<size_t>(body_length));
+  if (body_length > 0) FireStartTransfer(0);
   int rc = SendAll(head.data(), static_cast<int32_t>(head.size()), true);
   if (rc == kOk && !together) rc = SendChunked(post_data_.Data(), body_length, kSendPiece);
+  if (body_length > 0) FireEndTransfer(0);
   if (rc != kOk && IsConnected()) {
     // The server may have answered (and closed) before taking the whole body.
     Disconnect(0);
@@ -358,7 +360,10 @@ int HttpClient::Request(const char* method, bool with_body) {
   return EvaluateResponse(WaitForResponse());
 }
 
-int HttpClient::OnSendProgress(int64_t /*bytes_done*/) { return kOk; }
+int HttpClient::OnSendProgress(int64_t bytes_done) {
+  FireTransfer(0, bytes_done, -1, std::string_view());
+  return kOk;
+}
 
 int HttpClient::WaitForResponse() {
   while (!response_complete_ && IsConnected()) {
@@ -409,6 +414,7 @@ void HttpClient::OnStatus(std::string_view version, int code, std::string_view d
   status_description_ = std::string(description);
   status_code_ = code;
   status_line_ = status_version_ + " " + std::to_string(code) + " " + status_description_;
+  FireStatus(status_version_.c_str(), code, status_description_.c_str());
 }
 
 void HttpClient::OnHeader(std::string_view name, std::string_view value) {
@@ -417,10 +423,13 @@ void HttpClient::OnHeader(std::string_view name, std::string_view value) {
   raw_headers_.append(value.data(), value.size());
   raw_headers_ += "\r\n";
   headers_.emplace_back(std::string(name), std::string(value));
+  FireHeader(headers_.back().first.c_str(), headers_.back().second.c_str());
   if (SameNoCase(name, "Content-Type")) {
     response_content_type_.Assign(value);
   } else if (SameNoCase(name, "Set-Cookie")) {
-    cookies_.Add(CookieList::ParseSetCookie(value));
+    const Cookie cookie = CookieList::ParseSetCookie(value);
+    FireSetCookie(cookie);
+    cookies_.Add(cookie);
   } else if (SameNoCase(name, "WWW-Authenticate")) {
     authorization_.Clear();
   } else if (SameNoCase(name, "Proxy-Authenticate")) {
@@ -429,6 +438,7 @@ void HttpClient::OnHeader(std::string_view name, std::string_view value) {
 }
 
 void HttpClient::OnHeadEnd() {
+  FireStartTransfer(1);
   // Room for a announced body up front saves copying it while it grows; a
   // length no real answer has is not trusted with memory.
   constexpr int64_t kMaxReserve = int64_t{64} << 20;
@@ -439,8 +449,9 @@ void HttpClient::OnHeadEnd() {
   }
 }
 
-void HttpClient::OnBody(std::string_view data, int64_t received, int /*percent*/) {
+void HttpClient::OnBody(std::string_view data, int64_t received, int percent) {
   bytes_received_ = received;
+  FireTransfer(1, received, percent, data);
   if (local_file_path_.Length() > 0 && status_code_ >= 200 && status_code_ <= 299) {
     if (!local_file_.IsOpen() && local_file_.Create(local_file_path_.Data()) != kOk) {
       FireError(kErrLocalFile, kTextLocalFile);
@@ -460,6 +471,7 @@ void HttpClient::OnBody(std::string_view data, int64_t received, int /*percent*/
 
 void HttpClient::OnEnd() {
   local_file_.Close();
+  if (!response_complete_) FireEndTransfer(1);
   response_complete_ = true;
   if (!keep_alive_) Disconnect(0);
 }

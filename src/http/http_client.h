@@ -64,6 +64,20 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   // Sets scheme "https" and port 443 as the defaults (HttpsClient).
   void SetDefaults(const char* scheme, int32_t port);
 
+  // Exchange hooks for layers that watch the transfer; the OFX chain leaves
+  // them empty. Direction 0 is outgoing, 1 incoming. `percent` is -1 while the
+  // length is unknown; `bytes` counts every body byte, kept or not.
+  virtual void FireStatus(const char* version, int code, const char* description) {
+    (void)version, (void)code, (void)description;
+  }
+  virtual void FireHeader(const char* name, const char* value) { (void)name, (void)value; }
+  virtual void FireSetCookie(const Cookie& cookie) { (void)cookie; }
+  virtual void FireStartTransfer(int direction) { (void)direction; }
+  virtual void FireTransfer(int direction, int64_t bytes, int percent, std::string_view data) {
+    (void)direction, (void)bytes, (void)percent, (void)data;
+  }
+  virtual void FireEndTransfer(int direction) { (void)direction; }
+
   void FireDataIn(const char* data, int32_t length, bool end_of_line) override;
   void FireDisconnected(int code, const char* description) override;
   int OnSendProgress(int64_t bytes_done) override;

@@ -40,8 +40,22 @@ class Client : public HttpClient {
   RecordingEvents events;
   int nested_rc = -1;
   bool nest = false;
+  std::string hooks;  // one letter per hook: S status, H header, C cookie, < > start/end, T transfer
+  int64_t last_in_bytes = 0;
+  std::vector<int> in_percents;
 
  protected:
+  void FireStatus(const char*, int code, const char*) override { hooks += "S" + std::to_string(code); }
+  void FireHeader(const char*, const char*) override { hooks += "H"; }
+  void FireSetCookie(const Cookie& cookie) override { hooks += "C" + cookie.name; }
+  void FireStartTransfer(int direction) override { hooks += direction == 0 ? "<0" : "<1"; }
+  void FireEndTransfer(int direction) override { hooks += direction == 0 ? ">0" : ">1"; }
+  void FireTransfer(int direction, int64_t bytes, int percent, std::string_view) override {
+    if (direction == 1) {
+      last_in_bytes = bytes;
+      in_percents.push_back(percent);
+    }
+  }
   int OnSendProgress(int64_t done) override {
     if (nest) nested_rc = DoAction(kPost);
     return HttpClient::OnSendProgress(done);
@@ -190,8 +204,12 @@ TEST(HttpClientTest, MaxTransferredDataCutsTheKeptBody) {
   LoopbackServer server(canned.Script());
   Client c;
   c.Set("MaxTransferredData=10");
+  c.SetPostData("x", 1);
   ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
   EXPECT_EQ(c.Body(), "0123456789");
+  EXPECT_EQ(c.last_in_bytes, 25);  // the transfer still counts every byte
+  EXPECT_EQ(c.in_percents.back(), 100);
+  EXPECT_EQ(c.hooks, "<0>0S200H<1>1");
   EXPECT_EQ(c.Get("MaxTransferredData"), "10");
 }
 
@@ -203,6 +221,7 @@ TEST(HttpClientTest, CookiesAreKeptAndSentBack) {
   LoopbackServer server(canned.Script());
   Client c;
   ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+  EXPECT_EQ(c.hooks, "S200HCSIDHCSIDHClangH<1>1");
   ASSERT_EQ(c.Cookies().cookies().size(), 2u);
   ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
   EXPECT_NE(canned.Request(1).find("\r\nCookie: SID=2; lang=en\r\n"), std::string::npos) << canned.Request(1);
