@@ -376,6 +376,42 @@ TEST(TransferChannelTest, ConnectsOverIPv6) {
   EXPECT_EQ(p.received, "six");
 }
 
+TEST(TransferChannelTest, SplitCRLFCutsAtAnyLineEnd) {
+  LoopbackServer server([](int fd) {
+    LoopbackServer::WriteAll(fd, "A\r");
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    LoopbackServer::WriteAll(fd, "\nB\n\rX\r\rY");
+  });
+  Probe p;
+  ASSERT_EQ(Configure(p, "SplitCRLF=true"), 0);
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
+  EXPECT_EQ(p.received, "A|B|X||Y");
+}
+
+TEST(TransferChannelTest, AcceptDataHoldsDeliveryBack) {
+  LoopbackServer server([](int fd) {
+    LoopbackServer::WriteAll(fd, "one\ntwo\n");
+    LoopbackServer::ReadUntil(fd, "never");
+  });
+  Probe p;
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  p.SetEOL("\n");
+  p.SetAcceptData(false);
+  // The lines are there to read; polling must not hand them up.
+  const auto start = std::chrono::steady_clock::now();
+  while (std::chrono::steady_clock::now() - start < std::chrono::milliseconds(60)) p.ProcessEvents(0);
+  EXPECT_EQ(p.received, "");
+  p.SetAcceptData(true);
+  EXPECT_EQ(p.WaitUntil([&] { return p.received.size() >= 8; }), 0);
+  EXPECT_EQ(p.received, "one|two|");
+  p.Disconnect();
+}
+
 TEST(TransferChannelTest, SendWithoutConnectionIs107) {
   Probe p;
   EXPECT_EQ(p.Send("x", 1), 107);
