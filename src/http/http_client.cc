@@ -337,7 +337,7 @@ int HttpClient::Request(const char* method, bool with_body) {
     if (int rc = ConnectAndWait(); rc != kOk) return rc;
   }
   SetEOL("");  // the parser cuts the response itself
-  parser_.Begin(allow_compression_);
+  parser_.Begin(allow_compression_, std::strcmp(method, "HEAD") == 0);
   const int32_t body_length = with_body ? post_data_.Length() : 0;
   std::string head = BuildHead(method, with_body ? body_length : -1);
   if (record_request_) {

@@ -68,7 +68,8 @@ uint64_t ParseChunkSize(std::string_view line) {
 
 HttpResponseParser::HttpResponseParser(HttpResponseSink* sink) : sink_(sink) { lines_.SetMarker("\n"); }
 
-void HttpResponseParser::Begin(bool allow_compression) {
+void HttpResponseParser::Begin(bool allow_compression, bool no_body) {
+  no_body_ = no_body;
   lines_.Clear();
   inflater_.Reset();
   decoded_.clear();
@@ -253,6 +254,10 @@ void HttpResponseParser::ParseHeader(std::string_view line) {
 
 void HttpResponseParser::EndHead() {
   sink_->OnHeadEnd();
+  if (no_body_) {
+    End();
+    return;
+  }
   if (chunked_) {
     state_ = State::kChunkSize;
     return;

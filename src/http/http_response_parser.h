@@ -45,8 +45,9 @@ class HttpResponseParser {
   HttpResponseParser(const HttpResponseParser&) = delete;
   HttpResponseParser& operator=(const HttpResponseParser&) = delete;
 
-  // Starts a new response.
-  void Begin(bool allow_compression);
+  // Starts a new response; `no_body` for the answer to HEAD, whose length
+  // headers describe a body that is not sent.
+  void Begin(bool allow_compression, bool no_body = false);
   int Feed(std::string_view bytes);
   // The connection ended: a body without length is complete.
   void Finish();
@@ -83,6 +84,7 @@ class HttpResponseParser {
   Inflater::Format encoding_ = Inflater::Format::kNone;
   bool allow_compression_ = false;
   bool chunked_ = false;
+  bool no_body_ = false;
 };
 
 }  // namespace orvelan

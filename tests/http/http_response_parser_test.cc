@@ -164,6 +164,15 @@ TEST(HttpResponseParserTest, ProgressCountsDecodedBytesAndWirePercent) {
   EXPECT_EQ(Parse({"HTTP/1.1 200 OK\r\n\r\nab"}).seen.percents, (std::vector<int>{-1}));
 }
 
+TEST(HttpResponseParserTest, AnswerToHeadEndsWithItsHead) {
+  Recorder seen;
+  HttpResponseParser parser(&seen);
+  parser.Begin(false, /*no_body=*/true);
+  EXPECT_EQ(parser.Feed("HTTP/1.1 200 OK\r\nContent-Length: 99\r\n\r\n"), 0);
+  EXPECT_TRUE(parser.IsComplete());
+  EXPECT_EQ(seen.ends, 1);
+}
+
 TEST(HttpResponseParserTest, HeadLineLongerThanBufferIsCut) {
   const std::string long_value(5000, 'v');
   const Outcome o = Parse({"HTTP/1.1 200 OK\r\nX: " + long_value + "\r\nContent-Length: 1\r\n\r\nz"});
