@@ -21,10 +21,11 @@ struct NullSink : orvelan::HttpResponseSink {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size == 0) return 0;
   const size_t step = 1 + data[0] % 64;  // the first byte chooses the piece size
+  const bool no_body = (data[0] & 0x80) != 0;  // and whether the body is expected
   std::string_view wire(reinterpret_cast<const char*>(data) + 1, size - 1);
   NullSink sink;
   orvelan::HttpResponseParser parser(&sink);
-  parser.Begin(true);
+  parser.Begin(true, no_body);
   while (!wire.empty()) {
     const size_t n = wire.size() < step ? wire.size() : step;
     if (parser.Feed(wire.substr(0, n)) != 0) break;
