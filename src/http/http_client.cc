@@ -331,6 +331,7 @@ int HttpClient::Request(const char* method, bool with_body) {
   response_content_type_.Clear();
   bytes_received_ = 0;
   response_error_ = 0;
+  single_line_mode_ = false;
   if (url_.host.empty()) return ReportError(kErrNoServer, kTextNoServer);
   if (int rc = Route(); rc != kOk) return rc;
   if (!IsConnected()) {
