@@ -334,9 +334,14 @@ int HttpClient::Request(const char* method, bool with_body) {
   single_line_mode_ = false;
   if (url_.host.empty()) return ReportError(kErrNoServer, kTextNoServer);
   if (int rc = Route(); rc != kOk) return rc;
+  // A kept connection that the server has closed meanwhile would swallow the
+  // request; one poll notices the close, and a new connection replaces it.
+  if (IsConnected()) PollSocket(0);
   if (!IsConnected()) {
     if (int rc = ConnectAndWait(); rc != kOk) return rc;
   }
+  response_complete_ = false;
+  response_error_ = 0;
   SetEOL("");  // the parser cuts the response itself
   parser_.Begin(allow_compression_, std::strcmp(method, "HEAD") == 0);
   const int32_t body_length = with_body ? post_data_.Length() : 0;

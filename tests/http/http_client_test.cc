@@ -243,6 +243,20 @@ TEST(HttpClientTest, KeepAliveReusesTheConnection) {
   c.Connect(false);
 }
 
+TEST(HttpClientTest, KeptConnectionClosedByTheServerIsReplaced) {
+  Canned canned;  // closes after every answer, although the client keeps alive
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.Set("KeepAlive=true");
+  for (int i = 0; i < 3; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));  // the close reaches us first
+    ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << c.GetLastError();
+    EXPECT_EQ(c.Body(), "ok");
+  }
+  EXPECT_EQ(server.connections(), 3);
+}
+
 TEST(HttpClientTest, RequestsThatCannotStart) {
   Client c;
   EXPECT_EQ(c.DoAction(HttpClient::kPost), 152);
