@@ -12,7 +12,6 @@
 namespace orvelan {
 namespace {
 
-constexpr int32_t kMaxFirewallCredential = 255;
 constexpr uint32_t kMaxLineLength = 65536;
 
 constexpr char kTextRemotePortBusy[] = "You cannot change the RemotePort at this time. A connection is in progress.";
@@ -42,11 +41,6 @@ const char* ResolutionText(int code) {
   }
 }
 
-int AssignCut(ByteString& target, const char* text, int32_t limit) {
-  const size_t length = text == nullptr ? 0 : std::strlen(text);
-  return target.Assign(text, static_cast<int32_t>(length > static_cast<size_t>(limit) ? limit : length));
-}
-
 bool IsZeroIPv4(const sockaddr_storage& address) {
   return address.ss_family != AF_INET6 &&
          (address.ss_family != AF_INET || reinterpret_cast<const sockaddr_in&>(address).sin_addr.s_addr == 0);
@@ -70,12 +64,7 @@ TcpClient::~TcpClient() { ResetConnection(); }
 
 int TcpClient::InitDefaults() {
   SocketCore::InitDefaults();
-  firewall_host_.Clear();
-  firewall_user_.Clear();
-  firewall_password_.Clear();
-  firewall_port_ = 0;
-  firewall_type_ = 0;
-  firewall_auto_detect_ = false;
+  tunnel_.Clear();
   return 1;
 }
 
@@ -111,11 +100,11 @@ int TcpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
     return kOk;
   }
   if (argument.NameIs("FirewallAutoDetect")) {
-    if (query) return ReturnBool(*this, out, firewall_auto_detect_);
+    if (query) return ReturnBool(*this, out, tunnel_.auto_detect());
     return SetFirewallAutoDetect(argument.ValueAsBool());
   }
   if (argument.NameIs("FirewallType")) {
-    if (query) return ReturnConfigValue(out, int64_t{firewall_type_});
+    if (query) return ReturnConfigValue(out, int64_t{tunnel_.type()});
     return SetFirewallType(argument.ValueAsInt());
   }
   if (argument.NameIs("FirewallHost")) {
@@ -123,7 +112,7 @@ int TcpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
     return SetFirewallHost(argument.Value());
   }
   if (argument.NameIs("FirewallPort")) {
-    if (query) return ReturnConfigValue(out, int64_t{firewall_port_});
+    if (query) return ReturnConfigValue(out, int64_t{tunnel_.port()});
     return SetFirewallPort(argument.ValueAsInt());
   }
   if (argument.NameIs("FirewallUser")) {
@@ -142,40 +131,18 @@ int TcpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
 }
 
 int TcpClient::SetFirewallAutoDetect(bool on) {
-  firewall_auto_detect_ = on;
+  tunnel_.SetAutoDetect(on);
   return kOk;
 }
 
 int TcpClient::SetFirewallType(int32_t type) {
-  firewall_type_ = type;
-  switch (type) {
-    case 1:
-    case 4:
-    case 5:
-      firewall_port_ = 80;
-      break;
-    case 2:
-    case 3:
-      firewall_port_ = 1080;
-      break;
-    default:
-      firewall_port_ = 0;
-      break;
-  }
+  tunnel_.SetType(type);
   return kOk;
 }
-
-int TcpClient::SetFirewallHost(const char* host) { return firewall_host_.Assign(host); }
 
 int TcpClient::SetFirewallPort(int32_t port) {
-  firewall_port_ = port;
+  tunnel_.SetPort(port);
   return kOk;
-}
-
-int TcpClient::SetFirewallUser(const char* user) { return AssignCut(firewall_user_, user, kMaxFirewallCredential); }
-
-int TcpClient::SetFirewallPassword(const char* password) {
-  return AssignCut(firewall_password_, password, kMaxFirewallCredential);
 }
 
 int TcpClient::Resolve(const char* host, sockaddr_storage* address, bool remote) {
@@ -223,7 +190,7 @@ int TcpClient::Resolve(const char* host, sockaddr_storage* address, bool remote)
 }
 
 const char* TcpClient::RemoteHost() {
-  if (firewall_type_ != 0) return remote_host_.Data();
+  if (tunnel_.IsSet()) return remote_host_.Data();
   char text[INET6_ADDRSTRLEN] = "";
   if (remote_address_.ss_family == AF_INET6) {
     inet_ntop(AF_INET6, &reinterpret_cast<sockaddr_in6&>(remote_address_).sin6_addr, text, sizeof text);
@@ -238,7 +205,7 @@ int TcpClient::SetRemoteHost(const char* host) {
   SetErrorText("");
   if (socket_.is_valid()) return ReportError(kErrRemoteHostBusy, kTextRemoteHostBusy);
   if (int rc = remote_host_.Assign(host); rc != kOk) return rc;
-  if (firewall_type_ != 0) return kOk;  // the tunnel carries the name
+  if (tunnel_.IsSet()) return kOk;  // the tunnel carries the name
   return Resolve(host, &remote_address_, true);
 }
 
@@ -340,7 +307,7 @@ int TcpClient::Connect(bool on) {
   line_buffer_.Clear();
   // Tunnels are not built yet: the connection goes straight to RemoteHost,
   // but a configured firewall still names itself in the texts.
-  const bool firewall = firewall_type_ != 0;
+  const bool firewall = tunnel_.IsSet();
   if (firewall && remote_host_.Length() > 0) {
     if (int rc = Resolve(remote_host_.Data(), &remote_address_, true); rc != kOk) return rc;
   }

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "base/byte_string.h"
+#include "net/firewall_tunnel.h"
 #include "net/line_buffer.h"
 #include "net/socket_core.h"
 
@@ -16,8 +17,8 @@
 //
 // Layers above override the transport hooks (OnConnected, OnDisconnected,
 // OnDataIn, OnError, OnReadyToSend, OnConnectionStatus) and pass on what they
-// do not handle. The firewall settings are stored here; tunnelling through a
-// firewall is not done yet, so connections always go straight to RemoteHost.
+// do not handle. The firewall settings live in the FirewallTunnel, which does
+// not tunnel yet, so connections always go straight to RemoteHost.
 // Not thread-safe.
 namespace orvelan {
 
@@ -41,23 +42,22 @@ class TcpClient : public SocketCore {
   int HandleConfig(ConfigArgument& argument, const char*& out) override;
   int OnSocketEvent(int message, unsigned long socket, long event_bits) override;
 
-  bool FirewallAutoDetect() const { return firewall_auto_detect_; }
+  // The firewall settings, kept by the tunnel (see FirewallTunnel).
+  bool FirewallAutoDetect() const { return tunnel_.auto_detect(); }
   // Accepted and without effect on this platform.
   int SetFirewallAutoDetect(bool on);
-  int32_t FirewallType() const { return firewall_type_; }
-  // 0 none, 1 HTTP CONNECT, 2 SOCKS 4, 3 SOCKS 5, 4 CONNECT with NTLM,
-  // 5 CONNECT with "Negotiate". Also sets FirewallPort to the type's default
-  // port (80 for 1, 4 and 5; 1080 for 2 and 3; else 0).
+  int32_t FirewallType() const { return tunnel_.type(); }
+  // Also sets FirewallPort to the type's default port.
   int SetFirewallType(int32_t type);
-  const char* FirewallHost() const { return firewall_host_.Data(); }
-  int SetFirewallHost(const char* host);
-  int32_t FirewallPort() const { return firewall_port_; }
+  const char* FirewallHost() const { return tunnel_.host(); }
+  int SetFirewallHost(const char* host) { return tunnel_.SetHost(host); }
+  int32_t FirewallPort() const { return tunnel_.port(); }
   int SetFirewallPort(int32_t port);
   // User and password are cut to 255 bytes.
-  const char* FirewallUser() const { return firewall_user_.Data(); }
-  int SetFirewallUser(const char* user);
-  const char* FirewallPassword() const { return firewall_password_.Data(); }
-  int SetFirewallPassword(const char* password);
+  const char* FirewallUser() const { return tunnel_.user(); }
+  int SetFirewallUser(const char* user) { return tunnel_.SetUser(user); }
+  const char* FirewallPassword() const { return tunnel_.password(); }
+  int SetFirewallPassword(const char* password) { return tunnel_.SetPassword(password); }
 
   // The text as set; resolved at once. Reading gives the resolved address.
   // 101 while a socket exists; name-resolution codes 1-4 with their texts.
@@ -122,24 +122,19 @@ class TcpClient : public SocketCore {
  private:
   int Resolve(const char* host, sockaddr_storage* address, bool remote);
   bool Deliver(const char* data, int32_t length, bool end_of_line);
-  bool MayDeliver() const { return accept_data_ && !interrupt_requested_; }
+  bool MayDeliver() const { return (accept_data_ || tunnel_.Negotiating()) && !interrupt_requested_; }
   int ApplyOptions();
 
-  ByteString firewall_host_;
-  ByteString firewall_user_;
-  ByteString firewall_password_;
+  FirewallTunnel tunnel_;
   ByteString remote_host_;
   ByteString local_host_;
   ByteString address_text_;  // what RemoteHost/LocalHost return
   sockaddr_storage remote_address_{};
   sockaddr_storage local_address_{};
-  int32_t firewall_port_ = 0;
-  int32_t firewall_type_ = 0;
   int32_t remote_port_ = 0;
   int32_t local_port_ = 0;
   int32_t bytes_last_sent_ = 0;
   long pending_disconnect_word_ = 0;
-  bool firewall_auto_detect_ = false;
   bool connected_ = false;
   bool accept_data_ = true;
   bool in_receive_ = false;
