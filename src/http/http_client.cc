@@ -350,6 +350,10 @@ int HttpClient::Request(const char* method, bool with_body) {
     recorded_request_ = head;
     recorded_request_.append(post_data_.Data(), static_cast<size_t>(body_length));
   }
+  if (debug_trace_) {
+    FireTransfer(0, static_cast<int64_t>(head.size()), -1, head);
+    if (body_length > 0) FireTransfer(0, body_length, -1, post_data_.View());
+  }
   // A small body goes out with the head in one send, so the server sees the
   // whole request at once instead of waiting out a delayed acknowledgement.
   const bool together = body_length <= kSendPiece;

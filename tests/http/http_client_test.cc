@@ -42,6 +42,7 @@ class Client : public HttpClient {
   bool nest = false;
   std::string hooks;  // one letter per hook: S status, H header, C cookie, < > start/end, T transfer
   int64_t last_in_bytes = 0;
+  std::string traced;  // outgoing data handed to FireTransfer
   std::vector<int> in_percents;
 
  protected:
@@ -50,7 +51,8 @@ class Client : public HttpClient {
   void FireSetCookie(const Cookie& cookie) override { hooks += "C" + cookie.name; }
   void FireStartTransfer(int direction) override { hooks += direction == 0 ? "<0" : "<1"; }
   void FireEndTransfer(int direction) override { hooks += direction == 0 ? ">0" : ">1"; }
-  void FireTransfer(int direction, int64_t bytes, int percent, std::string_view) override {
+  void FireTransfer(int direction, int64_t bytes, int percent, std::string_view data) override {
+    if (direction == 0) traced.append(data.data(), data.size());
     if (direction == 1) {
       last_in_bytes = bytes;
       in_percents.push_back(percent);
@@ -323,9 +325,11 @@ TEST(HttpClientTest, TransferredRequestRecordsWhatWasSent) {
   LoopbackServer server(canned.Script());
   Client c;
   c.Set("TransferredRequest=ON");
+  c.Set("DebugTrace=true");
   c.SetPostData("abc", 3);
   ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
   EXPECT_EQ(c.Get("TransferredRequest"), canned.Request(0));
+  EXPECT_EQ(c.traced, canned.Request(0));
 }
 
 TEST(HttpClientTest, CookiesFromServersGoWhenTheHostChangesIfAsked) {
