@@ -412,6 +412,30 @@ TEST(TransferChannelTest, AcceptDataHoldsDeliveryBack) {
   p.Disconnect();
 }
 
+TEST(TransferChannelTest, PartialSendIs11AndWaitsForWritable) {
+  // Even a reading server cannot take 4 MB through a 4 KB send buffer at once.
+  LoopbackServer server([](int fd) {
+    char buffer[65536];
+    while (::read(fd, buffer, sizeof buffer) > 0) {
+    }
+  });
+  Probe p;
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(Configure(p, "OutBufferSize=4096"), 0);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  const std::string big(4 << 20, 'z');
+  EXPECT_EQ(p.Send(big.data(), static_cast<int32_t>(big.size())), 11);
+  EXPECT_GT(p.BytesLastSent(), 0);
+  EXPECT_LT(p.BytesLastSent(), static_cast<int32_t>(big.size()));
+  // The armed write event lets the rest go out through the wait loop, promptly.
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(p.SendAll(big.data() + p.BytesLastSent(), static_cast<int32_t>(big.size()) - p.BytesLastSent(), false),
+            0);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
+  p.Disconnect();
+}
+
 TEST(TransferChannelTest, SendWithoutConnectionIs107) {
   Probe p;
   EXPECT_EQ(p.Send("x", 1), 107);
