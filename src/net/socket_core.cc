@@ -1,21 +1,52 @@
 #include "net/socket_core.h"
 
+#include <fcntl.h>
+#include <sys/select.h>
+#include <sys/socket.h>
+#include <time.h>
+
+#include <cerrno>
+#include <csignal>
+
 #include "core/error_text_table.h"
 
 namespace orvelan {
+namespace {
+
+int ReturnBool(ComponentCore& core, const char*& out, bool value) {
+  return core.ReturnConfigValue(out, value ? "True" : "False");
+}
+
+}  // namespace
+
+SocketCore::SocketCore() {
+  // A send on a dead connection must return EPIPE, not end the host process.
+  std::signal(SIGPIPE, SIG_IGN);
+}
+
+SocketCore::~SocketCore() {
+  if (watched_ && external_event_loop_) FireUnwatchSocket(host_registration_);
+}
 
 int SocketCore::InitDefaults() {
   ComponentCore::InitDefaults();
   timeout_ms_ = 0;
   timeout_in_milliseconds_ = false;
   external_event_loop_ = false;
+  select_wait_ms_ = 20;
+  in_buffer_size_ = 65536;
+  out_buffer_size_ = 65536;
+  use_ipv6_ = false;
+  absolute_timeout_ = false;
+  ignore_external_events_ = false;
+  transcript_path_.Clear();
   return 1;
 }
 
 int SocketCore::FillDefaultErrorText(int code) {
   if (code == kOk) return code;
   if (code == kErrTimeout) {
-    SetErrorText(kTextInterrupted);
+    if (HasNoErrorText()) SetErrorText(kTextInterrupted);
   } else if (code == kErrOutOfMemory) {
     SetErrorText(kTextOutOfMemory);
   } else if (HasNoErrorText()) {
@@ -26,6 +57,67 @@ int SocketCore::FillDefaultErrorText(int code) {
   return code;
 }
 
+int SocketCore::HandleConfig(ConfigArgument& argument, const char*& out) {
+  const bool query = argument.IsQuery();
+  if (argument.NameIs("SelectWaitMillis")) {
+    if (query) return ReturnConfigValue(out, select_wait_ms_);
+    select_wait_ms_ = argument.ValueAsInt();
+    return kOk;
+  }
+  if (argument.NameIs("AbsoluteTimeout")) {
+    if (query) return ReturnBool(*this, out, absolute_timeout_);
+    absolute_timeout_ = argument.ValueAsBool();
+    return kOk;
+  }
+  if (argument.NameIs("TimeoutInMilliseconds")) {
+    if (query) return ReturnBool(*this, out, timeout_in_milliseconds_);
+    // The number stays and changes its unit: Timeout 60 becomes 60 ms.
+    const int32_t number = Timeout();
+    timeout_in_milliseconds_ = argument.ValueAsBool();
+    return SetTimeout(number);
+  }
+  if (argument.NameIs("WinsockStatus")) {
+    if (query) return ReturnConfigValue(out, int64_t{0});
+    return kOk;
+  }
+  if (argument.NameIs("IgnoreExternalEvents")) {
+    if (query) return ReturnBool(*this, out, ignore_external_events_);
+    ignore_external_events_ = argument.ValueAsBool();
+    return kOk;
+  }
+  if (argument.NameIs("UseIPv6")) {
+    if (query) return ReturnBool(*this, out, use_ipv6_);
+    use_ipv6_ = argument.ValueAsBool();
+    return kOk;
+  }
+  if (argument.NameIs("RecordToFile")) {
+    if (query) return ReturnConfigValue(out, transcript_path_.Data());
+    return transcript_path_.Assign(argument.Value());
+  }
+  for (int64_t* size : {&in_buffer_size_, &out_buffer_size_}) {
+    const bool is_in = size == &in_buffer_size_;
+    if (!argument.NameIs(is_in ? "InBufferSize" : "OutBufferSize")) continue;
+    if (query) return ReturnConfigValue(out, *size);
+    *size = argument.ValueAsInt();
+    if (*size == 0 || !socket_.is_valid()) return kOk;
+    const int value = static_cast<int>(*size);
+    if (setsockopt(socket_.get(), SOL_SOCKET, is_in ? SO_RCVBUF : SO_SNDBUF, &value, sizeof value) != 0) return errno;
+    return kOk;
+  }
+  if (argument.NameIs("KerberosSPN")) {
+    if (query) return ReturnConfigValue(out, kerberos_spn_.Data());
+    return kerberos_spn_.Assign(argument.Value());
+  }
+  if (argument.NameIs("UseSystemSSPI")) {
+    if (query) return ReturnBool(*this, out, use_system_sspi_);
+    use_system_sspi_ = argument.ValueAsBool();
+    return kOk;
+  }
+  return ComponentCore::HandleConfig(argument, out);
+}
+
+int SocketCore::ProcessEvents(long /*timeout_ms*/) { return PollSocket(0); }
+
 int32_t SocketCore::Timeout() const {
   return static_cast<int32_t>(timeout_in_milliseconds_ ? timeout_ms_ : timeout_ms_ / 1000);
 }
@@ -35,6 +127,127 @@ int SocketCore::SetTimeout(int32_t value) {
   const int64_t ms = timeout_in_milliseconds_ ? int64_t{value} : int64_t{value} * 1000;
   timeout_ms_ = static_cast<uint32_t>(ms > int64_t{UINT32_MAX} ? int64_t{UINT32_MAX} : ms);
   return kOk;
+}
+
+void SocketCore::Interrupt() {
+  interrupt_requested_ = true;
+  interrupted_ = false;
+}
+
+uint64_t SocketCore::NowMs() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<uint64_t>(now.tv_sec) * 1000 + static_cast<uint64_t>(now.tv_nsec) / 1000000;
+}
+
+void SocketCore::StartDeadline() { deadline_ms_ = timeout_ms_ == 0 ? 0 : NowMs() + timeout_ms_; }
+
+bool SocketCore::DeadlinePassed() const { return deadline_ms_ != 0 && NowMs() >= deadline_ms_; }
+
+int SocketCore::Stop(const char* text) {
+  SetErrorText(text);
+  return kErrTimeout;
+}
+
+int SocketCore::WaitCycle() {
+  if (interrupt_requested_) {
+    interrupt_requested_ = false;
+    interrupted_ = true;
+    return Stop(kTextInterrupted);
+  }
+  if (external_event_loop_) {
+    PollSocket(0);
+    long wait_ms = select_wait_ms_;
+    FireWaitForEvents(wait_ms);
+    if (wait_ms == -1) {
+      interrupt_requested_ = true;
+    } else {
+      PollSocket(wait_ms);
+    }
+  } else {
+    PollSocket(select_wait_ms_);
+  }
+  if (interrupt_requested_) {
+    interrupt_requested_ = false;
+    interrupted_ = true;
+    return Stop(kTextInterrupted);
+  }
+  if (DeadlinePassed()) return Stop(kTextTimeout);
+  return kOk;
+}
+
+int SocketCore::WatchSocket(uint32_t mask) {
+  if (mask != 0 && socket_.is_valid()) {
+    const int flags = fcntl(socket_.get(), F_GETFL, 0);
+    if (flags < 0 || fcntl(socket_.get(), F_SETFL, flags | O_NONBLOCK) != 0) return errno;
+  }
+  SetEventMask(mask);
+  return kOk;
+}
+
+void SocketCore::SetEventMask(uint32_t mask) {
+  if (mask == event_mask_ && (mask != 0) == watched_) return;
+  event_mask_ = mask;
+  if (!external_event_loop_) {
+    watched_ = mask != 0;
+    return;
+  }
+  if (watched_) FireUnwatchSocket(host_registration_);
+  watched_ = false;
+  if (mask != 0 && socket_.is_valid()) {
+    FireWatchSocket(socket_.get(), static_cast<long>(mask), host_registration_);
+    watched_ = true;
+  }
+}
+
+int SocketCore::PollSocket(long timeout_ms) {
+  const int fd = socket_.get();
+  if (fd < 0 || event_mask_ == 0) return 0;
+  if (pending_read_) {
+    pending_read_ = false;
+    OnSocketEvent(kSocketMessage, static_cast<unsigned long>(fd), kEventRead);
+    return 0;
+  }
+  fd_set read_set;
+  fd_set write_set;
+  fd_set except_set;
+  FD_ZERO(&read_set);
+  FD_ZERO(&write_set);
+  FD_ZERO(&except_set);
+  FD_SET(fd, &read_set);
+  FD_SET(fd, &except_set);
+  const bool want_write = (event_mask_ & (kEventWrite | kEventConnect)) != 0;
+  if (want_write) FD_SET(fd, &write_set);
+  if (timeout_ms < 0) timeout_ms = 0;
+  timeval wait{timeout_ms / 1000, static_cast<suseconds_t>((timeout_ms % 1000) * 1000)};
+  const int ready = select(fd + 1, &read_set, want_write ? &write_set : nullptr, &except_set, &wait);
+  if (ready < 0) {
+    if (errno == EINTR) return 0;
+    if (event_mask_ & kEventClose) {
+      OnSocketEvent(kSocketMessage, static_cast<unsigned long>(fd), kEventClose | (errno << 16));
+    }
+    return ready;
+  }
+  if (ready == 0) return 0;
+  if ((event_mask_ & kEventConnect) &&
+      (FD_ISSET(fd, &except_set) || FD_ISSET(fd, &write_set) || FD_ISSET(fd, &read_set))) {
+    // Linux reports a failed connect as readable and writable; SO_ERROR says which.
+    int error = 0;
+    socklen_t length = sizeof error;
+    if (getsockopt(fd, SOL_SOCKET, SO_ERROR, &error, &length) != 0) error = errno;
+    RemoveEvents(kEventConnect);
+    OnSocketEvent(kSocketMessage, static_cast<unsigned long>(fd), kEventConnect | (error << 16));
+    if (error != 0 || socket_.get() != fd) return ready;
+  }
+  if (FD_ISSET(fd, &write_set) && (event_mask_ & kEventWrite)) {
+    RemoveEvents(kEventWrite);
+    OnSocketEvent(kSocketMessage, static_cast<unsigned long>(fd), kEventWrite);
+    if (socket_.get() != fd) return ready;
+  }
+  if (FD_ISSET(fd, &read_set) && socket_.get() == fd) {
+    OnSocketEvent(kSocketMessage, static_cast<unsigned long>(fd), kEventRead);
+  }
+  return ready;
 }
 
 }  // namespace orvelan

@@ -1,7 +1,21 @@
 #include "net/tls_channel.h"
 
+#include <openssl/err.h>
+#include <openssl/pem.h>
+#include <openssl/rand.h>
+#include <openssl/x509v3.h>
+#include <sys/socket.h>
+
+#include <cstdio>
+#include <cstring>
+#include <mutex>
+
+#include "core/error_text_table.h"
+
 namespace orvelan {
 namespace {
+
+constexpr int kReadBlock = 16384;
 
 int Expose(const ByteString& bytes, const char*& data, int32_t& length) {
   data = bytes.Data();
@@ -9,7 +23,90 @@ int Expose(const ByteString& bytes, const char*& data, int32_t& length) {
   return kOk;
 }
 
+// The base64 body of a certificate's PEM form, one line, for comparing.
+std::string Normalized(std::string_view text) {
+  std::string out;
+  size_t at = 0;
+  while (at < text.size()) {
+    size_t end = text.find('\n', at);
+    if (end == std::string_view::npos) end = text.size();
+    std::string_view line = text.substr(at, end - at);
+    if (line.substr(0, 5) != "-----") {
+      for (char c : line) {
+        if (c != '\r' && c != ' ' && c != '\t') out += c;
+      }
+    }
+    at = end + 1;
+  }
+  return out;
+}
+
+// PEM of `cert` without its armour lines, as the host sees certificates.
+bool EncodeCertificate(X509* cert, ByteString* out) {
+  BioPtr bio(BIO_new(BIO_s_mem()));
+  if (bio == nullptr || PEM_write_bio_X509(bio.get(), cert) != 1) return false;
+  char* data = nullptr;
+  const long length = BIO_get_mem_data(bio.get(), &data);
+  std::string_view pem(data, static_cast<size_t>(length));
+  constexpr std::string_view kBegin = "-----BEGIN CERTIFICATE-----\n";
+  constexpr std::string_view kEnd = "\n-----END CERTIFICATE-----";
+  if (pem.substr(0, kBegin.size()) == kBegin) pem.remove_prefix(kBegin.size());
+  const size_t end = pem.find(kEnd);
+  if (end != std::string_view::npos) pem = pem.substr(0, end);
+  return out->Assign(pem) == kOk;
+}
+
+std::string OneLine(X509_NAME* name) {
+  char text[4096] = "";
+  if (name != nullptr) X509_NAME_oneline(name, text, sizeof text);
+  return text;
+}
+
+int PasswordCallback(char* buffer, int size, int /*rwflag*/, void* password) {
+  const char* text = static_cast<const char*>(password);
+  const int length = static_cast<int>(std::strlen(text));
+  if (length > size) return 0;
+  std::memcpy(buffer, text, static_cast<size_t>(length));
+  return length;
+}
+
+void InitialiseOpenSsl() {
+  static std::once_flag once;
+  std::call_once(once, [] {
+    OPENSSL_init_ssl(OPENSSL_INIT_LOAD_SSL_STRINGS | OPENSSL_INIT_LOAD_CRYPTO_STRINGS, nullptr);
+    OPENSSL_init_crypto(OPENSSL_INIT_ADD_ALL_CIPHERS | OPENSSL_INIT_ADD_ALL_DIGESTS, nullptr);
+    TlsSession::AppDataIndex();
+  });
+}
+
+bool TakeSeedingChance() {
+  static std::once_flag once;
+  bool first = false;
+  std::call_once(once, [&first] { first = true; });
+  return first;
+}
+
 }  // namespace
+
+// Lets the handshake continue whatever the chain says: the decision is taken
+// afterwards, where the host can overrule it.
+int VerifyCallback(int preverify_ok, X509_STORE_CTX* store) {
+  if (preverify_ok) return 1;
+  SSL* ssl = static_cast<SSL*>(X509_STORE_CTX_get_ex_data(store, SSL_get_ex_data_X509_STORE_CTX_idx()));
+  auto* owner = ssl == nullptr ? nullptr : static_cast<TlsChannel*>(SSL_get_ex_data(ssl, TlsSession::AppDataIndex()));
+  if (owner == nullptr) return 1;
+  ByteString encoded;
+  X509* cert = X509_STORE_CTX_get_current_cert(store);
+  const bool is_accepted = owner->accept_server_cert_.Length() > 0 && cert != nullptr &&
+                           EncodeCertificate(cert, &encoded) &&
+                           Normalized(encoded.View()) == Normalized(owner->accept_server_cert_.View());
+  if (!is_accepted) owner->verify_ok_ = false;
+  return 1;
+}
+
+TlsChannel::TlsChannel() { InitialiseOpenSsl(); }
+
+TlsChannel::~TlsChannel() = default;
 
 int TlsChannel::InitDefaults() {
   TcpClient::InitDefaults();
@@ -23,6 +120,304 @@ int TlsChannel::InitDefaults() {
   return 1;
 }
 
+int TlsChannel::HandleConfig(ConfigArgument& argument, const char*& out) {
+  struct TextSetting {
+    const char* name;
+    ByteString* value;
+    const char* warning;
+  };
+  const TextSetting settings[] = {
+      {"OpenSSLCAFile", &ca_file_, "SSL could not load verification file."},
+      {"OpenSSLCADir", &ca_dir_, "SSL could not load verification directory."},
+      {"OpenSSLCipherList", &cipher_list_, "SSL could not load cipher list."},
+  };
+  for (const TextSetting& s : settings) {
+    if (!argument.NameIs(s.name)) continue;
+    if (argument.IsQuery()) return ReturnConfigValue(out, s.value->Data());
+    if (int rc = s.value->Assign(argument.Value()); rc != kOk) return rc;
+    if (ctx_ == nullptr || s.value->Length() == 0) return kOk;
+    ERR_clear_error();
+    int ok;
+    if (s.value == &ca_file_) {
+      ok = SSL_CTX_load_verify_locations(ctx_.get(), ca_file_.Data(), nullptr);
+    } else if (s.value == &ca_dir_) {
+      ok = SSL_CTX_load_verify_locations(ctx_.get(), nullptr, ca_dir_.Data());
+    } else {
+      ok = SSL_CTX_set_cipher_list(ctx_.get(), cipher_list_.Data());
+    }
+    return ok == 1 ? kOk : ReportTlsProblem(false, s.warning, kErrTlsSetup);
+  }
+  if (argument.NameIs("OpenSSLPrngSeedData")) {
+    if (argument.IsQuery()) return ReturnConfigValue(out, prng_seed_.Data());
+    if (int rc = prng_seed_.Assign(argument.Value()); rc != kOk) return rc;
+    if (TakeSeedingChance() && prng_seed_.Length() > 0) RAND_seed(prng_seed_.Data(), prng_seed_.Length());
+    return kOk;
+  }
+  return TcpClient::HandleConfig(argument, out);
+}
+
+const char* TlsChannel::CodeText(int code) {
+  if (code == 0) return "OK";
+  if (code == kErrTunnel || code == kErrCertRejected) return GetLastError();
+  code_text_.Assign("[");
+  code_text_.AppendInt(code);
+  code_text_.Append("] ");
+  const char* text = SystemErrorText(code);
+  code_text_.Append(text != nullptr ? text : kTextNoDescription);
+  return code_text_.Data();
+}
+
+int TlsChannel::ReportTlsProblem(bool fatal, const char* message, int code) {
+  std::string text(message, strnlen(message, 2048));
+  unsigned long last = 0;
+  while (unsigned long e = ERR_get_error()) {
+    char line[256];
+    ERR_error_string_n(e, line, sizeof line);
+    text += "\n SSL Library Message:";
+    text += line;
+    last = e;
+  }
+  if (code == 287) code = last != 0 ? static_cast<int>(last) : errno;
+  if (fatal) {
+    FireError(code, text.c_str());
+  }
+  SetErrorText(text.c_str());
+  return code;
+}
+
+int TlsChannel::EnsureContext() {
+  if (ctx_ != nullptr) return kOk;
+  if (TakeSeedingChance() && prng_seed_.Length() > 0) RAND_seed(prng_seed_.Data(), prng_seed_.Length());
+  ERR_clear_error();
+  SslCtxPtr ctx(SSL_CTX_new(TLS_client_method()));
+  if (ctx == nullptr) return ReportTlsProblem(true, "Cannot enable SSL", kErrTlsSetup);
+  SSL_CTX_set_min_proto_version(ctx.get(), TLS1_2_VERSION);
+  if (SSL_CTX_set_default_verify_paths(ctx.get()) != 1) {
+    ReportTlsProblem(false, "SSL unable to set default verify paths.", kErrTlsSetup);
+  }
+  if (ca_file_.Length() > 0 && SSL_CTX_load_verify_locations(ctx.get(), ca_file_.Data(), nullptr) != 1) {
+    ReportTlsProblem(false, "SSL unable to load verify file location.", kErrTlsSetup);
+  }
+  if (ca_dir_.Length() > 0 && SSL_CTX_load_verify_locations(ctx.get(), nullptr, ca_dir_.Data()) != 1) {
+    ReportTlsProblem(false, "SSL unable to load verify directory location.", kErrTlsSetup);
+  }
+  SSL_CTX_set_verify(ctx.get(), SSL_VERIFY_PEER, VerifyCallback);
+  SSL_CTX_set_options(ctx.get(), SSL_OP_ALL);
+  if (cipher_list_.Length() > 0 && SSL_CTX_set_cipher_list(ctx.get(), cipher_list_.Data()) != 1) {
+    ReportTlsProblem(false, "SSL unable to load the cipher list.", kErrTlsSetup);
+  }
+  ctx_ = std::move(ctx);
+  return kOk;
+}
+
+int TlsChannel::EnableTls(bool on, const char* host) {
+  tls_enabled_ = on;
+  secure_ = on;
+  if (on) {
+    if (int rc = EnsureContext(); rc != kOk) return rc;
+  }
+  return tls_host_.Assign(host);
+}
+
+int TlsChannel::SendData(const char* data, int32_t length) {
+  if (!tls_enabled_) return Send(data, length);
+  tls_accepted_ = 0;
+  if (!session_.IsOpen() || handshake_pending_) {
+    errno = kErrNotConnected;
+    return kErrNotConnected;
+  }
+  // Earlier records still waiting hold the new data back.
+  if (int rc = FlushOutgoing(); rc != kOk) return rc;
+  if (length <= 0) return kOk;
+  const int result = session_.Write(std::string_view(data, static_cast<size_t>(length)));
+  if (result == TlsSession::kFailed) {
+    const int code = ReportTlsProblem(true, "Error in writing to SSL Connection", 287);
+    AbortTls(code, GetLastError());
+    return code;
+  }
+  tls_accepted_ = length;
+  char status[64];
+  std::snprintf(status, sizeof status, "Wrote %d bytes over the SSL connection.", length);
+  FireSSLStatus(status);
+  const int rc = FlushOutgoing();
+  return rc == kErrWouldBlock ? kOk : rc;  // the data was taken; the records follow on write readiness
+}
+
+int TlsChannel::FlushOutgoing() {
+  std::string& out = session_.Outgoing();
+  while (!out.empty()) {
+    const int rc = Send(out.data(), static_cast<int32_t>(out.size()));
+    if (rc == kOk) {
+      out.clear();
+      break;
+    }
+    if (rc == kErrWouldBlock) {
+      out.erase(0, static_cast<size_t>(BytesLastSent()));
+      return kErrWouldBlock;
+    }
+    return rc;
+  }
+  return kOk;
+}
+
+void TlsChannel::OnConnected(int code) {
+  if (code != 0) {
+    OnConnectionStatus("Remote host connection failed.", code);
+    FireConnected(code, CodeText(code));
+    return;
+  }
+  OnConnectionStatus("Remote host connection complete. Initiating SSL handshake.", 0);
+  if (!tls_enabled_) {
+    FireConnected(0, "OK");
+    return;
+  }
+  FireSSLStatus("Socket connection established.");
+  verify_ok_ = true;
+  server_cert_.Clear();
+  ERR_clear_error();
+  if (EnsureContext() != kOk ||
+      !session_.Start(ctx_.get(), tls_host_.Data(), this, client_cert_selected_ ? client_cert_.get() : nullptr,
+                      client_cert_selected_ ? client_key_.get() : nullptr)) {
+    const int rc = ReportTlsProblem(true, "SSL unable to connect", kErrTlsSetup);
+    AbortTls(rc, GetLastError());
+    return;
+  }
+  handshake_pending_ = true;
+  FireSSLStatus("Starting to establish secure channel.");
+  ContinueHandshake();
+}
+
+void TlsChannel::ContinueHandshake() {
+  const int result = session_.Handshake();
+  FlushOutgoing();
+  if (result == TlsSession::kWantMore) return;
+  if (result != TlsSession::kDone) {
+    const int code = result == TlsSession::kClosed
+                         ? ReportTlsProblem(true, "Error in making an SSL Connection", kErrTlsSetup)
+                         : ReportTlsProblem(true, "Error in making an SSL Connection", 287);
+    AbortTls(code, GetLastError());
+    return;
+  }
+  handshake_pending_ = false;
+  FireSSLStatus("Secure channel established.");
+  if (!CheckServerCertificate()) {
+    FireSSLStatus("Server certificate verification failed. Aborting connection...");
+    SetErrorText("Server certificate verification failed. Connection aborted.");
+    AbortTls(kErrCertRejected, GetLastError());
+    return;
+  }
+  FireSSLStatus("SSL connection established.");
+  FireConnected(0, "OK");
+  ReadPlaintext();  // application data may have come with the last handshake records
+}
+
+bool TlsChannel::CheckServerCertificate() {
+  status_text_ = "NOT OK";
+  X509Ptr cert(SSL_get1_peer_certificate(session_.ssl()));
+  int accept = 0;
+  if (cert == nullptr) {
+    status_text_ = "Server presented no certificate.";
+    FireSSLServerAuthentication("", 0, "", "", status_text_.c_str(), accept);
+    return accept != 0;
+  }
+  if (!EncodeCertificate(cert.get(), &server_cert_)) {
+    FireError(kErrTlsSetup,
+              "The server presented a certificate, which could not be encoded.It will NOT be available through a "
+              "call to GetSSLServerCert.");
+  }
+  const bool is_accepted = accept_server_cert_.Length() > 0 &&
+                           Normalized(server_cert_.View()) == Normalized(accept_server_cert_.View());
+  const std::string issuer = OneLine(X509_get_issuer_name(cert.get()));
+  const std::string subject = OneLine(X509_get_subject_name(cert.get()));
+  const long verify = SSL_get_verify_result(session_.ssl());
+  if (is_accepted) {
+    status_text_ = "OK";
+    accept = 1;
+  } else if (verify != X509_V_OK || !verify_ok_) {
+    status_text_ = X509_verify_cert_error_string(verify);
+  } else {
+    status_text_ = "OK";
+    accept = 1;
+  }
+  FireSSLServerAuthentication(server_cert_.Data(), server_cert_.Length(), subject.c_str(), issuer.c_str(),
+                              status_text_.c_str(), accept);
+  return accept != 0;
+}
+
+void TlsChannel::AbortTls(int code, const char* text) {
+  const std::string description(text);
+  const bool was_handshaking = handshake_pending_ || code == kErrCertRejected;
+  handshake_pending_ = false;
+  session_.Close();
+  FireSSLStatus("SSL connection closed.");
+  if (was_handshaking) FireConnected(code, description.c_str());
+  SetErrorText(description.c_str());
+  Disconnect(0);
+}
+
+void TlsChannel::OnDataIn(const char* data, int32_t length, bool end_of_line) {
+  if (!tls_enabled_ || !session_.IsOpen()) {
+    if (!tls_enabled_) FireDataIn(data, length, end_of_line);
+    return;
+  }
+  session_.Feed(std::string_view(data, static_cast<size_t>(length)));
+  if (handshake_pending_) {
+    ContinueHandshake();
+    return;
+  }
+  ReadPlaintext();
+}
+
+void TlsChannel::ReadPlaintext() {
+  char block[kReadBlock];
+  while (session_.IsOpen() && !handshake_pending_) {
+    int read = 0;
+    const int result = session_.Read(block, sizeof block, &read);
+    if (result == TlsSession::kDone) {
+      char status[64];
+      std::snprintf(status, sizeof status, "Read %d bytes over the SSL connection.", read);
+      FireSSLStatus(status);
+      FireDataIn(block, read, false);
+      continue;
+    }
+    FlushOutgoing();
+    if (result == TlsSession::kWantMore) return;
+    if (result == TlsSession::kClosed) {
+      // close_notify: the peer is done; the TCP close follows.
+      Disconnect(0);
+      return;
+    }
+    const int code = ReportTlsProblem(true, "Error in reading from SSL Connection", 287);
+    AbortTls(code, GetLastError());
+    return;
+  }
+}
+
+void TlsChannel::OnReadyToSend() {
+  if (tls_enabled_ && session_.IsOpen()) {
+    if (FlushOutgoing() != kOk) return;
+    if (handshake_pending_) return;
+  }
+  FireReadyToSend();
+}
+
+void TlsChannel::OnDisconnected(int code) {
+  OnConnectionStatus("Remote host disconnected.", code);
+  if (session_.IsOpen()) {
+    // Best effort close_notify: the socket is about to close.
+    session_.Shutdown();
+    const std::string& out = session_.Outgoing();
+    if (!out.empty() && socket_.is_valid()) {
+      [[maybe_unused]] ssize_t ignored = send(socket_.get(), out.data(), out.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+    }
+    FireSSLStatus("Closing SSL connection.");
+    session_.Close();
+    FireSSLStatus("SSL connection closed.");
+  }
+  handshake_pending_ = false;
+  FireDisconnected(code, CodeText(code));
+}
+
 int TlsChannel::SSLAcceptServerCertEncoded(const char*& data, int32_t& length) {
   return Expose(accept_server_cert_, data, length);
 }
@@ -33,17 +428,153 @@ int TlsChannel::SetSSLAcceptServerCertEncoded(const char* data, int32_t length) 
 
 int TlsChannel::SSLCertEncoded(const char*& data, int32_t& length) { return Expose(cert_encoded_, data, length); }
 
-int TlsChannel::SetSSLCertEncoded(const char* data, int32_t length) { return cert_encoded_.Assign(data, length); }
+int TlsChannel::SetSSLCertEncoded(const char* data, int32_t length) {
+  if (length <= 0) {
+    client_cert_selected_ = false;
+    return cert_encoded_.Assign(data, length);
+  }
+  if (client_cert_ == nullptr) LoadClientCertificate();
+  ByteString loaded;
+  if (client_cert_ == nullptr || !EncodeCertificate(client_cert_.get(), &loaded) ||
+      Normalized(loaded.View()) != Normalized(std::string_view(data, static_cast<size_t>(length)))) {
+    return ReportError(kErrNoMatchingCert, "No certificate matches the given encoding.");
+  }
+  client_cert_selected_ = true;
+  return cert_encoded_.Assign(loaded);
+}
 
 int TlsChannel::SSLCertStore(const char*& data, int32_t& length) { return Expose(cert_store_, data, length); }
 
 int TlsChannel::SetSSLCertStore(const char* data, int32_t length) {
   if (data == nullptr || length <= 0) return ReportError(kErrCertStore, kTextCertStoreNotSet);
+  client_cert_.reset();
+  client_key_.reset();
+  client_cert_selected_ = false;
   return cert_store_.Assign(data, length);
 }
 
 int TlsChannel::SetSSLCertStoreType(int32_t type) {
   cert_store_type_ = type;
+  client_cert_.reset();
+  client_key_.reset();
+  client_cert_selected_ = false;
+  return kOk;
+}
+
+int TlsChannel::SetSSLCertSubject(const char* subject) {
+  if (int rc = cert_subject_.Assign(subject); rc != kOk) return rc;
+  client_cert_selected_ = false;
+  if (cert_subject_.Length() == 0) return kOk;
+  if (int rc = LoadClientCertificate(); rc != kOk) return rc;
+  if (client_cert_ == nullptr) return kOk;  // an empty store loads nothing
+  const std::string_view wanted = cert_subject_.View();
+  if (wanted != "*" && wanted.substr(0, static_cast<size_t>(loaded_subject_.Length())) != loaded_subject_.View()) {
+    return ReportError(kErrNoMatchingCert, "No certificate matches the given subject.");
+  }
+  client_cert_selected_ = true;
+  return kOk;
+}
+
+int TlsChannel::LoadClientCertificate() {
+  client_cert_.reset();
+  client_key_.reset();
+  if (cert_store_.Length() == 0) return kOk;
+  ERR_clear_error();
+  void* password = const_cast<char*>(cert_store_password_.Data());
+  switch (cert_store_type_) {
+    case 2: {
+      if (cert_store_.Length() > 1024) {
+        return ReportError(kErrPfxStore, "File name cannot be greater than 1024 characters.");
+      }
+      FILE* file = std::fopen(cert_store_.Data(), "rb");
+      if (file == nullptr) return ReportError(kErrPfxStore, "Could not open the store.");
+      Pkcs12Ptr p12(d2i_PKCS12_fp(file, nullptr));
+      std::fclose(file);
+      if (p12 == nullptr) return ReportError(kErrPfxStore, "Could not open the store.");
+      EVP_PKEY* key = nullptr;
+      X509* cert = nullptr;
+      const int ok = PKCS12_parse(p12.get(), cert_store_password_.Data(), &key, &cert, nullptr);
+      client_key_.reset(key);
+      client_cert_.reset(cert);
+      if (ok != 1 || key == nullptr || cert == nullptr) {
+        client_cert_.reset();
+        client_key_.reset();
+        return ReportError(kErrPfxStore, "Could not parse the store.");
+      }
+      break;
+    }
+    case 6:
+    case 7: {
+      BioPtr bio(cert_store_type_ == 6 ? BIO_new_file(cert_store_.Data(), "r")
+                                       : BIO_new_mem_buf(cert_store_.Data(), cert_store_.Length()));
+      if (bio == nullptr) return ReportError(kErrTlsSetup, "Cannot open store file.");
+      std::string text;
+      char buffer[4096];
+      int n;
+      while ((n = BIO_read(bio.get(), buffer, sizeof buffer)) > 0) text.append(buffer, static_cast<size_t>(n));
+      BioPtr key_bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
+      client_key_.reset(PEM_read_bio_PrivateKey(key_bio.get(), nullptr, PasswordCallback, password));
+      if (client_key_ == nullptr) return ReportError(kErrTlsSetup, "Unable to read the private key from the store.");
+      if (text.find("CERTIFICATE") != std::string::npos) {
+        BioPtr cert_bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
+        client_cert_.reset(PEM_read_bio_X509(cert_bio.get(), nullptr, PasswordCallback, password));
+        if (client_cert_ == nullptr) {
+          client_key_.reset();
+          return ReportError(kErrTlsSetup, "Unable to read the certificate from the store.");
+        }
+      } else if (int rc = MakePlaceholderCertificate(); rc != kOk) {
+        return rc;
+      }
+      break;
+    }
+    case 3:
+      return ReportError(kErrStoreTypeNotSupported,
+                         "This functionality is not currently available when the provider is OpenSSL.");
+    case 11:
+    case 12:
+      return ReportError(kErrStoreTypeNotSupported, "P7B support is not available in the Unix edition.");
+    default:
+      return kOk;
+  }
+  return UseLoadedCertificate();
+}
+
+int TlsChannel::UseLoadedCertificate() {
+  if (!EncodeCertificate(client_cert_.get(), &cert_encoded_)) {
+    return ReportError(kErrTlsSetup, "Could not get the certificate from the store.");
+  }
+  loaded_subject_.Assign(OneLine(X509_get_subject_name(client_cert_.get())).c_str());
+  return kOk;
+}
+
+int TlsChannel::MakePlaceholderCertificate() {
+  X509Ptr cert(X509_new());
+  if (cert == nullptr) return ReportError(287, "Unable to create empty certificate.");
+  X509_set_version(cert.get(), 2);
+  ASN1_INTEGER_set(X509_get_serialNumber(cert.get()), 0);
+  X509_set_pubkey(cert.get(), client_key_.get());
+  X509_NAME* name = X509_NAME_new();
+  if (name == nullptr) return ReportError(287, "Unable to create empty X509_NAME.");
+  if (X509_NAME_add_entry_by_NID(name, NID_commonName, MBSTRING_ASC,
+                                 reinterpret_cast<const unsigned char*>("CN=pem_cert"), -1, -1, 0) != 1) {
+    X509_NAME_free(name);
+    return ReportTlsProblem(false, "Error creating Name entry from NID", 287);
+  }
+  X509_set_subject_name(cert.get(), name);
+  X509_set_issuer_name(cert.get(), name);
+  X509_NAME_free(name);
+  if (X509_gmtime_adj(X509_getm_notBefore(cert.get()), 0) == nullptr) {
+    return ReportError(287, "Could not set notBefore.");
+  }
+  if (X509_gmtime_adj(X509_getm_notAfter(cert.get()), 31536000) == nullptr) {
+    return ReportError(287, "Could not set notAfter.");
+  }
+  // An unsigned certificate cannot be encoded at all, so the key signs its own
+  // placeholder; nothing checks that signature.
+  if (X509_sign(cert.get(), client_key_.get(), EVP_sha256()) <= 0) {
+    return ReportTlsProblem(false, "Unable to create empty certificate.", 287);
+  }
+  client_cert_ = std::move(cert);
   return kOk;
 }
 

@@ -1,48 +1,135 @@
 #pragma once
 #include <cstdint>
+#include <string>
 
 #include "base/byte_string.h"
+#include "net/openssl_holders.h"
 #include "net/tcp_client.h"
+#include "net/tls_session.h"
 
-// TLS for the connection beneath. For now it holds the certificate settings
-// that the components expose; the handshake comes with the transport.
+// TLS (OpenSSL 3, client side) between TcpClient and the layers above, and
+// the upper hooks those layers override (FireConnected, FireDataIn,
+// FireDisconnected, FireReadyToSend). With TLS off the transport hooks pass
+// straight up. With it on, received bytes feed a TlsSession, the handshake
+// runs as readiness arrives, and "connected" goes up only once the server's
+// certificate has been accepted: by the chain check (which includes the host
+// name), by SSLAcceptServerCertEncoded, or by the host's SSLServerAuthentication
+// handler. Versions below TLS 1.2 are refused. Not thread-safe.
 namespace orvelan {
 
 inline constexpr int kErrCertStore = 1;
 inline constexpr char kTextCertStoreNotSet[] = "Either the store or its length not set correctly";
+inline constexpr int kErrPfxStore = 271;
+inline constexpr int kErrNoMatchingCert = 272;
+inline constexpr int kErrCertRejected = 276;
+inline constexpr int kErrTlsSetup = 282;
+inline constexpr int kErrStoreTypeNotSupported = 306;
 
 class TlsChannel : public TcpClient {
  public:
-  TlsChannel() = default;
+  TlsChannel();
+  ~TlsChannel() override;
 
   int InitDefaults() override;
+  int HandleConfig(ConfigArgument& argument, const char*& out) override;
 
-  // A server certificate accepted without further checks (DER or PEM bytes).
+  // Sends through TLS when it is on, else straight to TCP; 0, 11 (partial,
+  // see AcceptedBytes) or an error code.
+  virtual int SendData(const char* data, int32_t length);
+  // Bytes of the last SendData that were taken.
+  int32_t AcceptedBytes() const { return tls_enabled_ ? tls_accepted_ : BytesLastSent(); }
+  // Switches TLS on or off for the next connection; `host` is the name the
+  // server's certificate must carry (and the SNI sent).
+  int EnableTls(bool on, const char* host);
+  bool TlsEnabled() const { return tls_enabled_; }
+
+  // A server certificate trusted without further checks: the base64 body of
+  // its PEM form (armour lines and line breaks are ignored).
   int SSLAcceptServerCertEncoded(const char*& data, int32_t& length);
   int SetSSLAcceptServerCertEncoded(const char* data, int32_t length);
-  // The client certificate's encoding.
+  // The selected client certificate's encoding; setting one selects it only
+  // when it equals the loaded certificate (else 272).
   int SSLCertEncoded(const char*& data, int32_t& length);
   int SetSSLCertEncoded(const char* data, int32_t length);
-  // The client certificate store; an empty store fails with 1.
+  // The client certificate store (file name or data, by type); empty fails with 1.
   int SSLCertStore(const char*& data, int32_t& length);
   int SetSSLCertStore(const char* data, int32_t length);
   const char* SSLCertStorePassword() const { return cert_store_password_.Data(); }
   int SetSSLCertStorePassword(const char* password) { return cert_store_password_.Assign(password); }
+  // 2 PKCS#12 file, 6 PEM file, 7 PEM text; 3, 11 and 12 answer 306.
   int32_t SSLCertStoreType() const { return cert_store_type_; }
   int SetSSLCertStoreType(int32_t type);
+  // Selecting a subject loads the store: "*" or the start of the loaded
+  // certificate's subject selects it, anything else gives 272.
   const char* SSLCertSubject() const { return cert_subject_.Data(); }
-  int SetSSLCertSubject(const char* subject) { return cert_subject_.Assign(subject); }
-  // The server's certificate from the last connection.
+  int SetSSLCertSubject(const char* subject);
+  // The server's certificate from the last connection (base64 of its DER).
   int SSLServerCertEncoded(const char*& data, int32_t& length);
 
+ protected:
+  void OnConnected(int code) override;
+  void OnDisconnected(int code) override;
+  void OnDataIn(const char* data, int32_t length, bool end_of_line) override;
+  void OnReadyToSend() override;
+
+  // Upper hooks: what the layers above see of the connection.
+  virtual void FireConnected(int code, const char* description) {
+    (void)code;
+    (void)description;
+  }
+  virtual void FireDisconnected(int code, const char* description) {
+    (void)code;
+    (void)description;
+  }
+  virtual void FireDataIn(const char* data, int32_t length, bool end_of_line) {
+    (void)data;
+    (void)length;
+    (void)end_of_line;
+  }
+  virtual void FireReadyToSend() {}
+
  private:
+  friend int VerifyCallback(int preverify_ok, X509_STORE_CTX* store);
+
+  // The description of a failed connect or disconnect: the system text.
+  const char* CodeText(int code);
+  int EnsureContext();
+  // Warning (last-error text) or fatal (Error event, then abort): the message
+  // and every queued OpenSSL message; returns the code used.
+  int ReportTlsProblem(bool fatal, const char* message, int code);
+  void ContinueHandshake();
+  bool CheckServerCertificate();
+  void ReadPlaintext();
+  int FlushOutgoing();
+  void AbortTls(int code, const char* text);
+  int LoadClientCertificate();
+  int MakePlaceholderCertificate();
+  int UseLoadedCertificate();
+
+  SslCtxPtr ctx_;
+  TlsSession session_;
+  X509Ptr client_cert_;
+  EvpPkeyPtr client_key_;
+  ByteString code_text_;
+  ByteString tls_host_;
   ByteString accept_server_cert_;
   ByteString cert_encoded_;
   ByteString cert_store_;
   ByteString cert_store_password_;
   ByteString cert_subject_;
+  ByteString loaded_subject_;
   ByteString server_cert_;
+  ByteString ca_file_;
+  ByteString ca_dir_;
+  ByteString cipher_list_;
+  ByteString prng_seed_;
+  std::string status_text_;
   int32_t cert_store_type_ = 0;
+  int32_t tls_accepted_ = 0;
+  bool tls_enabled_ = false;
+  bool handshake_pending_ = false;
+  bool verify_ok_ = true;
+  bool client_cert_selected_ = false;
 };
 
 }  // namespace orvelan

@@ -3,7 +3,8 @@
 namespace orvelan {
 
 int OFXClient::InitDefaults() {
-  TlsChannel::InitDefaults();
+  HttpsClient::InitDefaults();
+  max_transferred_data_ = 0;  // an OFX response is kept whole
   for (ByteString* text : {&fi_id_, &fi_organization_, &fi_url_, &image_file_, &access_key_, &app_id_,
                            &app_version_, &password_, &user_, &request_, &response_}) {
     text->Clear();

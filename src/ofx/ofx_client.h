@@ -2,7 +2,7 @@
 #include <cstdint>
 
 #include "base/byte_string.h"
-#include "net/tls_channel.h"
+#include "http/https_client.h"
 
 // The OFX engine every OFX service derives from. For now it holds the
 // institution, user and application settings that each OFX component exposes;
@@ -11,7 +11,7 @@ namespace orvelan {
 
 inline constexpr char kTextNoResponse[] = "No response available from the server.";
 
-class OFXClient : public TlsChannel {
+class OFXClient : public HttpsClient {
  public:
   OFXClient() = default;
 

@@ -97,3 +97,31 @@ TEST(BankStatementComponentTest, IndexedReadsSeeTheRecords) {
 
 }  // namespace
 }  // namespace orvelan
+
+namespace orvelan {
+namespace {
+
+// The transport's settings answer through the component's Config, from the
+// HTTP layer down to the socket layer, with an OFX client's defaults.
+TEST(BankStatementComponentTest, ConfigReachesTheTransport) {
+  BankStatementComponent component(nullptr, nullptr);
+  auto& s = component.service();
+  const struct {
+    const char* query;
+    const char* answer;
+  } cases[] = {
+      {"MaxTransferredData", "0"},  {"KeepAlive", "False"},      {"HTTPVersion", "1.1"},
+      {"UseWinInetCookies", "True"}, {"OpenSSLCAFile", ""},       {"SelectWaitMillis", "20"},
+      {"MaxLineLength", "2048"},     {"TimeoutInMilliseconds", "False"},
+  };
+  const char* out = nullptr;
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.query);
+    ASSERT_EQ(s.Config(c.query, out), 0);
+    EXPECT_STREQ(out, c.answer);
+  }
+  EXPECT_EQ(s.Timeout(), 60);
+}
+
+}  // namespace
+}  // namespace orvelan

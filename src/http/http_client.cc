@@ -1,0 +1,489 @@
+#include "http/http_client.h"
+
+#include <cstring>
+
+#include "base/text_util.h"
+
+namespace orvelan {
+namespace {
+
+constexpr char kDefaultUserAgent[] = "Orvelan OFX Client 3.0";
+constexpr int32_t kSendPiece = 16384;
+constexpr char kTextBusy[] = "Busy performing current action.";
+constexpr char kTextNoServer[] = "No server specified in URL";
+constexpr char kTextBadScheme[] = "Specified URLScheme is invalid.";
+constexpr char kTextLocalFile[] = "Can't open local file for writing.";
+
+bool SameNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (ToLowerAscii(a[i]) != ToLowerAscii(b[i])) return false;
+  }
+  return true;
+}
+
+int ReturnBool(ComponentCore& core, const char*& out, bool value) {
+  return core.ReturnConfigValue(out, value ? "True" : "False");
+}
+
+void AppendBasic(ByteString& target, std::string_view user, std::string_view password) {
+  std::string credential(user);
+  credential += ':';
+  credential.append(password.data(), password.size());
+  target.Assign("Basic ");
+  target.AppendBase64(credential.data(), static_cast<int32_t>(credential.size()), false);
+}
+
+}  // namespace
+
+HttpClient::HttpClient() { user_agent_.Assign(kDefaultUserAgent); }
+
+HttpClient::~HttpClient() = default;
+
+void HttpClient::SetDefaults(const char* scheme, int32_t port) {
+  default_scheme_ = scheme;
+  default_port_ = port;
+  url_.scheme = scheme;
+  url_.port = url_.default_port = port;
+}
+
+int HttpClient::InitDefaults() {
+  TransferChannel::InitDefaults();
+  http_version_.Assign("1.1");
+  accept_encoding_.Assign("gzip, deflate");
+  max_transferred_data_ = 32768;
+  keep_alive_ = false;
+  allow_compression_ = false;
+  proxy_port_ = 80;
+  return 1;
+}
+
+int HttpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
+  const bool query = argument.IsQuery();
+  struct TextSetting {
+    const char* name;
+    ByteString* value;
+  };
+  const TextSetting texts[] = {
+      {"HTTPVersion", &http_version_},     {"UserAgent", &user_agent_},
+      {"Authorization", &authorization_},  {"AcceptEncoding", &accept_encoding_},
+      {"ProxyServer", &proxy_server_},     {"ProxyUser", &proxy_user_},
+      {"ProxyPassword", &proxy_password_}, {"ProxyAuthorization", &proxy_authorization_},
+      {"IfModifiedSince", &if_modified_since_}, {"LocalFile", &local_file_path_},
+  };
+  for (const TextSetting& s : texts) {
+    if (!argument.NameIs(s.name)) continue;
+    if (query) return ReturnConfigValue(out, s.value->Data());
+    const int rc = s.value->Assign(argument.Value());
+    if (rc == kOk && (s.value == &proxy_user_ || s.value == &proxy_password_)) ComputeProxyAuthorization();
+    return rc;
+  }
+  struct BoolSetting {
+    const char* name;
+    bool* value;
+  };
+  const BoolSetting bools[] = {
+      {"KeepAlive", &keep_alive_},
+      {"AllowHTTPCompression", &allow_compression_},
+      {"EncodeURL", &encode_url_},
+      {"SingleLineMode", &single_line_mode_},
+      {"GetOn302Redirect", &get_on_302_redirect_},
+      {"DebugTrace", &debug_trace_},
+      {"DontClearCookiesOnUrlChange", &dont_clear_cookies_},
+  };
+  for (const BoolSetting& s : bools) {
+    if (!argument.NameIs(s.name)) continue;
+    if (query) return ReturnBool(*this, out, *s.value);
+    *s.value = argument.ValueAsBool();
+    return kOk;
+  }
+  if (argument.NameIs("TransferredData")) {
+    if (query) return ReturnConfigValue(out, transferred_data_.c_str());
+    return kOk;
+  }
+  if (argument.NameIs("TransferredRequest")) {
+    if (query) return ReturnConfigValue(out, recorded_request_.c_str());
+    record_request_ = CompareNoCase(argument.Value(), "on") == 0;
+    if (!record_request_) recorded_request_.clear();
+    return kOk;
+  }
+  if (argument.NameIs("MaxTransferredData")) {
+    if (query) return ReturnConfigValue(out, max_transferred_data_);
+    max_transferred_data_ = ParseInt64(argument.Value());
+    return kOk;
+  }
+  if (argument.NameIs("ProxyPort")) {
+    if (query) return ReturnConfigValue(out, int64_t{proxy_port_});
+    proxy_port_ = argument.ValueAsInt();
+    return kOk;
+  }
+  if (argument.NameIs("ProxySSL")) {
+    if (query) return ReturnConfigValue(out, int64_t{proxy_ssl_});
+    proxy_ssl_ = static_cast<uint8_t>(argument.ValueAsInt());
+    return kOk;
+  }
+  if (argument.NameIs("ProxyAuthScheme")) {
+    if (query) return ReturnConfigValue(out, int64_t{proxy_auth_scheme_});
+    proxy_auth_scheme_ = static_cast<uint8_t>(argument.ValueAsInt());
+    ComputeProxyAuthorization();
+    return kOk;
+  }
+  return TransferChannel::HandleConfig(argument, out);
+}
+
+void HttpClient::ComputeAuthorization() {
+  if (auth_scheme_ == 2) return;  // the value is used as set
+  authorization_.Clear();
+  if (!url_.user.empty() || !url_.password.empty()) AppendBasic(authorization_, url_.user, url_.password);
+}
+
+void HttpClient::ComputeProxyAuthorization() {
+  if (proxy_auth_scheme_ == 2) return;
+  proxy_authorization_.Clear();
+  if (proxy_auth_scheme_ == 0 && (proxy_user_.Length() > 0 || proxy_password_.Length() > 0)) {
+    AppendBasic(proxy_authorization_, proxy_user_.View(), proxy_password_.View());
+  }
+}
+
+void HttpClient::Reset() {
+  url_ = UrlParts();
+  url_.scheme = default_scheme_;
+  url_.port = url_.default_port = default_port_;
+  post_data_.Clear();
+  content_type_.Clear();
+  authorization_.Clear();
+  proxy_user_.Clear();
+  proxy_password_.Clear();
+  proxy_authorization_.Clear();
+  if_modified_since_.Clear();
+  status_line_.clear();
+  local_file_path_.Clear();
+  headers_.clear();
+  raw_headers_.clear();
+  cookies_.Clear();
+}
+
+int HttpClient::SetURL(const char* url) {
+  const std::string_view text = url == nullptr ? "" : url;
+  if (text.empty()) {
+    url_.host.clear();
+    url_.path = "/";
+    url_.user.clear();
+    url_.password.clear();
+    url_.scheme = default_scheme_;
+    url_.port = url_.default_port = default_port_;
+    return kOk;
+  }
+  UrlParts parsed = url_;
+  parsed.user.clear();
+  parsed.password.clear();
+  if (text.substr(0, 5) == "http:") parsed.default_port = 80;
+  if (text.substr(0, 6) == "https:") parsed.default_port = 443;
+  parsed.Parse(text, encode_url_);
+  const bool moved = !SameNoCase(parsed.host, url_.host) || parsed.port != url_.port;
+  if (moved || !SameNoCase(parsed.scheme, url_.scheme)) Disconnect(0);
+  if (parsed.ipv6) {
+    const char* ignored = nullptr;
+    ConfigArgument on;
+    on.Parse("UseIPv6=true");
+    HandleConfig(on, ignored);
+  }
+  url_ = parsed;
+  ComputeAuthorization();
+  ComputeProxyAuthorization();
+  if (moved && dont_clear_cookies_) cookies_.RemoveReceived();
+  return kOk;
+}
+
+int HttpClient::PostToURL(const char* url) {
+  if (int rc = SetURL(url); rc != kOk) return rc;
+  return DoAction(kPost);
+}
+
+int HttpClient::DoAction(int action) {
+  if (action == kInterrupt) {
+    Interrupt();
+    return kOk;
+  }
+  if (busy_action_ != 0) return ReportError(kErrBusy, kTextBusy);
+  StartDeadline();
+  interrupt_requested_ = false;
+  interrupted_ = false;
+  ClearError();
+  status_line_.clear();
+  status_version_.clear();
+  status_description_.clear();
+  status_code_ = 0;
+  response_complete_ = false;
+  busy_action_ = static_cast<uint8_t>(action);
+  int rc = kOk;
+  switch (action) {
+    case kReset:
+      transferred_data_.clear();
+      get_on_302_redirect_ = false;
+      Reset();
+      break;
+    case kPost:
+      rc = Request("POST", true);
+      break;
+    case kGet:
+      rc = Request("GET", false);
+      break;
+    case kHead:
+      rc = Request("HEAD", false);
+      break;
+    case kPut:
+      rc = Request("PUT", true);
+      break;
+    case kDelete:
+      rc = Request("DELETE", false);
+      break;
+    default:
+      break;
+  }
+  if (interrupted_) rc = kErrTimeout;
+  busy_action_ = 0;
+  return rc;
+}
+
+int HttpClient::Route() {
+  const bool plain_proxy = proxy_server_.Length() > 0 && proxy_ssl_ != 3;
+  std::string host = url_.host;
+  int32_t port = url_.port;
+  if (plain_proxy) {
+    host = proxy_server_.Data();
+    port = proxy_port_;
+  } else if (!SameNoCase(url_.scheme, default_scheme_) && !SameNoCase(url_.scheme, "http")) {
+    return ReportError(kErrBadScheme, kTextBadScheme);
+  }
+  // The same host and port keep the connection; anything else starts afresh.
+  if (socket_.is_valid() && (host != RemoteHostText() || port != RemotePort())) Disconnect(0);
+  bool tls = SameNoCase(url_.scheme, "https");
+  if (proxy_server_.Length() > 0 && proxy_ssl_ == 1) tls = true;
+  if (proxy_server_.Length() > 0 && proxy_ssl_ == 2) tls = false;
+  if (!socket_.is_valid()) {
+    if (host != RemoteHostText()) {
+      if (int rc = SetRemoteHost(host.c_str()); rc != kOk) return rc;
+    }
+    if (int rc = SetRemotePort(port); rc != kOk) return rc;
+    if (int rc = EnableTls(tls, url_.host.c_str()); rc != kOk) return rc;
+  }
+  return kOk;
+}
+
+std::string HttpClient::BuildHead(const char* method, int64_t content_length) {
+  const bool plain_proxy = proxy_server_.Length() > 0 && proxy_ssl_ != 3;
+  std::string port_suffix;
+  if (url_.port != url_.default_port) port_suffix = ":" + std::to_string(url_.port);
+  std::string head;
+  head.reserve(256 + url_.path.size());
+  head += method;
+  head += ' ';
+  if (plain_proxy) head += url_.scheme + "://" + url_.host + port_suffix;
+  head += url_.path;
+  head += " HTTP/";
+  head += http_version_.View();
+  head += "\r\nHost: ";
+  if (url_.host.find(':') != std::string::npos) {
+    head += '[';
+    head += url_.host.substr(0, url_.host.find('%'));
+    head += ']';
+  } else {
+    head += url_.host;
+  }
+  head += port_suffix;
+  const std::pair<const char*, const ByteString*> optional[] = {
+      {"\r\nAuthorization: ", &authorization_},
+      {"\r\nProxy-Authorization: ", &proxy_authorization_},
+      {"\r\nAccept-Encoding: ", allow_compression_ ? &accept_encoding_ : nullptr},
+      {"\r\nUser-Agent: ", &user_agent_},
+      {"\r\nIf-Modified-Since: ", &if_modified_since_},
+  };
+  for (const auto& [name, value] : optional) {
+    if (value == nullptr || value->Length() == 0) continue;
+    head += name;
+    head += value->View();
+  }
+  if (!cookies_.cookies().empty()) {
+    head += "\r\nCookie: ";
+    head += cookies_.HeaderValue();
+  }
+  if (!keep_alive_) head += "\r\nConnection: close";
+  head += "\r\n";
+  if (content_length >= 0) {
+    if (content_type_.Length() > 0) {
+      head += "Content-Type: ";
+      head += content_type_.View();
+      head += "\r\n";
+    }
+    head += "Content-Length: ";
+    head += std::to_string(content_length);
+    head += "\r\n";
+  }
+  head += "\r\n";
+  return head;
+}
+
+int HttpClient::Request(const char* method, bool with_body) {
+  headers_.clear();
+  raw_headers_.clear();
+  transferred_data_.clear();
+  response_content_type_.Clear();
+  bytes_received_ = 0;
+  response_error_ = 0;
+  single_line_mode_ = false;
+  if (url_.host.empty()) return ReportError(kErrNoServer, kTextNoServer);
+  if (int rc = Route(); rc != kOk) return rc;
+  // A kept connection that the server has closed meanwhile would swallow the
+  // request; one poll notices the close, and a new connection replaces it.
+  if (IsConnected()) PollSocket(0);
+  if (!IsConnected()) {
+    if (int rc = ConnectAndWait(); rc != kOk) return rc;
+  }
+  response_complete_ = false;
+  response_error_ = 0;
+  SetEOL("");  // the parser cuts the response itself
+  parser_.Begin(allow_compression_, std::strcmp(method, "HEAD") == 0);
+  const int32_t body_length = with_body ? post_data_.Length() : 0;
+  std::string head = BuildHead(method, with_body ? body_length : -1);
+  if (record_request_) {
+    recorded_request_ = head;
+    recorded_request_.append(post_data_.Data(), static_cast<size_t>(body_length));
+  }
+  if (debug_trace_) {
+    FireTransfer(0, static_cast<int64_t>(head.size()), -1, head);
+    if (body_length > 0) FireTransfer(0, body_length, -1, post_data_.View());
+  }
+  // A small body goes out with the head in one send, so the server sees the
+  // whole request at once instead of waiting out a delayed acknowledgement.
+  const bool together = body_length <= kSendPiece;
+  if (together) head.append(post_data_.Data(), static_cast<size_t>(body_length));
+  if (body_length > 0) FireStartTransfer(0);
+  int rc = SendAll(head.data(), static_cast<int32_t>(head.size()), true);
+  if (rc == kOk && !together) rc = SendChunked(post_data_.Data(), body_length, kSendPiece);
+  if (body_length > 0) FireEndTransfer(0);
+  if (rc != kOk && IsConnected()) {
+    // The server may have answered (and closed) before taking the whole body.
+    Disconnect(0);
+  }
+  if (rc != kOk && status_code_ == 0) return rc;
+  return EvaluateResponse(WaitForResponse());
+}
+
+int HttpClient::OnSendProgress(int64_t bytes_done) {
+  FireTransfer(0, bytes_done, -1, std::string_view());
+  return kOk;
+}
+
+int HttpClient::WaitForResponse() {
+  while (!response_complete_ && IsConnected()) {
+    if (int rc = WaitCycle(); rc != kOk) {
+      Disconnect(0);
+      return rc;
+    }
+  }
+  return response_error_;
+}
+
+int HttpClient::EvaluateResponse(int wait_result) {
+  if (wait_result == kErrTimeout) return wait_result;
+  if (status_code_ == 0) return wait_result;  // closed without a response
+  if (status_code_ >= 200 && status_code_ <= 299) return wait_result;
+  std::string text = "HTTP protocol error. " + std::to_string(status_code_) + " " + status_description_;
+  if (text.back() != '.') text += '.';
+  SetErrorText(text.c_str());
+  return kErrHttp;
+}
+
+void HttpClient::FailResponse(int code, const char* text) {
+  if (response_error_ == 0) {
+    response_error_ = code;
+    SetErrorText(text);
+  }
+  response_complete_ = true;
+  Disconnect(0);
+}
+
+void HttpClient::FireDataIn(const char* data, int32_t length, bool /*end_of_line*/) {
+  if (response_complete_ || response_error_ != 0) return;
+  const int rc = parser_.Feed(std::string_view(data, static_cast<size_t>(length)));
+  if (rc != kOk) FailResponse(rc, parser_.ErrorText());
+}
+
+void HttpClient::FireDisconnected(int code, const char* description) {
+  if (code != 0 && response_error_ == 0 && !response_complete_) {
+    response_error_ = code;
+    SetErrorText(description);
+  }
+  parser_.Finish();
+  response_complete_ = true;
+}
+
+void HttpClient::OnStatus(std::string_view version, int code, std::string_view description) {
+  status_version_ = std::string(version);
+  status_description_ = std::string(description);
+  status_code_ = code;
+  status_line_ = status_version_ + " " + std::to_string(code) + " " + status_description_;
+  FireStatus(status_version_.c_str(), code, status_description_.c_str());
+}
+
+void HttpClient::OnHeader(std::string_view name, std::string_view value) {
+  raw_headers_.append(name.data(), name.size());
+  raw_headers_ += ": ";
+  raw_headers_.append(value.data(), value.size());
+  raw_headers_ += "\r\n";
+  headers_.emplace_back(std::string(name), std::string(value));
+  FireHeader(headers_.back().first.c_str(), headers_.back().second.c_str());
+  if (SameNoCase(name, "Content-Type")) {
+    response_content_type_.Assign(value);
+  } else if (SameNoCase(name, "Set-Cookie")) {
+    const Cookie cookie = CookieList::ParseSetCookie(value);
+    FireSetCookie(cookie);
+    cookies_.Add(cookie);
+  } else if (SameNoCase(name, "WWW-Authenticate")) {
+    authorization_.Clear();
+  } else if (SameNoCase(name, "Proxy-Authenticate")) {
+    proxy_authorization_.Clear();
+  }
+}
+
+void HttpClient::OnHeadEnd() {
+  FireStartTransfer(1);
+  // Room for a announced body up front saves copying it while it grows; a
+  // length no real answer has is not trusted with memory.
+  constexpr int64_t kMaxReserve = int64_t{64} << 20;
+  int64_t expected = parser_.ContentLength();
+  if (max_transferred_data_ > 0 && expected > max_transferred_data_) expected = max_transferred_data_;
+  if (expected > 0 && expected <= kMaxReserve && local_file_path_.Length() == 0) {
+    transferred_data_.reserve(static_cast<size_t>(expected));
+  }
+}
+
+void HttpClient::OnBody(std::string_view data, int64_t received, int percent) {
+  bytes_received_ = received;
+  FireTransfer(1, received, percent, data);
+  if (local_file_path_.Length() > 0 && status_code_ >= 200 && status_code_ <= 299) {
+    if (!local_file_.IsOpen() && local_file_.Create(local_file_path_.Data()) != kOk) {
+      FireError(kErrLocalFile, kTextLocalFile);
+      FailResponse(kErrLocalFile, kTextLocalFile);
+      return;
+    }
+    if (local_file_.Write(data.data(), data.size()) != kOk) FireError(kErrLocalFile, "Error writing to LocalFile.");
+    return;
+  }
+  if (max_transferred_data_ > 0) {
+    const int64_t room = max_transferred_data_ - static_cast<int64_t>(transferred_data_.size());
+    if (room <= 0) return;
+    if (static_cast<int64_t>(data.size()) > room) data = data.substr(0, static_cast<size_t>(room));
+  }
+  transferred_data_.append(data.data(), data.size());
+}
+
+void HttpClient::OnEnd() {
+  local_file_.Close();
+  if (!response_complete_) FireEndTransfer(1);
+  response_complete_ = true;
+  if (!keep_alive_) Disconnect(0);
+}
+
+}  // namespace orvelan

@@ -1,0 +1,150 @@
+#pragma once
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "base/byte_string.h"
+#include "core/file_handle.h"
+#include "http/cookie_list.h"
+#include "http/http_response_parser.h"
+#include "http/url_parts.h"
+#include "net/transfer_channel.h"
+
+// The HTTP/1.x client over which the OFX engine posts every request:
+//
+//   SetContentType("application/x-ofx");
+//   SetPostData(request, length);
+//   int rc = PostToURL("https://ofx.bank.example/cgi");  // blocks in wait cycles
+//   ... TransferredData(), ResponseContentType() ...
+//
+// It writes the request head, sends the body in 16 KB pieces, parses the
+// response through HttpResponseParser (length-delimited, close-delimited or
+// chunked; gzip or deflate with AllowHTTPCompression), keeps cookies, and
+// turns a non-2xx status into 151 with "HTTP protocol error. <code> <text>.".
+// Redirects are not followed. Not thread-safe; a second action from an event
+// handler is refused with 143.
+namespace orvelan {
+
+inline constexpr int kErrBusy = 143;
+inline constexpr int kErrHttp = 151;
+inline constexpr int kErrNoServer = 152;
+inline constexpr int kErrBadScheme = 153;
+inline constexpr int kErrLocalFile = 302;
+
+class HttpClient : public TransferChannel, private HttpResponseSink {
+ public:
+  enum Action : int { kInterrupt = 0, kGet = 1, kPost = 2, kHead = 3, kReset = 4, kPut = 5, kDelete = 6 };
+
+  HttpClient();
+  ~HttpClient() override;
+
+  int InitDefaults() override;
+  int HandleConfig(ConfigArgument& argument, const char*& out) override;
+
+  // Runs one action (2 POST, 4 reset; 1, 3, 5, 6 GET, HEAD, PUT, DELETE;
+  // 0 interrupts the running one). 143 while another action runs.
+  int DoAction(int action);
+  // Takes the URL apart; a new scheme, host or port drops the connection.
+  int SetURL(const char* url);
+  int PostToURL(const char* url);
+  int SetContentType(const char* type) { return content_type_.Assign(type); }
+  int SetPostData(const char* data, int32_t length) { return post_data_.Assign(data, length); }
+
+  const char* ResponseContentType() const { return response_content_type_.Data(); }
+  // The body of the last response, at most MaxTransferredData bytes (0 = all).
+  std::string_view TransferredData() const { return transferred_data_; }
+  int StatusCode() const { return status_code_; }
+  const std::vector<std::pair<std::string, std::string>>& ResponseHeaders() const { return headers_; }
+  const CookieList& Cookies() const { return cookies_; }
+  const UrlParts& Url() const { return url_; }
+
+ protected:
+  // Sets scheme "https" and port 443 as the defaults (HttpsClient).
+  void SetDefaults(const char* scheme, int32_t port);
+
+  // Exchange hooks for layers that watch the transfer; the OFX chain leaves
+  // them empty. Direction 0 is outgoing, 1 incoming. `percent` is -1 while the
+  // length is unknown; `bytes` counts every body byte, kept or not.
+  virtual void FireStatus(const char* version, int code, const char* description) {
+    (void)version, (void)code, (void)description;
+  }
+  virtual void FireHeader(const char* name, const char* value) { (void)name, (void)value; }
+  virtual void FireSetCookie(const Cookie& cookie) { (void)cookie; }
+  virtual void FireStartTransfer(int direction) { (void)direction; }
+  virtual void FireTransfer(int direction, int64_t bytes, int percent, std::string_view data) {
+    (void)direction, (void)bytes, (void)percent, (void)data;
+  }
+  virtual void FireEndTransfer(int direction) { (void)direction; }
+
+  void FireDataIn(const char* data, int32_t length, bool end_of_line) override;
+  void FireDisconnected(int code, const char* description) override;
+  int OnSendProgress(int64_t bytes_done) override;
+
+  int64_t max_transferred_data_ = 32768;
+
+ private:
+  // HttpResponseSink
+  void OnStatus(std::string_view version, int code, std::string_view description) override;
+  void OnHeader(std::string_view name, std::string_view value) override;
+  void OnHeadEnd() override;
+  void OnBody(std::string_view data, int64_t received, int percent) override;
+  void OnEnd() override;
+
+  int Request(const char* method, bool with_body);
+  int Route();
+  std::string BuildHead(const char* method, int64_t content_length);
+  int WaitForResponse();
+  int EvaluateResponse(int wait_result);
+  void ComputeAuthorization();
+  void ComputeProxyAuthorization();
+  void Reset();
+  void FailResponse(int code, const char* text);
+
+  HttpResponseParser parser_{this};
+  UrlParts url_;
+  std::string default_scheme_ = "http";
+  int32_t default_port_ = 80;
+  CookieList cookies_;
+  std::vector<std::pair<std::string, std::string>> headers_;
+  std::string raw_headers_;
+  std::string transferred_data_;
+  std::string recorded_request_;
+  std::string status_line_;
+  std::string status_version_;
+  std::string status_description_;
+  ByteString response_content_type_;
+  ByteString content_type_;
+  ByteString post_data_;
+  ByteString http_version_;
+  ByteString user_agent_;
+  ByteString accept_encoding_;
+  ByteString authorization_;
+  ByteString if_modified_since_;
+  ByteString proxy_server_;
+  ByteString proxy_user_;
+  ByteString proxy_password_;
+  ByteString proxy_authorization_;
+  ByteString local_file_path_;
+  FileHandle local_file_;
+  int64_t bytes_received_ = 0;
+  int32_t proxy_port_ = 80;
+  int status_code_ = 0;
+  int response_error_ = 0;
+  uint8_t busy_action_ = 0;
+  uint8_t auth_scheme_ = 0;
+  uint8_t proxy_auth_scheme_ = 0;
+  uint8_t proxy_ssl_ = 0;
+  bool keep_alive_ = false;
+  bool response_complete_ = false;
+  bool allow_compression_ = false;
+  bool encode_url_ = false;
+  bool record_request_ = false;
+  bool debug_trace_ = false;
+  bool single_line_mode_ = false;
+  bool get_on_302_redirect_ = false;
+  bool dont_clear_cookies_ = false;
+};
+
+}  // namespace orvelan

@@ -1,0 +1,47 @@
+#pragma once
+#include <zlib.h>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace orvelan {
+
+// Inflates an HTTP body sent with "Content-Encoding: gzip" or "deflate" as it
+// arrives in pieces. gzip bodies have their RFC 1952 header checked and
+// skipped by hand; both are then inflated as raw deflate, which is what
+// servers that say "deflate" usually send. The z_stream lives here by value
+// and is ended only if it was initialised. Not thread-safe.
+class Inflater {
+ public:
+  enum class Format : uint8_t { kNone = 0, kGzip = 1, kDeflate = 2 };
+  enum Result : int { kOk = 0, kBadHeader = 102, kFailed = 151 };
+
+  Inflater() = default;
+  Inflater(const Inflater&) = delete;
+  Inflater& operator=(const Inflater&) = delete;
+  ~Inflater();
+
+  // Starts a new body; kNone passes bytes through unchanged. Returns kFailed
+  // when zlib cannot be initialised.
+  int Start(Format format);
+  void Reset();
+  Format format() const { return format_; }
+
+  // Appends the inflated form of `input` to *out. A decoder that failed stays
+  // failed. The gzip header must be whole in the first piece that reaches it.
+  int Inflate(std::string_view input, std::string* out);
+
+  // Length of the gzip header at the front of `bytes`, or -1 when it is
+  // invalid or cut short.
+  static int64_t GzipHeaderLength(std::string_view bytes);
+
+ private:
+  z_stream stream_{};
+  Format format_ = Format::kNone;
+  bool initialised_ = false;
+  bool header_done_ = false;
+  bool failed_ = false;
+};
+
+}  // namespace orvelan

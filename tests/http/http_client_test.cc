@@ -1,0 +1,408 @@
+#include "http/http_client.h"
+
+#include <dirent.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <fstream>
+#include <mutex>
+#include <sstream>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "support/loopback_server.h"
+#include "support/recording_events.h"
+#include "support/test_gzip.h"
+
+namespace orvelan {
+namespace {
+
+class Client : public HttpClient {
+ public:
+  Client() {
+    InitDefaults();
+    SetEventSink(&events);
+    SetTimeout(5);
+  }
+  int Set(const std::string& setting) {
+    const char* out = nullptr;
+    return Config(setting.c_str(), out);
+  }
+  std::string Get(const std::string& name) {
+    const char* out = nullptr;
+    Config(name.c_str(), out);
+    return out;
+  }
+  std::string Body() const { return std::string(TransferredData()); }
+
+  RecordingEvents events;
+  int nested_rc = -1;
+  bool nest = false;
+  std::string hooks;  // one letter per hook: S status, H header, C cookie, < > start/end, T transfer
+  int64_t last_in_bytes = 0;
+  std::string traced;  // outgoing data handed to FireTransfer
+  std::vector<int> in_percents;
+
+ protected:
+  void FireStatus(const char*, int code, const char*) override { hooks += "S" + std::to_string(code); }
+  void FireHeader(const char*, const char*) override { hooks += "H"; }
+  void FireSetCookie(const Cookie& cookie) override { hooks += "C" + cookie.name; }
+  void FireStartTransfer(int direction) override { hooks += direction == 0 ? "<0" : "<1"; }
+  void FireEndTransfer(int direction) override { hooks += direction == 0 ? ">0" : ">1"; }
+  void FireTransfer(int direction, int64_t bytes, int percent, std::string_view data) override {
+    if (direction == 0) traced.append(data.data(), data.size());
+    if (direction == 1) {
+      last_in_bytes = bytes;
+      in_percents.push_back(percent);
+    }
+  }
+  int OnSendProgress(int64_t done) override {
+    if (nest) nested_rc = DoAction(kPost);
+    return HttpClient::OnSendProgress(done);
+  }
+};
+
+// A server that records each request and answers with the next canned reply,
+// written in the given pieces with a pause between them.
+struct Canned {
+  std::vector<std::vector<std::string>> replies;
+  std::vector<std::string> requests;
+  std::mutex mutex;
+  bool close_after = true;
+
+  std::function<void(int)> Script() {
+    return [this](int fd) {
+      for (;;) {
+        std::string request = LoopbackServer::ReadRequest(fd);
+        if (request.empty()) return;
+        std::vector<std::string> pieces;
+        {
+          std::lock_guard<std::mutex> lock(mutex);
+          requests.push_back(request);
+          if (replies.empty()) return;
+          pieces = replies.front();
+          if (replies.size() > 1) replies.erase(replies.begin());
+        }
+        for (size_t i = 0; i < pieces.size(); ++i) {
+          if (i > 0) std::this_thread::sleep_for(std::chrono::milliseconds(15));
+          LoopbackServer::WriteAll(fd, pieces[i]);
+        }
+        if (close_after) return;
+      }
+    };
+  }
+  std::string Request(size_t i) {
+    std::lock_guard<std::mutex> lock(mutex);
+    return i < requests.size() ? requests[i] : "";
+  }
+};
+
+std::string Url(const LoopbackServer& server, const std::string& path = "/ofx") {
+  return "http://127.0.0.1:" + std::to_string(server.port()) + path;
+}
+
+TEST(HttpClientTest, PostsTheExactHeadAndBody) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Type: application/x-ofx\r\nContent-Length: 4\r\n\r\n<OFX"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.Set("UserAgent=Test Agent");
+  c.SetContentType("application/x-ofx");
+  c.SetPostData("DATA", 4);
+  const std::string url = "http://u:p@127.0.0.1:" + std::to_string(server.port()) + "/cgi?x=1";
+  ASSERT_EQ(c.PostToURL(url.c_str()), 0) << c.GetLastError();
+  EXPECT_EQ(canned.Request(0), "POST /cgi?x=1 HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(server.port()) +
+                                   "\r\nAuthorization: Basic dTpw\r\nUser-Agent: Test Agent\r\n"
+                                   "Connection: close\r\nContent-Type: application/x-ofx\r\n"
+                                   "Content-Length: 4\r\n\r\nDATA");
+  EXPECT_EQ(c.Body(), "<OFX");
+  EXPECT_STREQ(c.ResponseContentType(), "application/x-ofx");
+  EXPECT_EQ(c.StatusCode(), 200);
+  EXPECT_EQ(c.SocketHandle(), -1);  // without KeepAlive every response closes
+}
+
+struct ReplyCase {
+  const char* name;
+  std::vector<std::string> pieces;
+  int rc;
+  const char* error;
+  std::string body;
+};
+
+TEST(HttpClientTest, ResponseFormsAndFailures) {
+  const std::string gzip_body = Compress("compressed OFX body", true);
+  const ReplyCase cases[] = {
+      {"404 gets a full stop", {"HTTP/1.1 404 Not Found\r\nContent-Length: 3\r\n\r\nno!"}, 151,
+       "HTTP protocol error. 404 Not Found.", "no!"},
+      {"no second full stop", {"HTTP/1.1 500 Broken.\r\nContent-Length: 0\r\n\r\n"}, 151,
+       "HTTP protocol error. 500 Broken.", ""},
+      {"3xx is not followed", {"HTTP/1.1 302 Found\r\nLocation: /x\r\nContent-Length: 0\r\n\r\n"}, 151,
+       "HTTP protocol error. 302 Found.", ""},
+      {"close-delimited", {"HTTP/1.0 200 OK\r\n\r\nbody until", " the close"}, 0, "", "body until the close"},
+      {"chunked, CR LF split across writes",
+       {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r", "\nhello\r", "\n6\r\n world\r\n0\r", "\n\r\n"},
+       0, "", "hello world"},
+      {"interim 100", {"HTTP/1.1 100 Continue\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"}, 0, "",
+       "ok"},
+      {"gzip", {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" + gzip_body}, 0, "", "compressed OFX body"},
+      {"bad gzip header",
+       {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" + std::string("\x1f\x8b\x09\0\0\0\0\0\0\x03xx", 12)},
+       102, "The GZIP header is invalid.", ""},
+      {"broken deflate stream", {"HTTP/1.1 200 OK\r\nContent-Encoding: deflate\r\n\r\n\xff\xff\xff\xff"}, 151,
+       "Could not decompress content.", ""},
+      {"closed mid-body", {"HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\npartial"}, 0, "", "partial"},
+      {"closed without a response", {""}, 0, "", ""},
+  };
+  for (const ReplyCase& rc : cases) {
+    SCOPED_TRACE(rc.name);
+    Canned canned;
+    canned.replies = {rc.pieces};
+    LoopbackServer server(canned.Script());
+    Client c;
+    c.Set("AllowHTTPCompression=true");
+    c.SetPostData("x", 1);
+    EXPECT_EQ(c.PostToURL(Url(server).c_str()), rc.rc);
+    if (rc.rc != 0) {
+      EXPECT_STREQ(c.GetLastError(), rc.error);
+    }
+    EXPECT_EQ(c.Body(), rc.body);
+    EXPECT_EQ(c.SocketHandle(), -1);
+  }
+}
+
+TEST(HttpClientTest, CompressionIsAskedForOnlyWhenAllowed) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+  EXPECT_EQ(canned.Request(0).find("Accept-Encoding"), std::string::npos);
+  c.Set("AllowHTTPCompression=true");
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+  EXPECT_NE(canned.Request(1).find("\r\nAccept-Encoding: gzip, deflate\r\n"), std::string::npos);
+}
+
+TEST(HttpClientTest, StalledServerTimesOut) {
+  LoopbackServer server([](int fd) {
+    LoopbackServer::ReadRequest(fd);
+    LoopbackServer::WriteAll(fd, "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nabc");
+    LoopbackServer::ReadUntil(fd, "never");
+  });
+  Client c;
+  c.Set("TimeoutInMilliseconds=true");
+  c.SetTimeout(200);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(c.PostToURL(Url(server).c_str()), 301);
+  EXPECT_STREQ(c.GetLastError(), "Timeout.");
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(3));
+  EXPECT_EQ(c.SocketHandle(), -1);
+}
+
+TEST(HttpClientTest, MaxTransferredDataCutsTheKeptBody) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 25\r\n\r\n0123456789012345678901234"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.Set("MaxTransferredData=10");
+  c.SetPostData("x", 1);
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+  EXPECT_EQ(c.Body(), "0123456789");
+  EXPECT_EQ(c.last_in_bytes, 25);  // the transfer still counts every byte
+  EXPECT_EQ(c.in_percents.back(), 100);
+  EXPECT_EQ(c.hooks, "<0>0S200H<1>1");
+  EXPECT_EQ(c.Get("MaxTransferredData"), "10");
+}
+
+TEST(HttpClientTest, CookiesAreKeptAndSentBack) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nSet-Cookie: SID=1; Path=/\r\nSet-Cookie: SID=2; path=/\r\n"
+                     "Set-Cookie: lang=en\r\nContent-Length: 0\r\n\r\n"},
+                    {"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+  EXPECT_EQ(c.hooks, "S200HCSIDHCSIDHClangH<1>1");
+  ASSERT_EQ(c.Cookies().cookies().size(), 2u);
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+  EXPECT_NE(canned.Request(1).find("\r\nCookie: SID=2; lang=en\r\n"), std::string::npos) << canned.Request(1);
+}
+
+TEST(HttpClientTest, KeepAliveReusesTheConnection) {
+  Canned canned;
+  canned.close_after = false;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.Set("KeepAlive=true");
+  for (int i = 0; i < 3; ++i) {
+    ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << c.GetLastError();
+    EXPECT_EQ(c.Body(), "ok");
+  }
+  EXPECT_EQ(server.connections(), 1);
+  EXPECT_EQ(canned.Request(0).find("Connection: close"), std::string::npos);
+  c.Connect(false);
+}
+
+TEST(HttpClientTest, KeptConnectionClosedByTheServerIsReplaced) {
+  Canned canned;  // closes after every answer, although the client keeps alive
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.Set("KeepAlive=true");
+  for (int i = 0; i < 3; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));  // the close reaches us first
+    ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << c.GetLastError();
+    EXPECT_EQ(c.Body(), "ok");
+  }
+  EXPECT_EQ(server.connections(), 3);
+}
+
+TEST(HttpClientTest, RequestsThatCannotStart) {
+  Client c;
+  EXPECT_EQ(c.DoAction(HttpClient::kPost), 152);
+  EXPECT_STREQ(c.GetLastError(), "No server specified in URL");
+  EXPECT_EQ(c.PostToURL("ftp://127.0.0.1/x"), 153);
+  EXPECT_STREQ(c.GetLastError(), "Specified URLScheme is invalid.");
+  EXPECT_EQ(c.PostToURL(("http://127.0.0.1:" + std::to_string(UnusedPort()) + "/").c_str()), 111);
+  EXPECT_STREQ(c.GetLastError(), "[111] Connection refused.");
+}
+
+TEST(HttpClientTest, SecondActionWhileBusyIs143) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.nest = true;
+  std::string body(40000, 'b');  // sent in pieces, so progress is reported
+  c.SetPostData(body.data(), static_cast<int32_t>(body.size()));
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+  EXPECT_EQ(c.nested_rc, 143);
+  EXPECT_EQ(canned.Request(0).size(), canned.Request(0).find("\r\n\r\n") + 4 + body.size());
+}
+
+TEST(HttpClientTest, LocalFileTakesTheBody) {
+  char path[] = "/tmp/orvelan-local-XXXXXX";
+  close(mkstemp(path));
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nfiled"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.Set(std::string("LocalFile=") + path);
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+  EXPECT_EQ(c.Body(), "");
+  std::ifstream in(path);
+  std::stringstream text;
+  text << in.rdbuf();
+  EXPECT_EQ(text.str(), "filed");
+  unlink(path);
+
+  c.Set("LocalFile=/nonexistent-dir/file");
+  EXPECT_EQ(c.PostToURL(Url(server).c_str()), 302);
+  EXPECT_STREQ(c.GetLastError(), "Can't open local file for writing.");
+  EXPECT_TRUE(c.events.Saw("Error(302,Can't open local file for writing.)"));
+}
+
+TEST(HttpClientTest, PlainProxyGetsTheAbsoluteUrl) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  LoopbackServer proxy(canned.Script());
+  Client c;
+  c.Set("ProxyServer=127.0.0.1");
+  c.Set("ProxyPort=" + std::to_string(proxy.port()));
+  c.Set("ProxyUser=pu");
+  c.Set("ProxyPassword=pp");
+  ASSERT_EQ(c.PostToURL("http://ofx.bank.example:8080/cgi"), 0) << c.GetLastError();
+  EXPECT_EQ(canned.Request(0).substr(0, canned.Request(0).find("\r\nUser-Agent")),
+            "POST http://ofx.bank.example:8080/cgi HTTP/1.1\r\nHost: ofx.bank.example:8080"
+            "\r\nProxy-Authorization: Basic cHU6cHA=");
+}
+
+TEST(HttpClientTest, TransferredRequestRecordsWhatWasSent) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.Set("TransferredRequest=ON");
+  c.Set("DebugTrace=true");
+  c.SetPostData("abc", 3);
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+  EXPECT_EQ(c.Get("TransferredRequest"), canned.Request(0));
+  EXPECT_EQ(c.traced, canned.Request(0));
+}
+
+TEST(HttpClientTest, CookiesFromServersGoWhenTheHostChangesIfAsked) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nSet-Cookie: SID=1\r\nContent-Length: 0\r\n\r\n"}};
+  LoopbackServer server(canned.Script());
+  for (bool dont_clear : {false, true}) {
+    SCOPED_TRACE(dont_clear);
+    Client c;
+    c.Set(dont_clear ? "DontClearCookiesOnUrlChange=true" : "DontClearCookiesOnUrlChange=false");
+    ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
+    c.SetURL(Url(server, "/other").c_str());  // same host and port: kept either way
+    EXPECT_EQ(c.Cookies().cookies().size(), 1u);
+    c.SetURL("http://127.0.0.2:1/");
+    EXPECT_EQ(c.Cookies().cookies().size(), dont_clear ? 0u : 1u);
+  }
+}
+
+TEST(HttpClientTest, EncodedPathAndIPv6HostInTheHead) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  LoopbackServer server(canned.Script(), /*ipv6=*/true);
+  Client c;
+  c.Set("EncodeURL=true");
+  const std::string url = "http://[::1]:" + std::to_string(server.port()) + "/a b?x=1 2";
+  ASSERT_EQ(c.PostToURL(url.c_str()), 0) << c.GetLastError();
+  EXPECT_EQ(canned.Request(0).substr(0, canned.Request(0).find("\r\nUser-Agent")),
+            "POST /a%20b?x=1%202 HTTP/1.1\r\nHost: [::1]:" + std::to_string(server.port()));
+}
+
+TEST(HttpClientTest, ResetForgetsTheRequest) {
+  Client c;
+  c.SetURL("https://h/x");
+  c.SetPostData("abc", 3);
+  ASSERT_EQ(c.DoAction(HttpClient::kReset), 0);
+  EXPECT_EQ(c.Url().host, "");
+  EXPECT_EQ(c.Url().scheme, "http");
+  EXPECT_EQ(c.DoAction(HttpClient::kPost), 152);
+}
+
+}  // namespace
+}  // namespace orvelan
+
+namespace orvelan {
+namespace {
+
+int OpenDescriptors() {
+  int count = 0;
+  if (DIR* dir = opendir("/proc/self/fd")) {
+    while (readdir(dir) != nullptr) ++count;
+    closedir(dir);
+  }
+  return count;
+}
+
+TEST(HttpClientTest, ThousandExchangesLeaveNoDescriptorBehind) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\ndone"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);  // the first exchange may open lasting descriptors
+  const int before = OpenDescriptors();
+  for (int i = 0; i < 1000; ++i) {
+    c.SetPostData("ping", 4);
+    ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << i << ": " << c.GetLastError();
+    ASSERT_EQ(c.Body(), "done");
+  }
+  // The server thread closes its end a moment after answering.
+  for (int i = 0; i < 100 && OpenDescriptors() != before; ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  EXPECT_EQ(OpenDescriptors(), before);
+}
+
+}  // namespace
+}  // namespace orvelan

@@ -1,0 +1,445 @@
+#include "net/transfer_channel.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <functional>
+#include <sstream>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "support/loopback_server.h"
+#include "support/recording_events.h"
+
+namespace orvelan {
+namespace {
+
+// A transfer channel whose upper hooks record what arrives.
+class Probe : public TransferChannel {
+ public:
+  Probe() {
+    InitDefaults();
+    SetEventSink(&events);
+  }
+  RecordingEvents events;
+  std::string received;  // lines end with '|' when delivered as lines
+  int disconnects = 0;
+  int disconnect_code = -1;
+  std::function<void()> on_data;
+
+  // Runs wait cycles until `done` or a stop (301).
+  int WaitUntil(const std::function<bool()>& done) {
+    StartDeadline();
+    while (!done()) {
+      if (int rc = WaitCycle(); rc != 0) return rc;
+    }
+    return 0;
+  }
+  int Receive() { return ReceiveData(0); }
+
+ protected:
+  void FireDataIn(const char* data, int32_t length, bool end_of_line) override {
+    received.append(data, static_cast<size_t>(length));
+    if (end_of_line) received += '|';
+    if (on_data) on_data();
+  }
+  void FireDisconnected(int code, const char*) override {
+    ++disconnects;
+    disconnect_code = code;
+  }
+};
+
+int Configure(Probe& p, const std::string& setting) {
+  const char* out = nullptr;
+  return p.Config(setting.c_str(), out);
+}
+
+std::string Query(Probe& p, const std::string& name) {
+  const char* out = nullptr;
+  p.Config(name.c_str(), out);
+  return out;
+}
+
+void Target(Probe& p, int port, const char* host = "127.0.0.1") {
+  ASSERT_EQ(p.SetRemoteHost(host), 0);
+  ASSERT_EQ(p.SetRemotePort(port), 0);
+}
+
+TEST(TransferChannelTest, ExchangesLinesWithAServer) {
+  LoopbackServer server([](int fd) {
+    EXPECT_EQ(LoopbackServer::ReadUntil(fd, "\n"), "hello\n");
+    LoopbackServer::WriteAll(fd, "one\r\ntw");
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    LoopbackServer::WriteAll(fd, "o\r\nrest");
+  });
+  Probe p;
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0) << p.GetLastError();
+  EXPECT_TRUE(p.IsConnected());
+  ASSERT_EQ(p.SetEOL("\r\n"), 0);
+  ASSERT_EQ(p.SendAll("hello\n", 6, false), 0);
+  EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
+  EXPECT_EQ(p.received, "one|two|rest");  // the unended rest comes at close
+  EXPECT_EQ(p.disconnect_code, 0);
+  EXPECT_EQ(p.SocketHandle(), -1);
+  EXPECT_TRUE(p.events.Saw("Status(Remote host connection complete. Initiating SSL handshake.,0)"));
+  EXPECT_TRUE(p.events.Saw("Status(Remote host disconnected.,0)"));
+}
+
+TEST(TransferChannelTest, RefusedConnectReportsSystemError) {
+  Probe p;
+  Target(p, UnusedPort());
+  p.SetTimeout(5);
+  EXPECT_EQ(p.ConnectAndWait(), 111);
+  EXPECT_STREQ(p.GetLastError(), "[111] Connection refused.");
+  EXPECT_EQ(p.SocketHandle(), -1);
+  EXPECT_TRUE(p.events.Saw("Status(Remote host connection failed.,111)"));
+}
+
+TEST(TransferChannelTest, StalledServerTimesOutAndInterruptStops) {
+  LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
+  for (bool interrupt : {false, true}) {
+    SCOPED_TRACE(interrupt ? "interrupt" : "time-out");
+    Probe p;
+    Target(p, server.port());
+    ASSERT_EQ(Configure(p, "TimeoutInMilliseconds=true"), 0);
+    p.SetTimeout(interrupt ? 0 : 150);
+    ASSERT_EQ(p.ConnectAndWait(), 0);
+    int cycles = 0;
+    const auto start = std::chrono::steady_clock::now();
+    const int rc = p.WaitUntil([&] {
+      if (interrupt && ++cycles == 3) p.Interrupt();
+      return false;
+    });
+    const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+    EXPECT_EQ(rc, 301);
+    EXPECT_STREQ(p.GetLastError(), interrupt ? "Interrupted." : "Timeout.");
+    if (!interrupt) {
+      EXPECT_GE(ms.count(), 150);
+      EXPECT_LT(ms.count(), 1500);
+    }
+    p.Disconnect();
+  }
+}
+
+TEST(TransferChannelTest, TrafficRestartsTheDeadlineUnlessAbsolute) {
+  // The server trickles a byte every 40 ms for 480 ms; the time-out is 250 ms.
+  LoopbackServer server([](int fd) {
+    for (int i = 0; i < 12; ++i) {
+      LoopbackServer::WriteAll(fd, "x");
+      std::this_thread::sleep_for(std::chrono::milliseconds(40));
+    }
+  });
+  for (bool absolute : {false, true}) {
+    SCOPED_TRACE(absolute ? "absolute" : "restarted");
+    Probe p;
+    Target(p, server.port());
+    Configure(p, "TimeoutInMilliseconds=1");
+    Configure(p, absolute ? "AbsoluteTimeout=yes" : "AbsoluteTimeout=false");
+    p.SetTimeout(250);
+    ASSERT_EQ(p.ConnectAndWait(), 0);
+    const int rc = p.WaitUntil([&] { return p.disconnects > 0; });
+    if (absolute) {
+      EXPECT_EQ(rc, 301);
+      EXPECT_LT(p.received.size(), 12u);
+    } else {
+      EXPECT_EQ(rc, 0);
+      EXPECT_EQ(p.received, std::string(12, 'x'));
+    }
+    p.Disconnect();
+  }
+}
+
+TEST(TransferChannelTest, ReadyDataIsDeliveredWithoutWaitingACycle) {
+  // 50 ping-pongs with a 1 s select wait: any cycle that waited would show.
+  LoopbackServer server([](int fd) {
+    for (int i = 0; i < 50; ++i) {
+      LoopbackServer::ReadUntil(fd, "\n");
+      LoopbackServer::WriteAll(fd, "pong\n");
+    }
+  });
+  Probe p;
+  Target(p, server.port());
+  Configure(p, "SelectWaitMillis=1000");
+  p.SetTimeout(10);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  p.SetEOL("\n");
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 50; ++i) {
+    const size_t want = p.received.size() + 5;
+    ASSERT_EQ(p.SendAll("ping\n", 5, false), 0);
+    ASSERT_EQ(p.WaitUntil([&] { return p.received.size() >= want; }), 0);
+  }
+  const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+  EXPECT_LT(ms.count(), 500);
+}
+
+TEST(TransferChannelTest, LargeSendsCompleteThroughPartialWrites) {
+  const std::string payload(8 << 20, 'p');
+  std::atomic<size_t> got{0};
+  LoopbackServer server([&](int fd) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));  // let the socket fill up
+    char buffer[65536];
+    ssize_t n;
+    while ((n = read(fd, buffer, sizeof buffer)) > 0) got += static_cast<size_t>(n);
+  });
+  Probe p;
+  Target(p, server.port());
+  p.SetTimeout(10);
+  ASSERT_EQ(Configure(p, "OutBufferSize=4096"), 0);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  ASSERT_EQ(p.SendChunked(payload.data(), static_cast<int32_t>(payload.size()), 16384), 0);
+  p.Disconnect();
+  for (int i = 0; i < 200 && server.connections() == 1 && got < payload.size(); ++i) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  EXPECT_EQ(got, payload.size());
+}
+
+TEST(TransferChannelTest, SettersRefusedWhileASocketExists) {
+  LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
+  Probe p;
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  const struct {
+    std::function<int()> set;
+    int code;
+    const char* text;
+  } cases[] = {
+      {[&] { return p.SetRemoteHost("127.0.0.2"); }, 101,
+       "You cannot change the RemoteHost at this time. A connection is in progress."},
+      {[&] { return p.SetRemotePort(1); }, 100,
+       "You cannot change the RemotePort at this time. A connection is in progress."},
+      {[&] { return p.SetLocalPort(1); }, 106,
+       "You cannot change the LocalPort at this time. A connection is in progress."},
+      {[&] { return Configure(p, "MaxLineLength=10"); }, 112,
+       "You cannot change MaxLineLength at this time. A connection is in progress."},
+      {[&] { return p.Connect(true); }, 104,
+       "Already connected. If you want to reconnect, close the current connection first."},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(c.set(), c.code);
+    EXPECT_STREQ(p.GetLastError(), c.text);
+  }
+  EXPECT_STREQ(p.RemoteHost(), "127.0.0.1");
+  EXPECT_EQ(p.RemotePort(), server.port());
+  EXPECT_EQ(Query(p, "MaxLineLength"), "2048");
+  EXPECT_NE(p.LocalPort(), 0);  // the bound port of the live socket
+  EXPECT_EQ(Query(p, "SocketHandle"), std::to_string(p.SocketHandle()));
+  EXPECT_TRUE(p.IsConnected());
+}
+
+TEST(TransferChannelTest, ConnectChecksTargetFirst) {
+  const struct {
+    const char* host;
+    int port;
+    int firewall_type;
+    int code;
+    const char* text;
+  } cases[] = {
+      {"127.0.0.1", 0, 0, 116, "RemotePort can't be zero. Please specify a valid service port number."},
+      {"127.0.0.1", 0, 2, 116, "The FirewallPort is invalid (0)."},
+      {"", 80, 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
+      {"0.0.0.0", 80, 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text);
+    Probe p;
+    p.SetFirewallType(c.firewall_type);
+    p.SetRemoteHost(c.host);
+    p.SetRemotePort(c.port);
+    EXPECT_EQ(p.Connect(true), c.code);
+    EXPECT_STREQ(p.GetLastError(), c.text);
+    EXPECT_EQ(p.SocketHandle(), -1);
+  }
+}
+
+TEST(TransferChannelTest, UnknownHostGivesResolutionText) {
+  Probe p;
+  EXPECT_EQ(p.SetRemoteHost("no-such-host.invalid"), 1);
+  EXPECT_STREQ(p.GetLastError(), "The specified host is unknown.");
+}
+
+TEST(TransferChannelTest, SettingsAnswerQueries) {
+  Probe p;
+  const struct {
+    const char* set;
+    const char* name;
+    const char* answer;
+  } cases[] = {
+      {nullptr, "SelectWaitMillis", "20"},
+      {"SelectWaitMillis=5", "SelectWaitMillis", "5"},
+      {nullptr, "AbsoluteTimeout", "False"},
+      {"AbsoluteTimeout=YES", "AbsoluteTimeout", "True"},
+      {nullptr, "WinsockStatus", "0"},
+      {"IgnoreExternalEvents=1", "IgnoreExternalEvents", "True"},
+      {"UseIPv6=true", "UseIPv6", "True"},
+      {"MaxLineLength=100000", "MaxLineLength", "65536"},
+      {nullptr, "InBufferSize", "65536"},
+      {"OutBufferSize=0", "OutBufferSize", "0"},
+      {"TcpNoDelay=1", "TcpNoDelay", "True"},
+      {"SplitCRLF=1", "SplitCRLF", "True"},
+      {"GracefullyShutDownSSL=1", "GracefullyShutDownSSL", "True"},
+      {"RecordToFile=/tmp/x", "RecordToFile", "/tmp/x"},
+      {nullptr, "SocketHandle", "-1"},
+      {"FirewallType=2", "FirewallPort", "1080"},
+      {"FirewallPort=1081", "FirewallPort", "1081"},
+      {"FirewallUser=u", "FirewallUser", "u"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    if (c.set != nullptr) {
+      EXPECT_EQ(Configure(p, c.set), 0);
+    }
+    EXPECT_EQ(Query(p, c.name), c.answer);
+  }
+  EXPECT_EQ(Configure(p, "NoSuchSetting=1"), -1);
+  EXPECT_STREQ(p.GetLastError(), "Unknown config setting.");
+}
+
+TEST(TransferChannelTest, TimeoutUnitSwitchKeepsTheNumber) {
+  LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
+  Probe p;
+  p.SetTimeout(60);
+  ASSERT_EQ(Configure(p, "TimeoutInMilliseconds=True"), 0);
+  EXPECT_EQ(p.Timeout(), 60);
+  Target(p, server.port());
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(p.WaitUntil([] { return false; }), 301);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));  // 60 ms, not 60 s
+}
+
+TEST(TransferChannelTest, ExternalEventLoopWaitsThroughTheHost) {
+  LoopbackServer server([](int fd) { LoopbackServer::WriteAll(fd, "hi"); });
+  Probe p;
+  p.SetExternalEventLoop(true);
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  EXPECT_EQ(p.events.log.front(), "Watch(51)");
+  EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
+  EXPECT_EQ(p.received, "hi");
+  EXPECT_GT(p.events.waits, 0);
+  EXPECT_TRUE(p.events.Saw("Unwatch(7)"));
+  // A host that hands back -1 interrupts the wait.
+  LoopbackServer stall([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
+  Probe q;
+  q.SetExternalEventLoop(true);
+  q.events.next_wait_ms = -1;
+  Target(q, stall.port());
+  EXPECT_EQ(q.ConnectAndWait(), 301);
+  EXPECT_STREQ(q.GetLastError(), "Interrupted.");
+}
+
+TEST(TransferChannelTest, RecordToFileWritesTheTranscript) {
+  char path[] = "/tmp/orvelan-transcript-XXXXXX";
+  const int fd = mkstemp(path);
+  ASSERT_GE(fd, 0);
+  close(fd);
+  LoopbackServer server([](int s) {
+    LoopbackServer::ReadUntil(s, "?");
+    LoopbackServer::WriteAll(s, std::string("ok\0", 3));
+  });
+  Probe p;
+  Configure(p, std::string("RecordToFile=") + path);
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  ASSERT_EQ(p.SendAll("why$?", 5, false), 0);
+  ASSERT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream text;
+  text << in.rdbuf();
+  EXPECT_EQ(text.str(), "\r\nexpect -exact \"why\\$?\"\r\n\r\nsend -nonewline \"ok\\000\"\r\n");
+  unlink(path);
+}
+
+TEST(TransferChannelTest, ConnectsOverIPv6) {
+  LoopbackServer server([](int fd) { LoopbackServer::WriteAll(fd, "six"); }, /*ipv6=*/true);
+  Probe p;
+  Configure(p, "UseIPv6=true");
+  Target(p, server.port(), "::1");
+  EXPECT_STREQ(p.RemoteHost(), "::1");
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0) << p.GetLastError();
+  EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
+  EXPECT_EQ(p.received, "six");
+}
+
+TEST(TransferChannelTest, SplitCRLFCutsAtAnyLineEnd) {
+  LoopbackServer server([](int fd) {
+    LoopbackServer::WriteAll(fd, "A\r");
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    LoopbackServer::WriteAll(fd, "\nB\n\rX\r\rY");
+  });
+  Probe p;
+  ASSERT_EQ(Configure(p, "SplitCRLF=true"), 0);
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
+  EXPECT_EQ(p.received, "A|B|X||Y");
+}
+
+TEST(TransferChannelTest, AcceptDataHoldsDeliveryBack) {
+  LoopbackServer server([](int fd) {
+    LoopbackServer::WriteAll(fd, "one\ntwo\n");
+    LoopbackServer::ReadUntil(fd, "never");
+  });
+  Probe p;
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  p.SetEOL("\n");
+  p.SetAcceptData(false);
+  // The lines are there to read; polling must not hand them up.
+  const auto start = std::chrono::steady_clock::now();
+  while (std::chrono::steady_clock::now() - start < std::chrono::milliseconds(60)) p.ProcessEvents(0);
+  EXPECT_EQ(p.received, "");
+  p.SetAcceptData(true);
+  EXPECT_EQ(p.WaitUntil([&] { return p.received.size() >= 8; }), 0);
+  EXPECT_EQ(p.received, "one|two|");
+  p.Disconnect();
+}
+
+TEST(TransferChannelTest, PartialSendIs11AndWaitsForWritable) {
+  // Even a reading server cannot take 4 MB through a 4 KB send buffer at once.
+  LoopbackServer server([](int fd) {
+    char buffer[65536];
+    while (::read(fd, buffer, sizeof buffer) > 0) {
+    }
+  });
+  Probe p;
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(Configure(p, "OutBufferSize=4096"), 0);
+  ASSERT_EQ(p.ConnectAndWait(), 0);
+  const std::string big(4 << 20, 'z');
+  EXPECT_EQ(p.Send(big.data(), static_cast<int32_t>(big.size())), 11);
+  EXPECT_GT(p.BytesLastSent(), 0);
+  EXPECT_LT(p.BytesLastSent(), static_cast<int32_t>(big.size()));
+  // The armed write event lets the rest go out through the wait loop, promptly.
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_EQ(p.SendAll(big.data() + p.BytesLastSent(), static_cast<int32_t>(big.size()) - p.BytesLastSent(), false),
+            0);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
+  p.Disconnect();
+}
+
+TEST(TransferChannelTest, SendWithoutConnectionIs107) {
+  Probe p;
+  EXPECT_EQ(p.Send("x", 1), 107);
+}
+
+}  // namespace
+}  // namespace orvelan

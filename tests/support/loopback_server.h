@@ -1,0 +1,42 @@
+#pragma once
+#include <atomic>
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace orvelan {
+
+// A scripted TCP server on 127.0.0.1 (or ::1) at a port chosen by the system.
+// Each accepted connection runs the script on the server's own thread, one at
+// a time; the destructor stops accepting and joins. Used for the faults real
+// servers will not produce on purpose (stalls, closes mid-body, split writes).
+class LoopbackServer {
+ public:
+  using Script = std::function<void(int fd)>;
+  explicit LoopbackServer(Script script, bool ipv6 = false);
+  LoopbackServer(const LoopbackServer&) = delete;
+  LoopbackServer& operator=(const LoopbackServer&) = delete;
+  ~LoopbackServer();
+
+  int port() const { return port_; }
+  int connections() const { return connections_.load(); }
+
+  // Helpers for scripts: read until `marker` (or end), write all of `bytes`.
+  static std::string ReadUntil(int fd, const std::string& marker);
+  // Reads a request head and, from Content-Length, its body.
+  static std::string ReadRequest(int fd);
+  static void WriteAll(int fd, const std::string& bytes);
+
+ private:
+  Script script_;
+  std::thread thread_;
+  std::atomic<int> connections_{0};
+  std::atomic<bool> stopping_{false};
+  int listener_ = -1;
+  int port_ = 0;
+};
+
+// A port on which nothing listens (bound, then closed).
+int UnusedPort();
+
+}  // namespace orvelan
