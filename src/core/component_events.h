@@ -27,7 +27,7 @@ class ComponentEvents {
   // 2
   virtual int FireError(int error_code, const char* description) = 0;
   // 3: `accept` comes back as the host's decision. The certificate is
-  // `cert_length` bytes of DER.
+  // `cert_length` bytes in the encoding of SSLServerCertEncoded.
   virtual int FireSSLServerAuthentication(const char* cert_encoded, int cert_length, const char* cert_subject,
                                           const char* cert_issuer, const char* status, int& accept) = 0;
   // 4
