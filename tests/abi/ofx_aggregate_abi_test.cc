@@ -1,6 +1,7 @@
 // What a host sees through the exported functions of OFXAggregate.
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -19,13 +20,12 @@ class OFXAggregateAbiTest : public ::testing::Test {
   }
   intptr_t Integer(int id) { return reinterpret_cast<intptr_t>(OFXAggregate_Get(obj_, id, 0, nullptr)); }
   int SetText(int id, const char* value) { return OFXAggregate_Set(obj_, id, 0, value, 0); }
-  int Do(int method, const char* argument, intptr_t* result_slot, std::string* answer) {
+  // Runs a method with one argument and returns its result slot.
+  void* Do(int method, const char* argument, int expected_rc = 0) {
     void* params[2] = {const_cast<char*>(argument), nullptr};
     int lengths[2] = {0, 0};
-    const int rc = OFXAggregate_Do(obj_, method, 2, params, lengths);
-    if (result_slot != nullptr) *result_slot = reinterpret_cast<intptr_t>(params[1]);
-    if (answer != nullptr) *answer = params[1] == nullptr ? "" : static_cast<const char*>(params[1]);
-    return rc;
+    EXPECT_EQ(OFXAggregate_Do(obj_, method, 2, params, lengths), expected_rc) << argument;
+    return params[1];
   }
   std::string LastError() { return OFXAggregate_GetLastError(obj_); }
   int LastCode() { return OFXAggregate_GetLastErrorCode(obj_); }
@@ -61,17 +61,13 @@ TEST_F(OFXAggregateAbiTest, WalksAnAggregate) {
 TEST_F(OFXAggregateAbiTest, BadIndexesReadEmptyWith432) {
   ASSERT_EQ(SetText(OFXAGGREGATE_PROP_AGGREGATE, kTransaction), 0);
   ASSERT_EQ(SetText(OFXAGGREGATE_PROP_ELEMENTPATH, "/STMTTRN"), 0);
-  struct Case {
-    int id;
-    int index;
-    const char* text;
-  } cases[] = {
+  const struct { int id, index; const char* text; } cases[] = {
       {OFXAGGREGATE_PROP_CHILDNAME, 3, "Invalid element index."},
       {OFXAGGREGATE_PROP_CHILDTEXT, -1, "Invalid element index."},
       {OFXAGGREGATE_PROP_AGGREGATENAMESPACEURI, 1, "Invalid namespace index."},
       {OFXAGGREGATE_PROP_AGGREGATENAMESPACEPREFIX, 0x10001, "Invalid namespace index."},
   };
-  for (const Case& c : cases) {
+  for (const auto& c : cases) {
     SCOPED_TRACE(c.id);
     EXPECT_EQ(Text(c.id, c.index), "");
     EXPECT_EQ(LastCode(), 432);
@@ -92,22 +88,17 @@ TEST_F(OFXAggregateAbiTest, BadIndexesReadEmptyWith432) {
 TEST_F(OFXAggregateAbiTest, PathExistsAndConfig) {
   ASSERT_EQ(SetText(OFXAGGREGATE_PROP_AGGREGATE, kTransaction), 0);
   ASSERT_EQ(SetText(OFXAGGREGATE_PROP_ELEMENTPATH, "/STMTTRN"), 0);
-  intptr_t exists = -1;
-  EXPECT_EQ(Do(OFXAGGREGATE_METHOD_PATHEXISTS, "TRNAMT", &exists, nullptr), 0);
-  EXPECT_EQ(exists, 1);
-  EXPECT_EQ(Do(OFXAGGREGATE_METHOD_PATHEXISTS, "NOPE", &exists, nullptr), 0);
-  EXPECT_EQ(exists, 0);
+  EXPECT_EQ(Do(OFXAGGREGATE_METHOD_PATHEXISTS, "TRNAMT"), reinterpret_cast<void*>(1));
+  EXPECT_EQ(Do(OFXAGGREGATE_METHOD_PATHEXISTS, "NOPE"), nullptr);
   EXPECT_EQ(Text(OFXAGGREGATE_PROP_ELEMENTPATH), "/STMTTRN");
 
-  std::string answer;
   ASSERT_EQ(SetText(OFXAGGREGATE_PROP_ELEMENTPATH, "TRNAMT"), 0);
-  EXPECT_EQ(Do(OFXAGGREGATE_METHOD_CONFIG, "XSubTree", nullptr, &answer), 0);
-  EXPECT_EQ(answer, "<TRNAMT>-10.00</TRNAMT>");
-  EXPECT_EQ(Do(OFXAGGREGATE_METHOD_CONFIG, "AllowMoreThanOneRoot", nullptr, &answer), 0);
-  EXPECT_EQ(answer, "True");
-  EXPECT_EQ(Do(OFXAGGREGATE_METHOD_CONFIG, "CodePage", nullptr, &answer), 0);
-  EXPECT_EQ(answer, "0");
-  EXPECT_EQ(Do(OFXAGGREGATE_METHOD_CONFIG, "Bogus=1", nullptr, nullptr), -1);
+  const std::pair<const char*, const char*> settings[] = {
+      {"XSubTree", "<TRNAMT>-10.00</TRNAMT>"}, {"AllowMoreThanOneRoot", "True"}, {"CodePage", "0"}};
+  for (const auto& [setting, answer] : settings) {
+    EXPECT_STREQ(static_cast<const char*>(Do(OFXAGGREGATE_METHOD_CONFIG, setting)), answer);
+  }
+  Do(OFXAGGREGATE_METHOD_CONFIG, "Bogus=1", -1);
   EXPECT_EQ(LastError(), "Unknown config setting.");
 }
 

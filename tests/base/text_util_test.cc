@@ -12,14 +12,11 @@ namespace orvelan {
 namespace {
 
 TEST(TextUtilTest, CompareNoCase) {
+  // The shorter text's NUL is the unequal byte; '[' follows 'Z' but is not
+  // folded; bytes compare unsigned and only ASCII letters fold.
   const struct { const char* a; const char* b; int difference; } cases[] = {
-      {"Content-Length", "content-LENGTH", 0},
-      {"abd", "ABC", 'd' - 'c'},
-      {"ab", "abc", -'c'},  // the shorter text's NUL is the unequal byte
-      {nullptr, "a", -'a'},
-      {"Z", "[", 'z' - '['},          // '[' follows 'Z' but is not folded
-      {"\xc9", "\xe9", 0xc9 - 0xe9},  // unsigned bytes; only ASCII letters fold
-  };
+      {"Content-Length", "content-LENGTH", 0}, {"abd", "ABC", 'd' - 'c'},   {"ab", "abc", -'c'},
+      {nullptr, "a", -'a'},                    {"Z", "[", 'z' - '['},       {"\xc9", "\xe9", 0xc9 - 0xe9}};
   for (const auto& c : cases) {
     EXPECT_EQ(CompareNoCase(c.a, c.b), c.difference) << (c.a ? c.a : "null") << " vs " << c.b;
   }
@@ -61,22 +58,13 @@ TEST(TextUtilTest, SpaceIsOnlySpaceCrLfAndTab) {
 
 TEST(TextUtilTest, ParseDecimal) {
   const double inf = std::numeric_limits<double>::infinity();
-  const struct { const char* text; double value; int end; } cases[] = {  // end: the end pointer's offset
-      {"  -12.50e1x", -125, 10},
-      {"1e", 1, 1},
-      {"1E-x", 1, 1},
-      {"abc", 0, 0},
-      {"-.e5", 0, 0},
-      {"+.5e+2", 50, 6},
-      {"1.2.3", 1.2, 3},
-      {"\v7", 0, 0},  // only space, CR, LF and TAB are skipped
-      {"1,5", 1, 1},
-      {"1e308", 1e308, 5},
-      {"1e1000", inf, 6},  // 1000 counts as 511
-      {"1e512", inf, 5},
-      {"-1e-512", 0, 7},
-      {"0e1000", 0, 6},
-      {"1e99999999999999999999", inf, 22},
+  // end: the end pointer's offset; only space, CR, LF and TAB are skipped;
+  // an exponent of 1000 counts as 511.
+  const struct { const char* text; double value; int end; } cases[] = {
+      {"  -12.50e1x", -125, 10}, {"1e", 1, 1},        {"1E-x", 1, 1},     {"abc", 0, 0},
+      {"-.e5", 0, 0},            {"+.5e+2", 50, 6},   {"1.2.3", 1.2, 3},  {"\v7", 0, 0},
+      {"1,5", 1, 1},             {"1e308", 1e308, 5}, {"1e1000", inf, 6}, {"1e512", inf, 5},
+      {"-1e-512", 0, 7},         {"0e1000", 0, 6},    {"1e99999999999999999999", inf, 22},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);

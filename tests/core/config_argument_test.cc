@@ -1,41 +1,34 @@
 #include "core/config_argument.h"
 
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
 namespace orvelan {
 namespace {
 
-struct ParseCase {
-  const char* text;
-  const char* name;
-  const char* value;
-  int index;
-  bool is_query;
-};
-
-const ParseCase kParseCases[] = {
-    {"CodePage", "CodePage", "", -1, true},
-    {"CodePage=65001", "CodePage", "65001", -1, false},
-    {"Name=", "Name", "", -1, false},  // a set with an empty value, not a query
-    {"A=b=c", "A", "b=c", -1, false},
-    {"Name[3]=x", "Name", "x", 3, false},
-    {"Name(3)=x", "Name", "x", 3, false},
-    {"Name[1][2]=x", "Name", "x", 12, false},  // index digits run on
-    {"Name[3]", "Name", "", 3, true},
-    {"Na[2]me=v", "Name", "v", 2, false},
-    {"Name[x]=v", "Name", "v", 0, false},
-    {"Name[=]=v", "Name", "v", 0, false},     // "=" inside an index is collected
-    {"Name[5=v", "Name", "", -1, true},       // an index never closed swallows the rest
-    {"", "", "", -1, true},
-    {"=", "", "", -1, false},
-    {" Spaced = 1 ", " Spaced ", " 1 ", -1, false},
-};
-
 TEST(ConfigArgumentTest, ParsesNameIndexValueAndQuery) {
-  for (const ParseCase& c : kParseCases) {
-    SCOPED_TRACE(c.text);
+  const struct { const char* text; const char* name; const char* value; int index; bool is_query; } cases[] = {
+      {"CodePage", "CodePage", "", -1, true},
+      {"CodePage=65001", "CodePage", "65001", -1, false},
+      {"Name=", "Name", "", -1, false},  // a set with an empty value, not a query
+      {"A=b=c", "A", "b=c", -1, false},
+      {"Name[3]=x", "Name", "x", 3, false},
+      {"Name(3)=x", "Name", "x", 3, false},
+      {"Name[1][2]=x", "Name", "x", 12, false},  // index digits run on
+      {"Name[3]", "Name", "", 3, true},
+      {"Na[2]me=v", "Name", "v", 2, false},
+      {"Name[x]=v", "Name", "v", 0, false},
+      {"Name[=]=v", "Name", "v", 0, false},  // "=" inside an index is collected
+      {"Name[5=v", "Name", "", -1, true},    // an index never closed swallows the rest
+      {"", "", "", -1, true},
+      {nullptr, "", "", -1, true},
+      {"=", "", "", -1, false},
+      {" Spaced = 1 ", " Spaced ", " 1 ", -1, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.text ? c.text : "null");
     ConfigArgument argument;
     ASSERT_EQ(argument.Parse(c.text), 0);
     EXPECT_STREQ(argument.Name(), c.name);
@@ -46,41 +39,27 @@ TEST(ConfigArgumentTest, ParsesNameIndexValueAndQuery) {
   }
 }
 
-TEST(ConfigArgumentTest, NullTextIsAQueryOfTheEmptyName) {
-  ConfigArgument argument;
-  ASSERT_EQ(argument.Parse(nullptr), 0);
-  EXPECT_STREQ(argument.Name(), "");
-  EXPECT_TRUE(argument.IsQuery());
-}
-
 TEST(ConfigArgumentTest, NameIsIgnoresAsciiCaseOnly) {
   ConfigArgument argument;
   ASSERT_EQ(argument.Parse("cODEpAGE=1"), 0);
   EXPECT_TRUE(argument.NameIs("CodePage"));
-  EXPECT_FALSE(argument.NameIs("CodePag"));
-  EXPECT_FALSE(argument.NameIs("CodePages"));
+  EXPECT_FALSE(argument.NameIs("CodePag") || argument.NameIs("CodePages"));
   ASSERT_EQ(argument.Parse("\xC9t\xE9=1"), 0);
   EXPECT_FALSE(argument.NameIs("\xE9t\xE9"));  // bytes above 127 are not folded
 }
 
-TEST(ConfigArgumentTest, ValueAsBool) {
-  const std::pair<const char*, bool> cases[] = {
-      {"X=TRUE", true}, {"X=true", true},  {"X=TrUe", true}, {"X=yes", true},  {"X=YES", true},
-      {"X=1", true},    {"X=", false},     {"X=0", false},   {"X=no", false},  {"X=on", false},
-      {"X=11", false},  {"X=true ", false}, {"X=y", false},  {"X=False", false},
-  };
-  for (const auto& [text, expected] : cases) {
+TEST(ConfigArgumentTest, ValueAsBoolAndInt) {
+  const std::pair<const char*, bool> bools[] = {
+      {"X=TRUE", true}, {"X=TrUe", true}, {"X=yes", true}, {"X=YES", true},   {"X=1", true},
+      {"X=", false},    {"X=0", false},   {"X=on", false}, {"X=11", false},   {"X=true ", false}, {"X=y", false}};
+  for (const auto& [text, expected] : bools) {
     ConfigArgument argument;
     ASSERT_EQ(argument.Parse(text), 0);
     EXPECT_EQ(argument.ValueAsBool(), expected) << text;
   }
-}
-
-TEST(ConfigArgumentTest, ValueAsIntTakesLeadingDigits) {
-  const std::pair<const char*, int> cases[] = {
-      {"X=65001", 65001}, {"X=12abc", 12}, {"X=abc", 0}, {"X=-7", -7}, {"X=+7", 7}, {"X= 7", 0}, {"X=", 0},
-  };
-  for (const auto& [text, expected] : cases) {
+  const std::pair<const char*, int> ints[] = {
+      {"X=65001", 65001}, {"X=12abc", 12}, {"X=abc", 0}, {"X=-7", -7}, {"X=+7", 7}, {"X= 7", 0}, {"X=", 0}};
+  for (const auto& [text, expected] : ints) {
     ConfigArgument argument;
     ASSERT_EQ(argument.Parse(text), 0);
     EXPECT_EQ(argument.ValueAsInt(), expected) << text;

@@ -95,9 +95,14 @@ TEST_F(FileHandleTest, WritesAndReadsAtOffsets) {
   char buffer[7];
   ASSERT_EQ(file.ReadExact(buffer, 7), 0);  // exactly to the end
   EXPECT_EQ(std::string(buffer, 7), "3ab6789");
+  FileName name;
+  ASSERT_EQ(name.SetNarrowName(path_.c_str()), 0);
+  ASSERT_EQ(file.OpenWrite(name, 0), 0);  // truncates
+  EXPECT_EQ(file.Write("new"), 0);
+  EXPECT_EQ(file.Size(), 3);
 
-  // A missing file is created, with the gap reading as zeros, and the umask
-  // alone narrows its mode.
+  // A missing file is created with the gap reading as zeros, its mode
+  // narrowed by the umask alone.
   const std::string fresh = dir_ + "/fresh";
   const mode_t saved = ::umask(0);
   const int opened = file.OpenWrite(fresh.c_str(), 3);
@@ -106,17 +111,10 @@ TEST_F(FileHandleTest, WritesAndReadsAtOffsets) {
   EXPECT_EQ(file.Write("z"), 0);
   file.Close();
   EXPECT_EQ(ReadFile(fresh), std::string("\0\0\0z", 4));
+  EXPECT_EQ(ReadFile(path_), "new");
   struct stat st;
   ASSERT_EQ(::stat(fresh.c_str(), &st), 0);
   EXPECT_EQ(st.st_mode & 0777, 0666u);
-
-  FileName name;
-  ASSERT_EQ(name.SetNarrowName(path_.c_str()), 0);
-  ASSERT_EQ(file.OpenWrite(name, 0), 0);  // truncates
-  EXPECT_EQ(file.Write("new"), 0);
-  EXPECT_EQ(file.Size(), 3);
-  file.Close();
-  EXPECT_EQ(ReadFile(path_), "new");
 }
 
 TEST_F(FileHandleTest, HoldsOneCloseOnExecDescriptorAndLeaksNone) {
