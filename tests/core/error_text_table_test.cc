@@ -8,16 +8,11 @@ namespace orvelan {
 namespace {
 
 TEST(ErrorTextTableTest, FindsTextsByNumber) {
-  const struct {
-    int number;
-    const char* text;  // null: the table has no row
-  } cases[] = {
-      {11, "Try again."},  // not the later "Operation would block." row
-      {12, "Out of memory."},
-      {110, "Connection timed out."},
-      {124, "Wrong medium type."},
-      {7, nullptr}, {41, nullptr}, {58, nullptr}, {0, nullptr}, {-1, nullptr}, {125, nullptr},
-  };
+  // null: the table has no row; 11 is not the later "Operation would block." row.
+  const struct { int number; const char* text; } cases[] = {
+      {11, "Try again."}, {12, "Out of memory."}, {110, "Connection timed out."}, {124, "Wrong medium type."},
+      {7, nullptr},       {41, nullptr},          {58, nullptr},                  {0, nullptr},
+      {-1, nullptr},      {125, nullptr}};
   for (const auto& c : cases) EXPECT_STREQ(SystemErrorText(c.number), c.text) << c.number;
 }
 
