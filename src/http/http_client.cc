@@ -364,7 +364,7 @@ int HttpClient::Request(const char* method, bool with_body) {
   if (body_length > 0) FireEndTransfer(0);
   if (rc != kOk && IsConnected()) {
     // The server may have answered (and closed) before taking the whole body.
-    Disconnect(0);
+    DropConnection(0);
   }
   if (rc != kOk && status_code_ == 0) return rc;
   return EvaluateResponse(WaitForResponse());
@@ -378,7 +378,7 @@ int HttpClient::OnSendProgress(int64_t bytes_done) {
 int HttpClient::WaitForResponse() {
   while (!response_complete_ && IsConnected()) {
     if (int rc = WaitCycle(); rc != kOk) {
-      Disconnect(0);
+      DropConnection(0);
       return rc;
     }
   }
@@ -401,7 +401,7 @@ void HttpClient::FailResponse(int code, const char* text) {
     SetErrorText(text);
   }
   response_complete_ = true;
-  Disconnect(0);
+  DropConnection(0);
 }
 
 void HttpClient::FireDataIn(const char* data, int32_t length, bool /*end_of_line*/) {

@@ -423,7 +423,7 @@ int TcpClient::OnSocketEvent(int message, unsigned long socket, long event_bits)
         in_receive_ = false;
         if (disconnect_pending_) {
           disconnect_pending_ = false;
-          Disconnect(pending_disconnect_word_);
+          TcpClient::Disconnect(pending_disconnect_word_);
         }
       }
       break;
@@ -448,7 +448,7 @@ int TcpClient::OnSocketEvent(int message, unsigned long socket, long event_bits)
       break;
     case kEventClose:
       ReceiveData(2);
-      Disconnect(event_bits);
+      TcpClient::Disconnect(event_bits);  // the peer is gone: nothing queued can be flushed
       break;
     default:
       break;
@@ -481,7 +481,7 @@ int TcpClient::ReceiveData(int mode) {
     if (disconnect_pending_ && mode == 0) {
       in_receive_ = false;
       disconnect_pending_ = false;
-      return Disconnect(pending_disconnect_word_);
+      return TcpClient::Disconnect(pending_disconnect_word_);
     }
     // Without line cutting there is nothing to keep between reads, so bulk
     // data skips the line buffer and arrives in large pieces.
@@ -520,7 +520,7 @@ int TcpClient::ReceiveData(int mode) {
     // End of stream.
     in_receive_ = false;
     if (mode != 0) return kOk;
-    return Disconnect(pending_disconnect_word_);
+    return TcpClient::Disconnect(pending_disconnect_word_);
   }
 }
 

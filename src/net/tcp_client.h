@@ -87,7 +87,8 @@ class TcpClient : public SocketCore {
   // later through OnConnected.
   int Connect(bool on);
   // Closes the connection; the error half of `event_word` reaches OnDisconnected.
-  int Disconnect(long event_word = 0);
+  // Layers that hold unsent data may refuse with 11 (see TlsChannel).
+  virtual int Disconnect(long event_word = 0);
   // One non-blocking send: 0 when all was taken, 11 when only part (then
   // BytesLastSent() says how much and a write event is armed), 107 when not
   // connected, or the system error.

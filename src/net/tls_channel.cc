@@ -243,6 +243,14 @@ int TlsChannel::SendData(const char* data, int32_t length) {
   return rc == kErrWouldBlock ? kOk : rc;  // the data was taken; the records follow on write readiness
 }
 
+int TlsChannel::Disconnect(long event_word) {
+  if (tls_enabled_ && session_.IsOpen() && !handshake_pending_ && Linger() && !session_.Outgoing().empty() &&
+      FlushOutgoing() == kErrWouldBlock) {
+    return ReportError(kErrWouldBlock, "Operation would block. (To force disconnection, set Linger FALSE).");
+  }
+  return TcpClient::Disconnect(event_word);
+}
+
 int TlsChannel::FlushOutgoing() {
   std::string& out = session_.Outgoing();
   while (!out.empty()) {
@@ -352,7 +360,7 @@ void TlsChannel::AbortTls(int code, const char* text) {
   FireSSLStatus("SSL connection closed.");
   if (was_handshaking) FireConnected(code, description.c_str());
   SetErrorText(description.c_str());
-  Disconnect(0);
+  TcpClient::Disconnect(0);  // an abort drops whatever is still queued
 }
 
 void TlsChannel::OnDataIn(const char* data, int32_t length, bool end_of_line) {
@@ -384,7 +392,7 @@ void TlsChannel::ReadPlaintext() {
     if (result == TlsSession::kWantMore) return;
     if (result == TlsSession::kClosed) {
       // close_notify: the peer is done; the TCP close follows.
-      Disconnect(0);
+      TcpClient::Disconnect(0);
       return;
     }
     const int code = ReportTlsProblem(true, "Error in reading from SSL Connection", 287);

@@ -41,6 +41,11 @@ class TlsChannel : public TcpClient {
   // Switches TLS on or off for the next connection; `host` is the name the
   // server's certificate must carry (and the SNI sent).
   int EnableTls(bool on, const char* host);
+  // With Linger on, records not yet sent are flushed first; if some still
+  // wait, 11 and nothing is closed (the host retries, or sets Linger off to
+  // drop them). The TLS connection always ends with a close_notify, whatever
+  // GracefullyShutDownSSL says.
+  int Disconnect(long event_word = 0) override;
   bool TlsEnabled() const { return tls_enabled_; }
 
   // A server certificate trusted without further checks: the base64 body of
@@ -67,6 +72,10 @@ class TlsChannel : public TcpClient {
   int SSLServerCertEncoded(const char*& data, int32_t& length);
 
  protected:
+  // Closes at once, dropping records not yet sent: for failure paths, where
+  // the data no longer matters.
+  int DropConnection(long event_word = 0) { return TcpClient::Disconnect(event_word); }
+
   void OnConnected(int code) override;
   void OnDisconnected(int code) override;
   void OnDataIn(const char* data, int32_t length, bool end_of_line) override;
