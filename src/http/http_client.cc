@@ -427,10 +427,9 @@ void HttpClient::OnStatus(std::string_view version, int code, std::string_view d
   FireStatus(status_version_.c_str(), code, status_description_.c_str());
 }
 
-void HttpClient::OnHeader(std::string_view name, std::string_view value) {
-  raw_headers_.append(name.data(), name.size());
-  raw_headers_ += ": ";
-  raw_headers_.append(value.data(), value.size());
+void HttpClient::OnHeader(std::string_view line, std::string_view name, std::string_view value) {
+  // Kept as sent, not rebuilt from the split: case, spacing and folding survive.
+  raw_headers_.append(line.data(), line.size());
   raw_headers_ += "\r\n";
   headers_.emplace_back(std::string(name), std::string(value));
   FireHeader(headers_.back().first.c_str(), headers_.back().second.c_str());
