@@ -49,8 +49,13 @@ class TcpClient : public SocketCore {
   int32_t FirewallType() const { return tunnel_.type(); }
   // Also sets FirewallPort to the type's default port.
   int SetFirewallType(int32_t type);
+  // The text as set; resolved to IPv4 at once (also with UseIPv6). A name
+  // that does not resolve leaves address 0 and returns the system error
+  // number (EINVAL when the resolver gives none).
   const char* FirewallHost() const { return tunnel_.host(); }
-  int SetFirewallHost(const char* host) { return tunnel_.SetHost(host); }
+  int SetFirewallHost(const char* host);
+  // Network order; 0 when none or unresolved.
+  uint32_t FirewallAddress() const { return tunnel_.address(); }
   int32_t FirewallPort() const { return tunnel_.port(); }
   int SetFirewallPort(int32_t port);
   // User and password are cut to 255 bytes.
@@ -122,6 +127,7 @@ class TcpClient : public SocketCore {
 
  private:
   int Resolve(const char* host, sockaddr_storage* address, bool remote);
+  int ResolveIPv4(const char* host, sockaddr_in* address, bool remote);
   bool Deliver(const char* data, int32_t length, bool end_of_line);
   bool MayDeliver() const { return (accept_data_ || tunnel_.Negotiating()) && !interrupt_requested_; }
   int ApplyOptions();

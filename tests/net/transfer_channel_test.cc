@@ -1,5 +1,6 @@
 #include "net/transfer_channel.h"
 
+#include <arpa/inet.h>
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -243,18 +244,24 @@ TEST(TransferChannelTest, ConnectChecksTargetFirst) {
     const char* host;
     int port;
     int firewall_type;
+    const char* firewall_host;
+    int firewall_port;
     int code;
     const char* text;
   } cases[] = {
-      {"127.0.0.1", 0, 0, 116, "RemotePort can't be zero. Please specify a valid service port number."},
-      {"127.0.0.1", 0, 2, 116, "The FirewallPort is invalid (0)."},
-      {"", 80, 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
-      {"0.0.0.0", 80, 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
+      {"127.0.0.1", 0, 0, "", 0, 116, "RemotePort can't be zero. Please specify a valid service port number."},
+      {"127.0.0.1", 80, 2, "127.0.0.1", 0, 116, "The FirewallPort is invalid (0)."},
+      {"127.0.0.1", 80, 2, "", 1080, 102, "The FirewallHost address is invalid (0.0.0.0)."},
+      {"127.0.0.1", 80, 1, "no-proxy.invalid", 80, 102, "The FirewallHost address is invalid (0.0.0.0)."},
+      {"", 80, 0, "", 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
+      {"0.0.0.0", 80, 0, "", 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     Probe p;
     p.SetFirewallType(c.firewall_type);
+    p.SetFirewallHost(c.firewall_host);
+    p.SetFirewallPort(c.firewall_port);
     p.SetRemoteHost(c.host);
     p.SetRemotePort(c.port);
     EXPECT_EQ(p.Connect(true), c.code);
@@ -267,6 +274,38 @@ TEST(TransferChannelTest, UnknownHostGivesResolutionText) {
   Probe p;
   EXPECT_EQ(p.SetRemoteHost("no-such-host.invalid"), 1);
   EXPECT_STREQ(p.GetLastError(), "The specified host is unknown.");
+}
+
+// The firewall host is resolved when set; the text reads back as set.
+TEST(TransferChannelTest, FirewallHostIsResolvedToIPv4) {
+  const struct {
+    const char* host;
+    bool resolves;
+    const char* address;
+  } cases[] = {
+      {"127.0.0.1", true, "127.0.0.1"},
+      {"localhost", true, "127.0.0.1"},
+      {"", true, "0.0.0.0"},
+      {"proxy.example.invalid", false, "0.0.0.0"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.host);
+    Probe p;
+    ASSERT_EQ(p.SetFirewallHost("127.0.0.2"), 0);  // a previous address must not survive
+    const int rc = p.SetFirewallHost(c.host);
+    if (c.resolves) {
+      EXPECT_EQ(rc, 0);
+    } else {
+      EXPECT_NE(rc, 0);
+      EXPECT_STREQ(p.GetLastError(), "");  // a system error: the component fills the text
+      EXPECT_EQ(p.FillDefaultErrorText(rc), rc);
+      EXPECT_EQ(std::string(p.GetLastError()).rfind("[" + std::to_string(rc) + "] ", 0), 0u) << p.GetLastError();
+    }
+    in_addr address{};
+    address.s_addr = p.FirewallAddress();
+    EXPECT_STREQ(inet_ntoa(address), c.address);
+    EXPECT_EQ(Query(p, "FirewallHost"), c.host);
+  }
 }
 
 TEST(TransferChannelTest, SettingsAnswerQueries) {
