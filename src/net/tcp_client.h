@@ -82,7 +82,7 @@ class TcpClient : public SocketCore {
   bool AcceptData() const { return accept_data_; }
   int SetAcceptData(bool on);
   // The line end that cuts received data; empty hands data up as it comes.
-  int SetEOL(std::string_view marker);
+  virtual int SetEOL(std::string_view marker);
   bool Linger() const { return linger_; }
   int SetLinger(bool on);
   bool KeepAlive() const { return keep_alive_; }

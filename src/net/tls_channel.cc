@@ -6,6 +6,7 @@
 #include <openssl/x509v3.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <mutex>
@@ -211,12 +212,28 @@ int TlsChannel::EnsureContext() {
 }
 
 int TlsChannel::EnableTls(bool on, const char* host) {
+  if (on != tls_enabled_) {
+    LineBuffer& from = on ? line_buffer_ : tls_lines_;
+    LineBuffer& to = on ? tls_lines_ : line_buffer_;
+    if (from.SplitAny()) {
+      to.SetSplitAny(true);
+    } else {
+      to.SetMarker(from.Marker());
+    }
+    from.SetMarker("");
+  }
   tls_enabled_ = on;
   secure_ = on;
   if (on) {
     if (int rc = EnsureContext(); rc != kOk) return rc;
   }
   return tls_host_.Assign(host);
+}
+
+int TlsChannel::SetEOL(std::string_view marker) {
+  if (!tls_enabled_) return TcpClient::SetEOL(marker);
+  tls_lines_.SetMarker(marker);
+  return kOk;
 }
 
 int TlsChannel::SendData(const char* data, int32_t length) {
@@ -291,6 +308,7 @@ void TlsChannel::OnConnected(int code) {
     return;
   }
   handshake_pending_ = true;
+  tls_lines_.Clear();
   FireSSLStatus("Starting to establish secure channel.");
   ContinueHandshake();
 }
@@ -385,7 +403,7 @@ void TlsChannel::ReadPlaintext() {
       char status[64];
       std::snprintf(status, sizeof status, "Read %d bytes over the SSL connection.", read);
       FireSSLStatus(status);
-      FireDataIn(block, read, false);
+      DeliverPlaintext(std::string_view(block, static_cast<size_t>(read)));
       continue;
     }
     FlushOutgoing();
@@ -401,6 +419,35 @@ void TlsChannel::ReadPlaintext() {
   }
 }
 
+void TlsChannel::DeliverPlaintext(std::string_view plaintext) {
+  // Below this much room a partial line goes up as a piece, so a line longer
+  // than the buffer still moves.
+  constexpr uint32_t kMinLineRoom = 256;
+  if (tls_lines_.Marker().empty()) {
+    FireDataIn(plaintext.data(), static_cast<int32_t>(plaintext.size()), false);
+    return;
+  }
+  // A hook may disconnect; what is left of the block then goes nowhere.
+  while (!plaintext.empty() && session_.IsOpen()) {
+    const LineBuffer::Room room = tls_lines_.FreeRoom();
+    const size_t n = std::min<size_t>(room.size, plaintext.size());
+    std::memcpy(room.data, plaintext.data(), n);
+    tls_lines_.Commit(static_cast<uint32_t>(n));
+    plaintext.remove_prefix(n);
+    std::string_view line;
+    while (session_.IsOpen() && tls_lines_.NextLine(&line)) {
+      FireDataIn(line.data(), static_cast<int32_t>(line.size()), true);
+    }
+    if (session_.IsOpen() && tls_lines_.Capacity() - tls_lines_.Unread() < kMinLineRoom) DeliverRest();
+  }
+}
+
+void TlsChannel::DeliverRest() {
+  if (tls_lines_.Unread() == 0) return;
+  const std::string_view rest = tls_lines_.TakeAll();
+  FireDataIn(rest.data(), static_cast<int32_t>(rest.size()), false);
+}
+
 void TlsChannel::OnReadyToSend() {
   if (tls_enabled_ && session_.IsOpen()) {
     if (FlushOutgoing() != kOk) return;
@@ -412,6 +459,7 @@ void TlsChannel::OnReadyToSend() {
 void TlsChannel::OnDisconnected(int code) {
   OnConnectionStatus("Remote host disconnected.", code);
   if (session_.IsOpen()) {
+    DeliverRest();  // a last line without its line end is still data
     // Best effort close_notify: the socket is about to close.
     session_.Shutdown();
     const std::string& out = session_.Outgoing();

@@ -40,7 +40,12 @@ class TlsChannel : public TcpClient {
   int32_t AcceptedBytes() const { return tls_enabled_ ? tls_accepted_ : BytesLastSent(); }
   // Switches TLS on or off for the next connection; `host` is the name the
   // server's certificate must carry (and the SNI sent).
+  // Switching TLS on moves the line end (and SplitCRLF) from the TCP line
+  // buffer to the TLS one, so plaintext is cut as plain TCP data would be;
+  // switching off moves it back.
   int EnableTls(bool on, const char* host);
+  // While TLS is on, the line end cuts the plaintext.
+  int SetEOL(std::string_view marker) override;
   // With Linger on, records not yet sent are flushed first; if some still
   // wait, 11 and nothing is closed (the host retries, or sets Linger off to
   // drop them). The TLS connection always ends with a close_notify, whatever
@@ -109,6 +114,10 @@ class TlsChannel : public TcpClient {
   void ContinueHandshake();
   bool CheckServerCertificate();
   void ReadPlaintext();
+  // Cuts plaintext into lines when a line end is set, else hands it up as it comes.
+  void DeliverPlaintext(std::string_view plaintext);
+  // Hands up what is left of the last line, as a piece without line end.
+  void DeliverRest();
   int FlushOutgoing();
   void AbortTls(int code, const char* text);
   int LoadClientCertificate();
@@ -117,6 +126,7 @@ class TlsChannel : public TcpClient {
 
   SslCtxPtr ctx_;
   TlsSession session_;
+  LineBuffer tls_lines_{2048};
   X509Ptr client_cert_;
   EvpPkeyPtr client_key_;
   ByteString code_text_;

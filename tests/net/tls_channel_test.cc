@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -219,6 +220,44 @@ TEST(TlsChannelTest, QueuedRecordsHoldTheCloseWhileLingerIsOn) {
     EXPECT_EQ(server_got.load(), sent);
     AwaitFlag(got_close_notify);
     EXPECT_TRUE(got_close_notify.load());
+  }
+}
+
+// Plaintext is cut at the line end as plain TCP data is, whether the line end
+// was set before TLS was switched on or after the connection is up.
+TEST(TlsChannelTest, LineEndCutsThePlaintext) {
+  REQUIRE_PKI(pki);
+  const std::string long_line(3000, 'x');
+  const struct {
+    const char* name;
+    std::vector<std::string> writes;  // one TLS record each, sent with a pause between
+    bool eol_before_tls;
+    const char* eol;
+    std::string received;
+  } cases[] = {
+      {"lines across records", {"one\r\ntw", "o\r\n\r\nthr", "ee"}, true, "\r\n", "one|two||three"},
+      {"set after connecting", {"a;b;", "c"}, false, ";", "a|b|c"},
+      {"line longer than the buffer", {long_line + "\r\nend\r\n"}, true, "\r\n", long_line + "|end|"},
+      {"no line end", {"one\r\n", "two"}, true, "", "one\r\ntwo"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::atomic<bool> go{false};
+    TlsLoopback server(pki, [&](SSL* ssl) {
+      AwaitFlag(go);
+      for (const std::string& w : c.writes) {
+        SSL_write(ssl, w.data(), static_cast<int>(w.size()));
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      }
+      SSL_shutdown(ssl);
+    });
+    TlsProbe probe(pki);
+    if (c.eol_before_tls) probe.SetEOL(c.eol);
+    ASSERT_EQ(probe.Open(server.port()), 0) << probe.GetLastError();
+    if (!c.eol_before_tls) probe.SetEOL(c.eol);
+    go = true;
+    ASSERT_EQ(probe.WaitUntil([&] { return !probe.IsConnected(); }), 0);
+    EXPECT_EQ(probe.received, c.received);
   }
 }
 
