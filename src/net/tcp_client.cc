@@ -189,19 +189,24 @@ int TcpClient::Resolve(const char* host, sockaddr_storage* address, bool remote)
 int TcpClient::ResolveIPv4(const char* host, sockaddr_in* v4, bool remote) {
   v4->sin_family = AF_INET;
   if (inet_pton(AF_INET, host, &v4->sin_addr) == 1) return kOk;
+  errno = 0;  // a failed lookup need not set it, and a stale value would mislead
+  int h_error = LookUpHost(host, &v4->sin_addr);
+  if (h_error == 0) return kOk;
+  if (!remote) return errno != 0 ? errno : EINVAL;
+  return ReportError(h_error, ResolutionText(h_error));
+}
+
+int TcpClient::LookUpHost(const char* host, in_addr* address) {
   hostent entry{};
   hostent* result = nullptr;
   char scratch[2048];
   int h_error = 0;
-  errno = 0;  // a failed lookup need not set it, and a stale value would mislead
   if (gethostbyname_r(host, &entry, scratch, sizeof scratch, &result, &h_error) != 0 || result == nullptr ||
       result->h_addrtype != AF_INET || result->h_addr_list[0] == nullptr) {
-    if (!remote) return errno != 0 ? errno : EINVAL;
-    if (h_error == 0) h_error = HOST_NOT_FOUND;
-    return ReportError(h_error, ResolutionText(h_error));
+    return h_error != 0 ? h_error : HOST_NOT_FOUND;
   }
-  std::memcpy(&v4->sin_addr, result->h_addr_list[0], sizeof v4->sin_addr);
-  return kOk;
+  std::memcpy(address, result->h_addr_list[0], sizeof *address);
+  return 0;
 }
 
 const char* TcpClient::RemoteHost() {

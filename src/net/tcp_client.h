@@ -114,6 +114,11 @@ class TcpClient : public SocketCore {
   virtual void OnReadyToSend() {}
   virtual void OnConnectionStatus(const char* text, int code) { FireConnectionStatus(text, code, ""); }
 
+  // Asks the system resolver for the IPv4 address of `host`: 0, or the
+  // h_errno value (1 unknown host, 2 try again, 3 no recovery, 4 no address)
+  // with any system error left in errno.
+  virtual int LookUpHost(const char* host, in_addr* address);
+
   // The receive loop; mode 0 readable, 1 drain at disconnect, 2 peer closed,
   // 3 accept data switched before connect, 4 buffered lines only.
   int ReceiveData(int mode);

@@ -33,6 +33,7 @@ class Probe : public TransferChannel {
   int disconnects = 0;
   int disconnect_code = -1;
   std::function<void()> on_data;
+  std::string errors;  // "code:text|" per OnError
 
   // Runs wait cycles until `done` or a stop (301).
   int WaitUntil(const std::function<bool()>& done) {
@@ -50,6 +51,7 @@ class Probe : public TransferChannel {
     if (end_of_line) received += '|';
     if (on_data) on_data();
   }
+  void OnError(int code, const char* text) override { errors += std::to_string(code) + ":" + text + "|"; }
   void FireDisconnected(int code, const char*) override {
     ++disconnects;
     disconnect_code = code;
@@ -308,6 +310,58 @@ TEST(TransferChannelTest, FirewallHostIsResolvedToIPv4) {
   }
 }
 
+// A resolver that answers with a chosen h_errno and errno.
+class FailingResolver : public Probe {
+ public:
+  int h_error = 0;
+  int system_error = 0;
+
+ protected:
+  int LookUpHost(const char*, in_addr*) override {
+    errno = system_error;
+    return h_error;
+  }
+};
+
+TEST(TransferChannelTest, ResolutionFailuresGiveCodeAndText) {
+  const struct {
+    int h_error;
+    const char* text;
+  } cases[] = {
+      {1, "The specified host is unknown."},
+      {2, "A temporary error occurred on an authoritative name server.  Try again later."},
+      {3, " A non-recoverable name server error occurred."},
+      {4, " The requested name is valid but does not have an IP address."},
+      {99, "A name resolution error occurred."},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.h_error);
+    FailingResolver p;
+    p.h_error = c.h_error;
+    EXPECT_EQ(p.SetRemoteHost("bank.example"), c.h_error);
+    EXPECT_STREQ(p.GetLastError(), c.text);
+    EXPECT_EQ(p.RemoteHost(), std::string(""));
+    EXPECT_EQ(p.SetRemoteHost("127.0.0.1"), 0);  // a dotted address asks no resolver
+  }
+}
+
+// LocalHost and FirewallHost report the system error, not the resolver's code.
+TEST(TransferChannelTest, LocalAndFirewallHostFailuresAreSystemErrors) {
+  const struct {
+    int system_error;
+    int code;
+  } cases[] = {{ECONNREFUSED, ECONNREFUSED}, {0, EINVAL}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.system_error);
+    FailingResolver p;
+    p.h_error = 2;
+    p.system_error = c.system_error;
+    EXPECT_EQ(p.SetLocalHost("me.example"), c.code);
+    EXPECT_EQ(p.SetFirewallHost("proxy.example"), c.code);
+    EXPECT_EQ(p.FirewallAddress(), 0u);
+  }
+}
+
 TEST(TransferChannelTest, SettingsAnswerQueries) {
   Probe p;
   const struct {
@@ -473,6 +527,25 @@ TEST(TransferChannelTest, PartialSendIs11AndWaitsForWritable) {
             0);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
   p.Disconnect();
+}
+
+// Would-block ends the receive loop quietly; any other failure is raised as
+// an error with its number.
+TEST(TransferChannelTest, ReceiveFailureOtherThanWouldBlockIsRaised) {
+  LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
+  Probe p;
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0) << p.GetLastError();
+  EXPECT_EQ(p.Receive(), 11);
+  EXPECT_EQ(p.errors, "");
+  // An unconnected socket in place of the connection: recv fails with ENOTCONN.
+  const int unconnected = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_GE(unconnected, 0);
+  ASSERT_EQ(dup2(unconnected, p.SocketHandle()), p.SocketHandle());
+  close(unconnected);
+  EXPECT_EQ(p.Receive(), ENOTCONN);
+  EXPECT_EQ(p.errors, "107:socket error in recv: 107|");
 }
 
 TEST(TransferChannelTest, SendWithoutConnectionIs107) {
