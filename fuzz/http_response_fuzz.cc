@@ -10,7 +10,7 @@ namespace {
 
 struct NullSink : orvelan::HttpResponseSink {
   void OnStatus(std::string_view, int, std::string_view) override {}
-  void OnHeader(std::string_view, std::string_view) override {}
+  void OnHeader(std::string_view, std::string_view, std::string_view) override {}
   void OnHeadEnd() override {}
   void OnBody(std::string_view, int64_t, int) override {}
   void OnEnd() override {}

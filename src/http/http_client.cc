@@ -364,7 +364,7 @@ int HttpClient::Request(const char* method, bool with_body) {
   if (body_length > 0) FireEndTransfer(0);
   if (rc != kOk && IsConnected()) {
     // The server may have answered (and closed) before taking the whole body.
-    Disconnect(0);
+    DropConnection(0);
   }
   if (rc != kOk && status_code_ == 0) return rc;
   return EvaluateResponse(WaitForResponse());
@@ -378,7 +378,7 @@ int HttpClient::OnSendProgress(int64_t bytes_done) {
 int HttpClient::WaitForResponse() {
   while (!response_complete_ && IsConnected()) {
     if (int rc = WaitCycle(); rc != kOk) {
-      Disconnect(0);
+      DropConnection(0);
       return rc;
     }
   }
@@ -401,7 +401,7 @@ void HttpClient::FailResponse(int code, const char* text) {
     SetErrorText(text);
   }
   response_complete_ = true;
-  Disconnect(0);
+  DropConnection(0);
 }
 
 void HttpClient::FireDataIn(const char* data, int32_t length, bool /*end_of_line*/) {
@@ -427,10 +427,9 @@ void HttpClient::OnStatus(std::string_view version, int code, std::string_view d
   FireStatus(status_version_.c_str(), code, status_description_.c_str());
 }
 
-void HttpClient::OnHeader(std::string_view name, std::string_view value) {
-  raw_headers_.append(name.data(), name.size());
-  raw_headers_ += ": ";
-  raw_headers_.append(value.data(), value.size());
+void HttpClient::OnHeader(std::string_view line, std::string_view name, std::string_view value) {
+  // Kept as sent, not rebuilt from the split: case, spacing and folding survive.
+  raw_headers_.append(line.data(), line.size());
   raw_headers_ += "\r\n";
   headers_.emplace_back(std::string(name), std::string(value));
   FireHeader(headers_.back().first.c_str(), headers_.back().second.c_str());

@@ -57,6 +57,8 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   std::string_view TransferredData() const { return transferred_data_; }
   int StatusCode() const { return status_code_; }
   const std::vector<std::pair<std::string, std::string>>& ResponseHeaders() const { return headers_; }
+  // The header lines of the last response byte for byte, each ended by CR LF.
+  const std::string& RawResponseHeaders() const { return raw_headers_; }
   const CookieList& Cookies() const { return cookies_; }
   const UrlParts& Url() const { return url_; }
 
@@ -87,7 +89,7 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
  private:
   // HttpResponseSink
   void OnStatus(std::string_view version, int code, std::string_view description) override;
-  void OnHeader(std::string_view name, std::string_view value) override;
+  void OnHeader(std::string_view line, std::string_view name, std::string_view value) override;
   void OnHeadEnd() override;
   void OnBody(std::string_view data, int64_t received, int percent) override;
   void OnEnd() override;

@@ -249,7 +249,7 @@ void HttpResponseParser::ParseHeader(std::string_view line) {
       return;
     }
   }
-  sink_->OnHeader(name, value);
+  sink_->OnHeader(line, name, value);
 }
 
 void HttpResponseParser::EndHead() {

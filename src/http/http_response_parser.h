@@ -14,9 +14,9 @@ class HttpResponseSink {
   virtual ~HttpResponseSink() = default;
   // A final (non-1xx) status line, split at its first two blanks.
   virtual void OnStatus(std::string_view version, int code, std::string_view description) = 0;
-  // One header line; a line without colon is all name, a folded line has an
-  // empty name.
-  virtual void OnHeader(std::string_view name, std::string_view value) = 0;
+  // One header line: `line` as received without its line end, and its split;
+  // a line without colon is all name, a folded line has an empty name.
+  virtual void OnHeader(std::string_view line, std::string_view name, std::string_view value) = 0;
   virtual void OnHeadEnd() = 0;
   // Decoded body bytes; `received` counts decoded bytes so far and `percent`
   // is -1 while the length is unknown.

@@ -40,6 +40,7 @@ void FirewallTunnel::Clear() {
   host_.Clear();
   user_.Clear();
   password_.Clear();
+  address_ = 0;
   port_ = 0;
   type_ = 0;
   auto_detect_ = false;

@@ -24,8 +24,12 @@ class FirewallTunnel {
   // Whether the handshake still owns the connection's bytes.
   bool Negotiating() const { return false; }
 
+  // The host as set, and its IPv4 address in network order (0 = none); the
+  // owner resolves the name.
   const char* host() const { return host_.Data(); }
   int SetHost(const char* host) { return host_.Assign(host); }
+  uint32_t address() const { return address_; }
+  void SetAddress(uint32_t address) { address_ = address; }
   int32_t port() const { return port_; }
   void SetPort(int32_t port) { port_ = port; }
   // User and password are cut to 255 bytes.
@@ -43,6 +47,7 @@ class FirewallTunnel {
   ByteString host_;
   ByteString user_;
   ByteString password_;
+  uint32_t address_ = 0;
   int32_t port_ = 0;
   int32_t type_ = 0;
   bool auto_detect_ = false;

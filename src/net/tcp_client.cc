@@ -140,6 +140,17 @@ int TcpClient::SetFirewallType(int32_t type) {
   return kOk;
 }
 
+int TcpClient::SetFirewallHost(const char* host) {
+  SetErrorText("");
+  tunnel_.SetAddress(0);
+  if (int rc = tunnel_.SetHost(host); rc != kOk) return rc;
+  if (host == nullptr || *host == '\0') return kOk;
+  sockaddr_in address{};
+  if (int rc = ResolveIPv4(host, &address, false); rc != kOk) return rc;
+  tunnel_.SetAddress(address.sin_addr.s_addr);
+  return kOk;
+}
+
 int TcpClient::SetFirewallPort(int32_t port) {
   tunnel_.SetPort(port);
   return kOk;
@@ -172,21 +183,30 @@ int TcpClient::Resolve(const char* host, sockaddr_storage* address, bool remote)
     if (scope != 0) reinterpret_cast<sockaddr_in6*>(address)->sin6_scope_id = scope;
     return kOk;
   }
-  auto* v4 = reinterpret_cast<sockaddr_in*>(address);
+  return ResolveIPv4(host, reinterpret_cast<sockaddr_in*>(address), remote);
+}
+
+int TcpClient::ResolveIPv4(const char* host, sockaddr_in* v4, bool remote) {
   v4->sin_family = AF_INET;
   if (inet_pton(AF_INET, host, &v4->sin_addr) == 1) return kOk;
+  errno = 0;  // a failed lookup need not set it, and a stale value would mislead
+  int h_error = LookUpHost(host, &v4->sin_addr);
+  if (h_error == 0) return kOk;
+  if (!remote) return errno != 0 ? errno : EINVAL;
+  return ReportError(h_error, ResolutionText(h_error));
+}
+
+int TcpClient::LookUpHost(const char* host, in_addr* address) {
   hostent entry{};
   hostent* result = nullptr;
   char scratch[2048];
   int h_error = 0;
   if (gethostbyname_r(host, &entry, scratch, sizeof scratch, &result, &h_error) != 0 || result == nullptr ||
       result->h_addrtype != AF_INET || result->h_addr_list[0] == nullptr) {
-    if (!remote) return errno != 0 ? errno : EINVAL;
-    if (h_error == 0) h_error = HOST_NOT_FOUND;
-    return ReportError(h_error, ResolutionText(h_error));
+    return h_error != 0 ? h_error : HOST_NOT_FOUND;
   }
-  std::memcpy(&v4->sin_addr, result->h_addr_list[0], sizeof v4->sin_addr);
-  return kOk;
+  std::memcpy(address, result->h_addr_list[0], sizeof *address);
+  return 0;
 }
 
 const char* TcpClient::RemoteHost() {
@@ -306,10 +326,15 @@ int TcpClient::Connect(bool on) {
   disconnect_pending_ = false;
   line_buffer_.Clear();
   // Tunnels are not built yet: the connection goes straight to RemoteHost,
-  // but a configured firewall still names itself in the texts.
+  // but a configured firewall is checked as the target and names itself in
+  // the texts.
   const bool firewall = tunnel_.IsSet();
   if (firewall && remote_host_.Length() > 0) {
     if (int rc = Resolve(remote_host_.Data(), &remote_address_, true); rc != kOk) return rc;
+  }
+  if (firewall) {
+    if (!use_ipv6_ && tunnel_.address() == 0) return ReportError(kErrInvalidAddress, kTextInvalidFirewallAddress);
+    if (tunnel_.port() == 0) return ReportError(kErrZeroPort, kTextZeroFirewallPort);
   }
   if (!use_ipv6_ && IsZeroIPv4(remote_address_)) {
     return ReportError(kErrInvalidAddress, firewall ? kTextInvalidFirewallAddress : kTextInvalidRemoteAddress);
@@ -423,7 +448,7 @@ int TcpClient::OnSocketEvent(int message, unsigned long socket, long event_bits)
         in_receive_ = false;
         if (disconnect_pending_) {
           disconnect_pending_ = false;
-          Disconnect(pending_disconnect_word_);
+          TcpClient::Disconnect(pending_disconnect_word_);
         }
       }
       break;
@@ -448,7 +473,7 @@ int TcpClient::OnSocketEvent(int message, unsigned long socket, long event_bits)
       break;
     case kEventClose:
       ReceiveData(2);
-      Disconnect(event_bits);
+      TcpClient::Disconnect(event_bits);  // the peer is gone: nothing queued can be flushed
       break;
     default:
       break;
@@ -481,7 +506,7 @@ int TcpClient::ReceiveData(int mode) {
     if (disconnect_pending_ && mode == 0) {
       in_receive_ = false;
       disconnect_pending_ = false;
-      return Disconnect(pending_disconnect_word_);
+      return TcpClient::Disconnect(pending_disconnect_word_);
     }
     // Without line cutting there is nothing to keep between reads, so bulk
     // data skips the line buffer and arrives in large pieces.
@@ -520,7 +545,7 @@ int TcpClient::ReceiveData(int mode) {
     // End of stream.
     in_receive_ = false;
     if (mode != 0) return kOk;
-    return Disconnect(pending_disconnect_word_);
+    return TcpClient::Disconnect(pending_disconnect_word_);
   }
 }
 

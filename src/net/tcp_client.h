@@ -49,8 +49,13 @@ class TcpClient : public SocketCore {
   int32_t FirewallType() const { return tunnel_.type(); }
   // Also sets FirewallPort to the type's default port.
   int SetFirewallType(int32_t type);
+  // The text as set; resolved to IPv4 at once (also with UseIPv6). A name
+  // that does not resolve leaves address 0 and returns the system error
+  // number (EINVAL when the resolver gives none).
   const char* FirewallHost() const { return tunnel_.host(); }
-  int SetFirewallHost(const char* host) { return tunnel_.SetHost(host); }
+  int SetFirewallHost(const char* host);
+  // Network order; 0 when none or unresolved.
+  uint32_t FirewallAddress() const { return tunnel_.address(); }
   int32_t FirewallPort() const { return tunnel_.port(); }
   int SetFirewallPort(int32_t port);
   // User and password are cut to 255 bytes.
@@ -77,7 +82,7 @@ class TcpClient : public SocketCore {
   bool AcceptData() const { return accept_data_; }
   int SetAcceptData(bool on);
   // The line end that cuts received data; empty hands data up as it comes.
-  int SetEOL(std::string_view marker);
+  virtual int SetEOL(std::string_view marker);
   bool Linger() const { return linger_; }
   int SetLinger(bool on);
   bool KeepAlive() const { return keep_alive_; }
@@ -87,7 +92,8 @@ class TcpClient : public SocketCore {
   // later through OnConnected.
   int Connect(bool on);
   // Closes the connection; the error half of `event_word` reaches OnDisconnected.
-  int Disconnect(long event_word = 0);
+  // Layers that hold unsent data may refuse with 11 (see TlsChannel).
+  virtual int Disconnect(long event_word = 0);
   // One non-blocking send: 0 when all was taken, 11 when only part (then
   // BytesLastSent() says how much and a write event is armed), 107 when not
   // connected, or the system error.
@@ -108,6 +114,11 @@ class TcpClient : public SocketCore {
   virtual void OnReadyToSend() {}
   virtual void OnConnectionStatus(const char* text, int code) { FireConnectionStatus(text, code, ""); }
 
+  // Asks the system resolver for the IPv4 address of `host`: 0, or the
+  // h_errno value (1 unknown host, 2 try again, 3 no recovery, 4 no address)
+  // with any system error left in errno.
+  virtual int LookUpHost(const char* host, in_addr* address);
+
   // The receive loop; mode 0 readable, 1 drain at disconnect, 2 peer closed,
   // 3 accept data switched before connect, 4 buffered lines only.
   int ReceiveData(int mode);
@@ -121,6 +132,7 @@ class TcpClient : public SocketCore {
 
  private:
   int Resolve(const char* host, sockaddr_storage* address, bool remote);
+  int ResolveIPv4(const char* host, sockaddr_in* address, bool remote);
   bool Deliver(const char* data, int32_t length, bool end_of_line);
   bool MayDeliver() const { return (accept_data_ || tunnel_.Negotiating()) && !interrupt_requested_; }
   int ApplyOptions();

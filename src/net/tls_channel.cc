@@ -6,6 +6,7 @@
 #include <openssl/x509v3.h>
 #include <sys/socket.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <mutex>
@@ -211,12 +212,28 @@ int TlsChannel::EnsureContext() {
 }
 
 int TlsChannel::EnableTls(bool on, const char* host) {
+  if (on != tls_enabled_) {
+    LineBuffer& from = on ? line_buffer_ : tls_lines_;
+    LineBuffer& to = on ? tls_lines_ : line_buffer_;
+    if (from.SplitAny()) {
+      to.SetSplitAny(true);
+    } else {
+      to.SetMarker(from.Marker());
+    }
+    from.SetMarker("");
+  }
   tls_enabled_ = on;
   secure_ = on;
   if (on) {
     if (int rc = EnsureContext(); rc != kOk) return rc;
   }
   return tls_host_.Assign(host);
+}
+
+int TlsChannel::SetEOL(std::string_view marker) {
+  if (!tls_enabled_) return TcpClient::SetEOL(marker);
+  tls_lines_.SetMarker(marker);
+  return kOk;
 }
 
 int TlsChannel::SendData(const char* data, int32_t length) {
@@ -241,6 +258,14 @@ int TlsChannel::SendData(const char* data, int32_t length) {
   FireSSLStatus(status);
   const int rc = FlushOutgoing();
   return rc == kErrWouldBlock ? kOk : rc;  // the data was taken; the records follow on write readiness
+}
+
+int TlsChannel::Disconnect(long event_word) {
+  if (tls_enabled_ && session_.IsOpen() && !handshake_pending_ && Linger() && !session_.Outgoing().empty() &&
+      FlushOutgoing() == kErrWouldBlock) {
+    return ReportError(kErrWouldBlock, "Operation would block. (To force disconnection, set Linger FALSE).");
+  }
+  return TcpClient::Disconnect(event_word);
 }
 
 int TlsChannel::FlushOutgoing() {
@@ -283,6 +308,7 @@ void TlsChannel::OnConnected(int code) {
     return;
   }
   handshake_pending_ = true;
+  tls_lines_.Clear();
   FireSSLStatus("Starting to establish secure channel.");
   ContinueHandshake();
 }
@@ -352,7 +378,7 @@ void TlsChannel::AbortTls(int code, const char* text) {
   FireSSLStatus("SSL connection closed.");
   if (was_handshaking) FireConnected(code, description.c_str());
   SetErrorText(description.c_str());
-  Disconnect(0);
+  TcpClient::Disconnect(0);  // an abort drops whatever is still queued
 }
 
 void TlsChannel::OnDataIn(const char* data, int32_t length, bool end_of_line) {
@@ -377,20 +403,49 @@ void TlsChannel::ReadPlaintext() {
       char status[64];
       std::snprintf(status, sizeof status, "Read %d bytes over the SSL connection.", read);
       FireSSLStatus(status);
-      FireDataIn(block, read, false);
+      DeliverPlaintext(std::string_view(block, static_cast<size_t>(read)));
       continue;
     }
     FlushOutgoing();
     if (result == TlsSession::kWantMore) return;
     if (result == TlsSession::kClosed) {
       // close_notify: the peer is done; the TCP close follows.
-      Disconnect(0);
+      TcpClient::Disconnect(0);
       return;
     }
     const int code = ReportTlsProblem(true, "Error in reading from SSL Connection", 287);
     AbortTls(code, GetLastError());
     return;
   }
+}
+
+void TlsChannel::DeliverPlaintext(std::string_view plaintext) {
+  // Below this much room a partial line goes up as a piece, so a line longer
+  // than the buffer still moves.
+  constexpr uint32_t kMinLineRoom = 256;
+  if (tls_lines_.Marker().empty()) {
+    FireDataIn(plaintext.data(), static_cast<int32_t>(plaintext.size()), false);
+    return;
+  }
+  // A hook may disconnect; what is left of the block then goes nowhere.
+  while (!plaintext.empty() && session_.IsOpen()) {
+    const LineBuffer::Room room = tls_lines_.FreeRoom();
+    const size_t n = std::min<size_t>(room.size, plaintext.size());
+    std::memcpy(room.data, plaintext.data(), n);
+    tls_lines_.Commit(static_cast<uint32_t>(n));
+    plaintext.remove_prefix(n);
+    std::string_view line;
+    while (session_.IsOpen() && tls_lines_.NextLine(&line)) {
+      FireDataIn(line.data(), static_cast<int32_t>(line.size()), true);
+    }
+    if (session_.IsOpen() && tls_lines_.Capacity() - tls_lines_.Unread() < kMinLineRoom) DeliverRest();
+  }
+}
+
+void TlsChannel::DeliverRest() {
+  if (tls_lines_.Unread() == 0) return;
+  const std::string_view rest = tls_lines_.TakeAll();
+  FireDataIn(rest.data(), static_cast<int32_t>(rest.size()), false);
 }
 
 void TlsChannel::OnReadyToSend() {
@@ -404,6 +459,7 @@ void TlsChannel::OnReadyToSend() {
 void TlsChannel::OnDisconnected(int code) {
   OnConnectionStatus("Remote host disconnected.", code);
   if (session_.IsOpen()) {
+    DeliverRest();  // a last line without its line end is still data
     // Best effort close_notify: the socket is about to close.
     session_.Shutdown();
     const std::string& out = session_.Outgoing();

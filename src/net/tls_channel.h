@@ -40,7 +40,17 @@ class TlsChannel : public TcpClient {
   int32_t AcceptedBytes() const { return tls_enabled_ ? tls_accepted_ : BytesLastSent(); }
   // Switches TLS on or off for the next connection; `host` is the name the
   // server's certificate must carry (and the SNI sent).
+  // Switching TLS on moves the line end (and SplitCRLF) from the TCP line
+  // buffer to the TLS one, so plaintext is cut as plain TCP data would be;
+  // switching off moves it back.
   int EnableTls(bool on, const char* host);
+  // While TLS is on, the line end cuts the plaintext.
+  int SetEOL(std::string_view marker) override;
+  // With Linger on, records not yet sent are flushed first; if some still
+  // wait, 11 and nothing is closed (the host retries, or sets Linger off to
+  // drop them). The TLS connection always ends with a close_notify, whatever
+  // GracefullyShutDownSSL says.
+  int Disconnect(long event_word = 0) override;
   bool TlsEnabled() const { return tls_enabled_; }
 
   // A server certificate trusted without further checks: the base64 body of
@@ -67,6 +77,10 @@ class TlsChannel : public TcpClient {
   int SSLServerCertEncoded(const char*& data, int32_t& length);
 
  protected:
+  // Closes at once, dropping records not yet sent: for failure paths, where
+  // the data no longer matters.
+  int DropConnection(long event_word = 0) { return TcpClient::Disconnect(event_word); }
+
   void OnConnected(int code) override;
   void OnDisconnected(int code) override;
   void OnDataIn(const char* data, int32_t length, bool end_of_line) override;
@@ -100,6 +114,10 @@ class TlsChannel : public TcpClient {
   void ContinueHandshake();
   bool CheckServerCertificate();
   void ReadPlaintext();
+  // Cuts plaintext into lines when a line end is set, else hands it up as it comes.
+  void DeliverPlaintext(std::string_view plaintext);
+  // Hands up what is left of the last line, as a piece without line end.
+  void DeliverRest();
   int FlushOutgoing();
   void AbortTls(int code, const char* text);
   int LoadClientCertificate();
@@ -108,6 +126,7 @@ class TlsChannel : public TcpClient {
 
   SslCtxPtr ctx_;
   TlsSession session_;
+  LineBuffer tls_lines_{2048};
   X509Ptr client_cert_;
   EvpPkeyPtr client_key_;
   ByteString code_text_;

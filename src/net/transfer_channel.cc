@@ -25,7 +25,7 @@ int TransferChannel::ConnectAndWait() {
   while (!connect_done_) {
     if (int rc = WaitCycle(); rc != kOk) {
       ByteString text(GetLastError());
-      Disconnect(0);
+      DropConnection(0);
       SetErrorText(text.Data());
       return rc;
     }

@@ -172,6 +172,28 @@ TEST(HttpClientTest, ResponseFormsAndFailures) {
   }
 }
 
+// The raw headers are the lines as sent (only the line end becomes CR LF),
+// while the split pairs are trimmed; a second response replaces them.
+TEST(HttpClientTest, RawHeadersKeepTheLinesAsSent) {
+  Canned canned;
+  canned.replies = {{"HTTP/1.1 200 OK\r\ncontent-TYPE:\t text/plain  \r\nX-Odd :  a  b\r\n\tfolded\r\nNoColon\r\n"
+                     "X-Lf:1\nContent-Length: 2\r\n\r\nok"},
+                    {"HTTP/1.1 200 OK\r\nCONTENT-LENGTH:0\r\n\r\n"}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.SetPostData("x", 1);
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << c.GetLastError();
+  EXPECT_EQ(c.RawResponseHeaders(),
+            "content-TYPE:\t text/plain  \r\nX-Odd :  a  b\r\n\tfolded\r\nNoColon\r\nX-Lf:1\r\nContent-Length: 2\r\n");
+  const std::vector<std::pair<std::string, std::string>> split = {
+      {"content-TYPE", "text/plain  "}, {"X-Odd ", "a  b"}, {"", "folded"},
+      {"NoColon", ""},                  {"X-Lf", "1"},      {"Content-Length", "2"}};
+  EXPECT_EQ(c.ResponseHeaders(), split);
+  EXPECT_EQ(c.Body(), "ok");
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << c.GetLastError();
+  EXPECT_EQ(c.RawResponseHeaders(), "CONTENT-LENGTH:0\r\n");
+}
+
 TEST(HttpClientTest, CompressionIsAskedForOnlyWhenAllowed) {
   Canned canned;
   canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};

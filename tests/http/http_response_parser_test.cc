@@ -21,7 +21,9 @@ struct Recorder : HttpResponseSink {
   void OnStatus(std::string_view version, int code, std::string_view description) override {
     status = std::string(version) + "|" + std::to_string(code) + "|" + std::string(description);
   }
-  void OnHeader(std::string_view name, std::string_view value) override {
+  std::string lines;  // each header line as received, then '|'
+  void OnHeader(std::string_view line, std::string_view name, std::string_view value) override {
+    lines += std::string(line) + "|";
     headers += std::string(name) + "=" + std::string(value) + "|";
   }
   void OnHeadEnd() override { headers += "$"; }

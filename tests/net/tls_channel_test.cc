@@ -1,9 +1,18 @@
 #include "net/tls_channel.h"
 
+#include <openssl/ssl.h>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
+#include "net/transfer_channel.h"
+#include "support/loopback_server.h"
 #include "support/test_pki.h"
 
 namespace orvelan {
@@ -107,6 +116,170 @@ TEST(TlsChannelTest, CipherListIsStoredBeforeAndCheckedAfterTheContext) {
   EXPECT_EQ(channel.Config("OpenSSLCipherList=HIGH", out), 0);
   EXPECT_EQ(channel.Config("OpenSSLCAFile=/no/such/file", out), 282);
   EXPECT_EQ(std::string(channel.GetLastError()).rfind("SSL could not load verification file.", 0), 0u);
+}
+
+// A TLS server end on a loopback socket: blocking OpenSSL on the server's
+// thread, running `script` once the handshake is done.
+class TlsLoopback {
+ public:
+  using Script = std::function<void(SSL*)>;
+  TlsLoopback(const TestPki& pki, Script script)
+      : ctx_(SSL_CTX_new(TLS_server_method())), script_(std::move(script)), server_([this](int fd) {
+          SslPtr ssl(SSL_new(ctx_.get()));
+          SSL_set_fd(ssl.get(), fd);
+          if (SSL_accept(ssl.get()) == 1) script_(ssl.get());
+        }) {
+    SSL_CTX_use_certificate_chain_file(ctx_.get(), pki.Path("server.pem").c_str());
+    SSL_CTX_use_PrivateKey_file(ctx_.get(), pki.Path("server.key").c_str(), SSL_FILETYPE_PEM);
+  }
+  int port() const { return server_.port(); }
+
+ private:
+  SslCtxPtr ctx_;
+  Script script_;
+  LoopbackServer server_;
+};
+
+// A client over TLS whose upper hooks record what arrives.
+class TlsProbe : public TransferChannel {
+ public:
+  explicit TlsProbe(const TestPki& pki) {
+    InitDefaults();
+    const char* out = nullptr;
+    Config(("OpenSSLCAFile=" + pki.Path("ca.pem")).c_str(), out);
+  }
+  int Open(int port) {
+    if (int rc = SetRemoteHost("127.0.0.1"); rc != 0) return rc;
+    if (int rc = SetRemotePort(port); rc != 0) return rc;
+    if (int rc = EnableTls(true, "127.0.0.1"); rc != 0) return rc;
+    return ConnectAndWait();
+  }
+  int WaitUntil(const std::function<bool()>& done) {
+    StartDeadline();
+    while (!done()) {
+      if (int rc = WaitCycle(); rc != 0) return rc;
+    }
+    return 0;
+  }
+  std::string received;  // lines end with '|' when delivered as lines
+
+ protected:
+  void FireDataIn(const char* data, int32_t length, bool end_of_line) override {
+    received.append(data, static_cast<size_t>(length));
+    if (end_of_line) received += '|';
+  }
+};
+
+// Blocks until `flag` is set, for at most five seconds.
+void AwaitFlag(const std::atomic<bool>& flag) {
+  for (int i = 0; i < 500 && !flag.load(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+}
+
+// Records are queued when the server stops reading; with Linger on they hold
+// the close back, and whatever GracefullyShutDownSSL says the server then gets
+// every byte and a close_notify.
+TEST(TlsChannelTest, QueuedRecordsHoldTheCloseWhileLingerIsOn) {
+  REQUIRE_PKI(pki);
+  for (const char* graceful : {"False", "True"}) {
+    SCOPED_TRACE(graceful);
+    std::atomic<bool> release{false};
+    std::atomic<bool> got_close_notify{false};
+    std::atomic<size_t> server_got{0};
+    TlsLoopback server(pki, [&](SSL* ssl) {
+      AwaitFlag(release);
+      char buffer[65536];
+      int n;
+      while ((n = SSL_read(ssl, buffer, sizeof buffer)) > 0) server_got += static_cast<size_t>(n);
+      got_close_notify = SSL_get_error(ssl, n) == SSL_ERROR_ZERO_RETURN;
+    });
+    TlsProbe probe(pki);
+    const char* out = nullptr;
+    ASSERT_EQ(probe.Config((std::string("GracefullyShutDownSSL=") + graceful).c_str(), out), 0);
+    ASSERT_EQ(probe.Open(server.port()), 0) << probe.GetLastError();
+
+    const std::string chunk(1 << 20, 'x');
+    size_t sent = 0;
+    int rc = 0;
+    for (int i = 0; i < 256 && rc == 0; ++i) {
+      rc = probe.SendData(chunk.data(), static_cast<int32_t>(chunk.size()));
+      if (rc == 0) sent += chunk.size();
+    }
+    ASSERT_EQ(rc, 11) << "the server's buffers never filled";
+    EXPECT_EQ(probe.Disconnect(), 11);
+    EXPECT_STREQ(probe.GetLastError(), "Operation would block. (To force disconnection, set Linger FALSE).");
+    EXPECT_TRUE(probe.IsConnected());
+
+    release = true;
+    ASSERT_EQ(probe.WaitUntil([&] {
+      rc = probe.Disconnect();
+      EXPECT_TRUE(rc == 0 || rc == 11) << rc;
+      return rc != 11;
+    }), 0);
+    EXPECT_FALSE(probe.IsConnected());
+    for (int i = 0; i < 500 && server_got.load() < sent; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_EQ(server_got.load(), sent);
+    AwaitFlag(got_close_notify);
+    EXPECT_TRUE(got_close_notify.load());
+  }
+}
+
+// Plaintext is cut at the line end as plain TCP data is, whether the line end
+// was set before TLS was switched on or after the connection is up.
+TEST(TlsChannelTest, LineEndCutsThePlaintext) {
+  REQUIRE_PKI(pki);
+  const std::string long_line(3000, 'x');
+  const struct {
+    const char* name;
+    std::vector<std::string> writes;  // one TLS record each, sent with a pause between
+    bool eol_before_tls;
+    const char* eol;
+    std::string received;
+  } cases[] = {
+      {"lines across records", {"one\r\ntw", "o\r\n\r\nthr", "ee"}, true, "\r\n", "one|two||three"},
+      {"set after connecting", {"a;b;", "c"}, false, ";", "a|b|c"},
+      {"line longer than the buffer", {long_line + "\r\nend\r\n"}, true, "\r\n", long_line + "|end|"},
+      {"no line end", {"one\r\n", "two"}, true, "", "one\r\ntwo"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::atomic<bool> go{false};
+    TlsLoopback server(pki, [&](SSL* ssl) {
+      AwaitFlag(go);
+      for (const std::string& w : c.writes) {
+        SSL_write(ssl, w.data(), static_cast<int>(w.size()));
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      }
+      SSL_shutdown(ssl);
+    });
+    TlsProbe probe(pki);
+    if (c.eol_before_tls) probe.SetEOL(c.eol);
+    ASSERT_EQ(probe.Open(server.port()), 0) << probe.GetLastError();
+    if (!c.eol_before_tls) probe.SetEOL(c.eol);
+    go = true;
+    ASSERT_EQ(probe.WaitUntil([&] { return !probe.IsConnected(); }), 0);
+    EXPECT_EQ(probe.received, c.received);
+  }
+}
+
+TEST(TlsChannelTest, LingerOffDropsQueuedRecords) {
+  REQUIRE_PKI(pki);
+  std::atomic<bool> release{false};
+  TlsLoopback server(pki, [&](SSL* ssl) {
+    AwaitFlag(release);
+    char buffer[65536];
+    while (SSL_read(ssl, buffer, sizeof buffer) > 0) {
+    }
+  });
+  TlsProbe probe(pki);
+  ASSERT_EQ(probe.Open(server.port()), 0) << probe.GetLastError();
+  const std::string chunk(1 << 20, 'x');
+  int rc = 0;
+  for (int i = 0; i < 256 && rc == 0; ++i) rc = probe.SendData(chunk.data(), static_cast<int32_t>(chunk.size()));
+  ASSERT_EQ(rc, 11);
+  ASSERT_EQ(probe.SetLinger(false), 0);
+  EXPECT_EQ(probe.Disconnect(), 0);
+  EXPECT_FALSE(probe.IsConnected());
+  release = true;
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "net/transfer_channel.h"
 
+#include <arpa/inet.h>
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -32,6 +33,7 @@ class Probe : public TransferChannel {
   int disconnects = 0;
   int disconnect_code = -1;
   std::function<void()> on_data;
+  std::string errors;  // "code:text|" per OnError
 
   // Runs wait cycles until `done` or a stop (301).
   int WaitUntil(const std::function<bool()>& done) {
@@ -49,6 +51,7 @@ class Probe : public TransferChannel {
     if (end_of_line) received += '|';
     if (on_data) on_data();
   }
+  void OnError(int code, const char* text) override { errors += std::to_string(code) + ":" + text + "|"; }
   void FireDisconnected(int code, const char*) override {
     ++disconnects;
     disconnect_code = code;
@@ -243,18 +246,24 @@ TEST(TransferChannelTest, ConnectChecksTargetFirst) {
     const char* host;
     int port;
     int firewall_type;
+    const char* firewall_host;
+    int firewall_port;
     int code;
     const char* text;
   } cases[] = {
-      {"127.0.0.1", 0, 0, 116, "RemotePort can't be zero. Please specify a valid service port number."},
-      {"127.0.0.1", 0, 2, 116, "The FirewallPort is invalid (0)."},
-      {"", 80, 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
-      {"0.0.0.0", 80, 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
+      {"127.0.0.1", 0, 0, "", 0, 116, "RemotePort can't be zero. Please specify a valid service port number."},
+      {"127.0.0.1", 80, 2, "127.0.0.1", 0, 116, "The FirewallPort is invalid (0)."},
+      {"127.0.0.1", 80, 2, "", 1080, 102, "The FirewallHost address is invalid (0.0.0.0)."},
+      {"127.0.0.1", 80, 1, "no-proxy.invalid", 80, 102, "The FirewallHost address is invalid (0.0.0.0)."},
+      {"", 80, 0, "", 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
+      {"0.0.0.0", 80, 0, "", 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
     Probe p;
     p.SetFirewallType(c.firewall_type);
+    p.SetFirewallHost(c.firewall_host);
+    p.SetFirewallPort(c.firewall_port);
     p.SetRemoteHost(c.host);
     p.SetRemotePort(c.port);
     EXPECT_EQ(p.Connect(true), c.code);
@@ -267,6 +276,90 @@ TEST(TransferChannelTest, UnknownHostGivesResolutionText) {
   Probe p;
   EXPECT_EQ(p.SetRemoteHost("no-such-host.invalid"), 1);
   EXPECT_STREQ(p.GetLastError(), "The specified host is unknown.");
+}
+
+// The firewall host is resolved when set; the text reads back as set.
+TEST(TransferChannelTest, FirewallHostIsResolvedToIPv4) {
+  const struct {
+    const char* host;
+    bool resolves;
+    const char* address;
+  } cases[] = {
+      {"127.0.0.1", true, "127.0.0.1"},
+      {"localhost", true, "127.0.0.1"},
+      {"", true, "0.0.0.0"},
+      {"proxy.example.invalid", false, "0.0.0.0"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.host);
+    Probe p;
+    ASSERT_EQ(p.SetFirewallHost("127.0.0.2"), 0);  // a previous address must not survive
+    const int rc = p.SetFirewallHost(c.host);
+    if (c.resolves) {
+      EXPECT_EQ(rc, 0);
+    } else {
+      EXPECT_NE(rc, 0);
+      EXPECT_STREQ(p.GetLastError(), "");  // a system error: the component fills the text
+      EXPECT_EQ(p.FillDefaultErrorText(rc), rc);
+      EXPECT_EQ(std::string(p.GetLastError()).rfind("[" + std::to_string(rc) + "] ", 0), 0u) << p.GetLastError();
+    }
+    in_addr address{};
+    address.s_addr = p.FirewallAddress();
+    EXPECT_STREQ(inet_ntoa(address), c.address);
+    EXPECT_EQ(Query(p, "FirewallHost"), c.host);
+  }
+}
+
+// A resolver that answers with a chosen h_errno and errno.
+class FailingResolver : public Probe {
+ public:
+  int h_error = 0;
+  int system_error = 0;
+
+ protected:
+  int LookUpHost(const char*, in_addr*) override {
+    errno = system_error;
+    return h_error;
+  }
+};
+
+TEST(TransferChannelTest, ResolutionFailuresGiveCodeAndText) {
+  const struct {
+    int h_error;
+    const char* text;
+  } cases[] = {
+      {1, "The specified host is unknown."},
+      {2, "A temporary error occurred on an authoritative name server.  Try again later."},
+      {3, " A non-recoverable name server error occurred."},
+      {4, " The requested name is valid but does not have an IP address."},
+      {99, "A name resolution error occurred."},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.h_error);
+    FailingResolver p;
+    p.h_error = c.h_error;
+    EXPECT_EQ(p.SetRemoteHost("bank.example"), c.h_error);
+    EXPECT_STREQ(p.GetLastError(), c.text);
+    EXPECT_EQ(p.RemoteHost(), std::string(""));
+    EXPECT_EQ(p.SetRemoteHost("127.0.0.1"), 0);  // a dotted address asks no resolver
+  }
+}
+
+// LocalHost and FirewallHost report the system error, not the resolver's code.
+TEST(TransferChannelTest, LocalAndFirewallHostFailuresAreSystemErrors) {
+  const struct {
+    int system_error;
+    int code;
+  } cases[] = {{ECONNREFUSED, ECONNREFUSED}, {0, EINVAL}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.system_error);
+    FailingResolver p;
+    p.h_error = 2;
+    p.system_error = c.system_error;
+    EXPECT_EQ(p.SetLocalHost("me.example"), c.code);
+    EXPECT_EQ(p.SetFirewallHost("proxy.example"), c.code);
+    EXPECT_EQ(p.FirewallAddress(), 0u);
+  }
 }
 
 TEST(TransferChannelTest, SettingsAnswerQueries) {
@@ -434,6 +527,25 @@ TEST(TransferChannelTest, PartialSendIs11AndWaitsForWritable) {
             0);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
   p.Disconnect();
+}
+
+// Would-block ends the receive loop quietly; any other failure is raised as
+// an error with its number.
+TEST(TransferChannelTest, ReceiveFailureOtherThanWouldBlockIsRaised) {
+  LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
+  Probe p;
+  Target(p, server.port());
+  p.SetTimeout(5);
+  ASSERT_EQ(p.ConnectAndWait(), 0) << p.GetLastError();
+  EXPECT_EQ(p.Receive(), 11);
+  EXPECT_EQ(p.errors, "");
+  // An unconnected socket in place of the connection: recv fails with ENOTCONN.
+  const int unconnected = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  ASSERT_GE(unconnected, 0);
+  ASSERT_EQ(dup2(unconnected, p.SocketHandle()), p.SocketHandle());
+  close(unconnected);
+  EXPECT_EQ(p.Receive(), ENOTCONN);
+  EXPECT_EQ(p.errors, "107:socket error in recv: 107|");
 }
 
 TEST(TransferChannelTest, SendWithoutConnectionIs107) {
