@@ -959,13 +959,16 @@ int MarkupParser::CutKeptText(uint32_t begin, uint32_t end, ByteString& out) con
   if (end > length) end = length;
   if (end <= begin) return out.Clear();
   if (retained_ == nullptr) return out.Assign(kept_.Data() + begin, static_cast<int32_t>(end - begin));
-  out.SetLength(0);
-  int rc = kOk;
+  if (int rc = out.SetLength(static_cast<int32_t>(end - begin)); rc != kOk) {
+    out.Clear();
+    return rc;
+  }
+  char* to = out.MutableData();
   ForEachKeptPiece(begin, end, [&](const char* bytes, uint32_t n) {
-    if (rc == kOk) rc = out.Append(bytes, static_cast<int32_t>(n));
+    std::memcpy(to, bytes, n);
+    to += n;
   });
-  if (rc != kOk) out.Clear();
-  return rc;
+  return kOk;
 }
 
 ByteString MarkupParser::KeptText() const {
