@@ -37,6 +37,39 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   doc.Parse(document.c_str());
   doc.Parser().Finish();
 
+  // Parsed over the caller's text, the kept text must read the same at
+  // every position the tree holds.
+  static OFXTagTable* retained_documents[4] = {};
+  OFXTagTable*& retained_slot = retained_documents[(options >> 2) & 3];
+  if (retained_slot == nullptr) {
+    retained_slot = new OFXTagTable;
+    retained_slot->InitDefaults();
+    if ((options & 4) != 0) retained_slot->RegisterAggregates();
+    if ((options & 8) != 0) retained_slot->SetExtraTags("A,B,x:C");
+  }
+  OFXTagTable& retained = *retained_slot;
+  retained.Reset();
+  retained.SetKeepOriginalText((options & 1) == 0);
+  retained.SetHTMLComments((options & 2) != 0);
+  retained.Parser().SetFlag(MarkupParser::kIgnoreBadElementPrefixes, (options & 16) != 0);
+  retained.Parser().SetFlag(MarkupParser::kAllowTextOutsideRoot, (options & 32) == 0);
+  retained.ParseRetained(document);
+  if (retained.Parser().KeptLength() != doc.Parser().KeptLength() ||
+      retained.Parser().KeptText().View() != doc.Parser().KeptText().View() ||
+      retained.Tree().Size() != doc.Tree().Size()) {
+    __builtin_trap();
+  }
+  ByteString want;
+  ByteString got;
+  const uint32_t length = static_cast<uint32_t>(doc.Parser().KeptLength());
+  for (uint32_t begin = 0; begin <= length && begin < 64; ++begin) {
+    for (uint32_t end = begin; end <= length + 1 && end < 64; ++end) {
+      doc.Parser().CutKeptText(begin, end, want);
+      retained.Parser().CutKeptText(begin, end, got);
+      if (want.View() != got.View()) __builtin_trap();
+    }
+  }
+
   const auto read_all = [&doc] {
     doc.ElementName();
     doc.ElementText();

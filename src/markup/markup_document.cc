@@ -65,11 +65,15 @@ int MarkupDocument::Parse(const char* text) {
   return Parse(text == nullptr ? std::string_view() : std::string_view(text));
 }
 
-int MarkupDocument::Parse(std::string_view bytes) {
+int MarkupDocument::Parse(std::string_view bytes) { return ParseText(bytes, false); }
+
+int MarkupDocument::ParseRetained(std::string_view bytes) { return ParseText(bytes, true); }
+
+int MarkupDocument::ParseText(std::string_view bytes, bool retained) {
   // Feed stops at a NUL as it would for a C string.
   const size_t nul = bytes.find('\0');
   if (nul != std::string_view::npos) bytes = bytes.substr(0, nul);
-  const int rc = parser_.Feed(bytes.data(), bytes.size());
+  const int rc = retained ? parser_.FeedRetained(bytes.data(), bytes.size()) : parser_.Feed(bytes.data(), bytes.size());
   if (rc != kOk) ReportError(rc, parser_.ErrorText());
   return rc;
 }
@@ -251,13 +255,7 @@ const char* MarkupDocument::ElementText() const {
 }
 
 const char* MarkupDocument::CutKeptText(uint32_t begin, uint32_t end, ByteString& out) {
-  const TextBuffer& kept = parser_.KeptText();
-  if (end > static_cast<uint32_t>(kept.Length())) end = static_cast<uint32_t>(kept.Length());
-  if (end <= begin) {
-    out.Clear();
-  } else {
-    out.Assign(kept.Data() + begin, static_cast<int32_t>(end - begin));
-  }
+  parser_.CutKeptText(begin, end, out);
   return out.Data();
 }
 

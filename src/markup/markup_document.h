@@ -46,6 +46,9 @@ class MarkupDocument : public ComponentCore, public MarkupListener {
   // Feeds the whole text; on failure the parser's message becomes the error text.
   int Parse(const char* text);
   int Parse(std::string_view bytes);
+  // Parse for a text the caller keeps, unchanged, until the next Reset: the
+  // kept text refers to it rather than holding a second copy.
+  int ParseRetained(std::string_view bytes);
   int SelectPath(std::string_view path);
   // Whether SelectPath would succeed; cursor, path and error text are left as they were.
   bool HasPath(std::string_view path);
@@ -81,6 +84,7 @@ class MarkupDocument : public ComponentCore, public MarkupListener {
   DocumentTree& Tree() { return parser_.Tree(); }
 
  private:
+  int ParseText(std::string_view bytes, bool retained);
   int Walk(std::string_view path);
   int WalkRelative(std::string_view path);
   void DropLastStep();

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstring>
+#include <new>
+#include <utility>
 
 #include "base/error_codes.h"
 #include "base/text_util.h"
@@ -81,6 +83,11 @@ int MarkupParser::Reset() {
     s->Clear();
   }
   kept_.Truncate(0);
+  retained_ = nullptr;
+  insertions_.Clear();
+  inserted_ = 0;
+  kept_limit_ = -1;
+  leaf_candidate_at_ = leaf_name_at_ = 0;
   char_count_ = 0;
   tag_start_ = 0;
   attributes_.Clear();
@@ -183,7 +190,7 @@ int MarkupParser::Feed(const char* text) {
 }
 
 int MarkupParser::TakeRun(const uint8_t* run, size_t length) {
-  if (keep_text_) {
+  if (keep_text_ && retained_ == nullptr) {
     if (int rc = kept_.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(length)); rc != kOk) {
       return Fail(rc);
     }
@@ -194,7 +201,23 @@ int MarkupParser::TakeRun(const uint8_t* run, size_t length) {
   return kOk;
 }
 
+int MarkupParser::FeedRetained(const char* data, size_t length) {
+  if (keep_text_ && retained_ == nullptr && char_count_ == 0 && kept_.IsEmpty() && length < 0x7FFFFFF0u) {
+    retained_ = data;
+    return FeedBytes(data, length);
+  }
+  return Feed(data, length);
+}
+
 int MarkupParser::Feed(const char* data, size_t length) {
+  // Later input may not outlive the call, so the kept text takes its own copy.
+  if (retained_ != nullptr) {
+    if (int rc = CopyKeptText(); rc != kOk) return rc;
+  }
+  return FeedBytes(data, length);
+}
+
+int MarkupParser::FeedBytes(const char* data, size_t length) {
   if (encoding_ == Encoding::kUtf16LE || encoding_ == Encoding::kUtf16BE) return Fail(kErrUtf16);
   const uint8_t* p = reinterpret_cast<const uint8_t*>(data);
   const uint8_t* const end = p + length;
@@ -203,7 +226,7 @@ int MarkupParser::Feed(const char* data, size_t length) {
   if (length >= 65536 && length < 0x20000000u) {
     if (build_dom_) tree_.Reserve(static_cast<uint32_t>(length * 4));
 
-    if (keep_text_) kept_.Reserve(kept_.Length() + static_cast<int32_t>(length + length / 4));
+    if (keep_text_ && retained_ == nullptr) kept_.Reserve(kept_.Length() + static_cast<int32_t>(length + length / 4));
   }
   while (p < end) {
     // Runs that need nothing but an append; a listener sees every byte, so
@@ -239,7 +262,7 @@ int MarkupParser::Input(uint8_t ch) {
   if (listener_ != nullptr) {
     if (int rc = listener_->OnInputChar(static_cast<char>(ch)); rc != kOk) return rc;
   }
-  if (keep_text_) {
+  if (keep_text_ && retained_ == nullptr) {
     if (int rc = kept_.AppendChar(static_cast<char>(ch)); rc != kOk) return Fail(rc);
   }
   ++char_count_;
@@ -594,10 +617,13 @@ int MarkupParser::StartTagNameComplete() {
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
   const bool is_leaf = !containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !IsContainer(leaf_candidate_.View());
   leaf_name_.Swap(leaf_candidate_);
+  leaf_name_at_ = leaf_candidate_at_;
   if (int rc = leaf_candidate_.Assign(token_); rc != kOk) return Fail(rc);
   if (is_leaf) {
     if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
   }
+  // The name follows "<"; tag_start_ - inserted_ is where "<" is in the input.
+  leaf_candidate_at_ = tag_start_ + 1 - inserted_;
   // After the leaf's records, so that the tag mark is where this element's
   // own declarations begin.
   if (build_dom_) tree_.MarkTag();
@@ -611,6 +637,19 @@ int MarkupParser::StartTagNameComplete() {
 // plus that byte ("...</NAME>" becomes "...</OLD></NAME>" for an end tag),
 // and positions continue from there.
 int MarkupParser::CloseLeafAtTag() {
+  if (retained_ != nullptr && !RetainedNameMatches(leaf_name_.View(), leaf_name_at_)) {
+    if (int rc = CopyKeptText(); rc != kOk) return rc;
+  }
+  if (retained_ != nullptr) {
+    // As below, the kept text ends at the tag while the leaf closes.
+    kept_limit_ = tag_start_;
+    if (int rc = EndTag(leaf_name_.View(), true, false); rc != kOk) return rc;
+    kept_limit_ = -1;
+    const uint32_t length = static_cast<uint32_t>(leaf_name_.Length()) + 3;
+    tag_start_ += length;
+    char_count_ += length;
+    return kOk;
+  }
   const bool rewrite = keep_text_ && tag_start_ <= static_cast<uint32_t>(kept_.Length());
   if (rewrite) {
     if (int rc = kept_tail_.Assign(kept_.Data() + tag_start_, kept_.Length() - static_cast<int32_t>(tag_start_));
@@ -732,11 +771,17 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
     if (!containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !IsContainer(leaf_candidate_.View()) &&
         leaf_candidate_.View() != name) {
       if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
+      leaf_name_at_ = leaf_candidate_at_;
       if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
     }
     leaf_candidate_.SetLength(0);
   }
-  if (is_implicit && keep_text_) {
+  if (is_implicit && keep_text_ && retained_ != nullptr) {
+    const uint32_t length = static_cast<uint32_t>(name.size()) + 3;
+    if (!insertions_.PushBack({tag_start_, tag_start_ - inserted_, leaf_name_at_})) return Fail(kErrOutOfMemory);
+    inserted_ += length;
+    kept_limit_ = tag_start_ + length;
+  } else if (is_implicit && keep_text_) {
     if (kept_.Append("</", 2) != kOk || kept_.Append(name) != kOk || kept_.AppendChar('>') != kOk) {
       return Fail(kErrOutOfMemory);
     }
@@ -825,6 +870,126 @@ int MarkupParser::Finish() {
   if (open_.Count() > 0) return Fail(kErrUnbalancedDocument);
   if (tree_.TopCount() > 1 && !HasFlag(kAllowMoreThanOneRoot)) return Fail(kErrMoreThanOneRoot);
   if (state_ != kText && state_ != kAfterTag) return Fail(kErrInvalidEndState);
+  return kOk;
+}
+
+
+bool MarkupParser::InsertionList::PushBack(const Insertion& in) {
+  if ((size_ & kMask) == 0 && (size_ >> kShift) == blocks_.size()) {
+    std::unique_ptr<Insertion[]> block(new (std::nothrow) Insertion[kBlock]);
+    if (block == nullptr) return false;
+    blocks_.push_back(std::move(block));
+  }
+  blocks_[size_ >> kShift][size_ & kMask] = in;
+  ++size_;
+  return true;
+}
+
+void MarkupParser::InsertionList::Clear() {
+  blocks_.clear();
+  size_ = 0;
+}
+
+bool MarkupParser::RetainedNameMatches(std::string_view name, uint32_t at) const {
+  const uint64_t consumed = char_count_ - inserted_;
+  if (name.empty() || at + static_cast<uint64_t>(name.size()) >= consumed) return false;
+  if (std::memcmp(retained_ + at, name.data(), name.size()) != 0) return false;
+  // The name is read back up to the first byte that cannot continue it.
+  return !IsNameChar(static_cast<uint8_t>(retained_[at + name.size()]));
+}
+
+int32_t MarkupParser::KeptLength() const {
+  if (retained_ == nullptr) return kept_.Length();
+  return static_cast<int32_t>(kept_limit_ >= 0 ? kept_limit_ : char_count_);
+}
+
+template <typename Sink>
+void MarkupParser::ForEachKeptPiece(uint32_t begin, uint32_t end, Sink&& sink) const {
+  // The last insertion starting at or before `begin`, unless `begin` is past it.
+  size_t i = 0;
+  for (size_t high = insertions_.Size(); i < high;) {
+    const size_t mid = i + (high - i) / 2;
+    if (insertions_[mid].at <= begin) {
+      i = mid + 1;
+    } else {
+      high = mid;
+    }
+  }
+  if (i > 0) {
+    const Insertion& in = insertions_[i - 1];
+    if (begin < in.at + NameLengthAt(in.name_at) + 3) --i;
+  }
+  uint32_t pos = begin;
+  while (pos < end) {
+    if (i < insertions_.Size() && pos >= insertions_[i].at) {
+      const Insertion& in = insertions_[i];
+      const uint32_t name_length = NameLengthAt(in.name_at);
+      const uint32_t length = name_length + 3;
+      const uint32_t from = pos - in.at;
+      const uint32_t to = end - in.at < length ? end - in.at : length;
+      // "</", the name, ">": each clipped to [from, to).
+      const auto emit = [&](uint32_t lo, uint32_t hi, const char* bytes) {
+        const uint32_t a = from > lo ? from : lo;
+        const uint32_t b = to < hi ? to : hi;
+        if (a < b) sink(bytes + (a - lo), b - a);
+      };
+      emit(0, 2, "</");
+      emit(2, 2 + name_length, retained_ + in.name_at);
+      emit(2 + name_length, length, ">");
+      pos = in.at + to;
+      ++i;
+      continue;
+    }
+    const uint32_t shift = i < insertions_.Size() ? insertions_[i].at - insertions_[i].input_at : inserted_;
+    const uint32_t stop = i < insertions_.Size() && insertions_[i].at < end ? insertions_[i].at : end;
+    sink(retained_ + (pos - shift), stop - pos);
+    pos = stop;
+  }
+}
+
+uint32_t MarkupParser::NameLengthAt(uint32_t at) const {
+  const uint32_t consumed = char_count_ - inserted_;
+  uint32_t n = at;
+  while (n < consumed && IsNameChar(static_cast<uint8_t>(retained_[n]))) ++n;
+  return n - at;
+}
+
+int MarkupParser::CutKeptText(uint32_t begin, uint32_t end, ByteString& out) const {
+  const uint32_t length = static_cast<uint32_t>(KeptLength());
+  if (end > length) end = length;
+  if (end <= begin) return out.Clear();
+  if (retained_ == nullptr) return out.Assign(kept_.Data() + begin, static_cast<int32_t>(end - begin));
+  if (int rc = out.SetLength(static_cast<int32_t>(end - begin)); rc != kOk) {
+    out.Clear();
+    return rc;
+  }
+  char* to = out.MutableData();
+  ForEachKeptPiece(begin, end, [&](const char* bytes, uint32_t n) {
+    std::memcpy(to, bytes, n);
+    to += n;
+  });
+  return kOk;
+}
+
+ByteString MarkupParser::KeptText() const {
+  ByteString copy;
+  CutKeptText(0, static_cast<uint32_t>(KeptLength()), copy);
+  return copy;
+}
+
+size_t MarkupParser::KeptTextMemory() const {
+  if (retained_ == nullptr) return static_cast<size_t>(kept_.Capacity());
+  return insertions_.Memory();
+}
+
+int MarkupParser::CopyKeptText() {
+  const uint32_t length = static_cast<uint32_t>(KeptLength());
+  kept_.Truncate(0);
+  if (int rc = kept_.Reserve(static_cast<int32_t>(length)); rc != kOk) return Fail(rc);
+  ForEachKeptPiece(0, length, [&](const char* bytes, uint32_t n) { kept_.Append(bytes, static_cast<int32_t>(n)); });
+  retained_ = nullptr;
+  insertions_.Clear();
+  kept_limit_ = -1;
   return kOk;
 }
 

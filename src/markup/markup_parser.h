@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <memory>
 #include <string_view>
 #include <vector>
 
@@ -41,6 +42,11 @@ class MarkupParser {
   int Feed(const char* text);
   // The same for `length` bytes, which may hold NULs.
   int Feed(const char* data, size_t length);
+  // Feed for a whole text that the caller keeps, unchanged, until Reset or
+  // until the parser goes away: the kept text refers to those bytes instead
+  // of copying them. Only the first feed after Reset refers; otherwise, and
+  // on any later Feed, the kept text is copied out as with Feed.
+  int FeedRetained(const char* data, size_t length);
   // End-of-input check: 206 with an element still open, 211 for several roots
   // when they are not allowed, 205 in the middle of markup.
   int Finish();
@@ -83,8 +89,15 @@ class MarkupParser {
 
   DocumentTree& Tree() { return tree_; }
   const DocumentTree& Tree() const { return tree_; }
-  // The input as read, with synthesized end tags.
-  const TextBuffer& KeptText() const { return kept_; }
+  // The input as read, with synthesized end tags: its length, [begin, end)
+  // of it into `out` (end clamped to the length; empty when reversed), and
+  // a copy of the whole (for tests and diagnostics).
+  int32_t KeptLength() const;
+  int CutKeptText(uint32_t begin, uint32_t end, ByteString& out) const;
+  ByteString KeptText() const;
+  // Heap bytes the kept text holds: its copy of the input, or the list of
+  // synthesized end tags over retained input.
+  size_t KeptTextMemory() const;
   // Namespace declarations currently in scope (used while a start tag is reported).
   const NameValueTable& Namespaces() const { return namespaces_; }
 
@@ -116,6 +129,12 @@ class MarkupParser {
   void IndexContainer(uint32_t offset, uint32_t length);
   int TakeRun(const uint8_t* run, size_t length);
   int CloseLeafAtTag();
+  int FeedBytes(const char* data, size_t length);
+  int CopyKeptText();
+  bool RetainedNameMatches(std::string_view name, uint32_t at) const;
+  uint32_t NameLengthAt(uint32_t at) const;
+  template <typename Sink>
+  void ForEachKeptPiece(uint32_t begin, uint32_t end, Sink&& sink) const;
 
   MarkupListener* listener_ = nullptr;
   DocumentTree tree_;
@@ -133,6 +152,38 @@ class MarkupParser {
   ByteString pending_name_;  // the name of an empty-element tag, for its end
   ByteString leaf_name_;     // a leaf being closed implicitly
   ByteString kept_tail_;     // kept text moved behind a synthesized end tag
+  // Kept text over retained input: the input plus, in order, the end tags
+  // written out. A leaf's name is read back from its start tag, so each
+  // costs 12 bytes instead of a copy of the whole input.
+  struct Insertion {
+    uint32_t at;        // kept text position of "</"
+    uint32_t input_at;  // the input position it goes before
+    uint32_t name_at;   // input position of the leaf's name
+  };
+  // Fixed blocks: growing never copies the list or leaves slack beyond a block.
+  class InsertionList {
+   public:
+    size_t Size() const { return size_; }
+    const Insertion& operator[](size_t i) const { return blocks_[i >> kShift][i & kMask]; }
+    bool PushBack(const Insertion& in);
+    void Clear();
+    size_t Memory() const {
+      return blocks_.size() * kBlock * sizeof(Insertion) + blocks_.capacity() * sizeof(blocks_[0]);
+    }
+
+   private:
+    static constexpr size_t kShift = 6;
+    static constexpr size_t kBlock = size_t{1} << kShift;
+    static constexpr size_t kMask = kBlock - 1;
+    std::vector<std::unique_ptr<Insertion[]>> blocks_;
+    size_t size_ = 0;
+  };
+  const char* retained_ = nullptr;
+  InsertionList insertions_;
+  uint32_t inserted_ = 0;   // bytes written out so far
+  int64_t kept_limit_ = -1;  // the kept text's end while a leaf is being closed
+  uint32_t leaf_candidate_at_ = 0;  // input position of leaf_candidate_'s name
+  uint32_t leaf_name_at_ = 0;       // the same for leaf_name_
   uint32_t char_count_ = 0;
   uint32_t tag_start_ = 0;
   NameValueTable attributes_;

@@ -17,7 +17,8 @@ int OFXAggregateService::SetAggregate(const char* text) {
   SetValidate(true);
   SetKeepOriginalText(true);
   if (int rc = aggregate_.Assign(text); rc != 0) return rc;
-  const int rc = Parse(aggregate_.Data());
+  // aggregate_ changes only here, after Reset, so the parse can refer to it.
+  const int rc = ParseRetained(aggregate_.View());
   if (rc != 0) Tree().ResetTree();
   return rc;
 }

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "support/kept_text_check.h"
 #include "support/tree_dump.h"
 
 namespace orvelan {
@@ -94,10 +95,74 @@ TEST(OFXTagTableTest, CorpusFilesParse) {
     for (size_t i = 0; i < text.size() && text[i] != '\0'; ++i) ASSERT_EQ(bytewise.Parser().Feed(&text[i], 1), 0);
     EXPECT_EQ(testing::DumpTree(bytewise.Tree()), testing::DumpTree(table.Tree()));
     EXPECT_EQ(bytewise.Parser().KeptText().View(), table.Parser().KeptText().View());
+
+    // And parsed over the caller's text, every element cuts the same markup.
+    OFXTagTable retained;
+    retained.InitDefaults();
+    retained.RegisterAggregates();
+    ASSERT_EQ(retained.ParseRetained(text), 0) << retained.GetLastError();
+    testing::ExpectSameKeptText(table.Parser(), retained.Parser(), false);
     ++files;
   }
   closedir(dir);
   EXPECT_GT(files, 0);
+}
+
+}  // namespace
+}  // namespace orvelan
+
+namespace orvelan {
+namespace {
+
+// A statement with every optional field pattern, SGML or XML.
+std::string GeneratedStatement(int transactions, bool xml) {
+  std::string s = xml ? "<?xml version=\"1.0\"?>\r\n" : "OFXHEADER:100\r\nDATA:OFXSGML\r\n\r\n";
+  const auto leaf = [&](const std::string& name, const std::string& value) {
+    s += "<" + name + ">" + value + (xml ? "</" + name + ">" : "") + "\r\n";
+  };
+  s += "<OFX>\r\n<BANKMSGSRSV1>\r\n<STMTTRNRS>\r\n";
+  leaf("TRNUID", "1001");
+  s += "<STMTRS>\r\n<BANKTRANLIST>\r\n";
+  for (int i = 0; i < transactions; ++i) {
+    s += "<STMTTRN>\r\n";
+    leaf("TRNTYPE", i % 4 == 0 ? "CREDIT" : "DEBIT");
+    leaf("TRNAMT", std::to_string(i) + ".10");
+    if (i % 5 == 0) leaf("CHECKNUM", std::to_string(1000 + i));
+    if (i % 3 == 0) leaf("NAME", "A &amp; B <![CDATA[x]]>");
+    if (i % 2 == 0) leaf("MEMO", "");
+    s += "</STMTTRN>";
+    s += i % 7 == 0 ? "<!-- gap -->" : "\r\n";
+  }
+  s += "</BANKTRANLIST>\r\n</STMTRS>\r\n</STMTTRNRS>\r\n</BANKMSGSRSV1>\r\n</OFX>\r\n";
+  return s;
+}
+
+TEST(OFXTagTableTest, RetainedParseCutsWhatTheCopyCuts) {
+  for (bool xml : {false, true}) {
+    SCOPED_TRACE(xml ? "xml" : "sgml");
+    const std::string text = GeneratedStatement(300, xml);
+    OFXTagTable copied;
+    copied.InitDefaults();
+    copied.RegisterAggregates();
+    ASSERT_EQ(copied.Parse(text.c_str()), 0) << copied.GetLastError();
+    OFXTagTable retained;
+    retained.InitDefaults();
+    retained.RegisterAggregates();
+    ASSERT_EQ(retained.ParseRetained(text), 0) << retained.GetLastError();
+    testing::ExpectSameKeptText(copied.Parser(), retained.Parser(), false);
+    // Through the document's accessors too, by record offset.
+    for (uint32_t e : testing::ElementRecords(copied.Tree())) {
+      const std::string path = "*" + std::to_string(e);
+      ASSERT_EQ(copied.SelectPath(path), 0);
+      ASSERT_EQ(retained.SelectPath(path), 0);
+      ASSERT_STREQ(retained.ElementSubtree(), copied.ElementSubtree()) << path;
+      ASSERT_STREQ(retained.ElementContents(), copied.ElementContents()) << path;
+    }
+    // The end tags written out, not another copy of the input.
+    if (!xml) {
+      EXPECT_LT(retained.Parser().KeptTextMemory(), static_cast<size_t>(copied.Parser().KeptLength()) * 2 / 3);
+    }
+  }
 }
 
 }  // namespace
