@@ -420,7 +420,7 @@ TEST(HttpClientTest, ThousandExchangesLeaveNoDescriptorBehind) {
     ASSERT_EQ(c.Body(), "done");
   }
   // The server thread closes its end a moment after answering.
-  for (int i = 0; i < 100 && OpenDescriptors() != before; ++i) {
+  for (int i = 0; i < 400 && OpenDescriptors() != before; ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   EXPECT_EQ(OpenDescriptors(), before);
