@@ -114,7 +114,7 @@ int main() {
     std::printf("\n");
   }
 
-  std::printf("\nDownloading needs the OFX engine and the transport, which this build does not have yet:\n");
+  std::printf("\nDownloading needs the OFX engine, which this build does not have yet:\n");
   Report(st, "GetStatement", BankStatement_Do(st, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, nullptr, nullptr));
 
   BankStatement_Destroy(st);
