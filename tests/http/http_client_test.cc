@@ -104,8 +104,7 @@ std::string Url(const LoopbackServer& server, const std::string& path = "/ofx") 
 }
 
 TEST(HttpClientTest, PostsTheExactHeadAndBody) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Type: application/x-ofx\r\nContent-Length: 4\r\n\r\n<OFX"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Type: application/x-ofx\r\nContent-Length: 4\r\n\r\n<OFX"}}};
   LoopbackServer server(canned.Script());
   Client c;
   c.Set("UserAgent=Test Agent");
@@ -157,8 +156,7 @@ TEST(HttpClientTest, ResponseFormsAndFailures) {
   };
   for (const ReplyCase& rc : cases) {
     SCOPED_TRACE(rc.name);
-    Canned canned;
-    canned.replies = {rc.pieces};
+    Canned canned{{rc.pieces}};
     LoopbackServer server(canned.Script());
     Client c;
     c.Set("AllowHTTPCompression=true");
@@ -175,10 +173,9 @@ TEST(HttpClientTest, ResponseFormsAndFailures) {
 // The raw headers are the lines as sent (only the line end becomes CR LF),
 // while the split pairs are trimmed; a second response replaces them.
 TEST(HttpClientTest, RawHeadersKeepTheLinesAsSent) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\ncontent-TYPE:\t text/plain  \r\nX-Odd :  a  b\r\n\tfolded\r\nNoColon\r\n"
-                     "X-Lf:1\nContent-Length: 2\r\n\r\nok"},
-                    {"HTTP/1.1 200 OK\r\nCONTENT-LENGTH:0\r\n\r\n"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\ncontent-TYPE:\t text/plain  \r\nX-Odd :  a  b\r\n\tfolded\r\nNoColon\r\n"
+                 "X-Lf:1\nContent-Length: 2\r\n\r\nok"},
+                {"HTTP/1.1 200 OK\r\nCONTENT-LENGTH:0\r\n\r\n"}}};
   LoopbackServer server(canned.Script());
   Client c;
   c.SetPostData("x", 1);
@@ -195,8 +192,7 @@ TEST(HttpClientTest, RawHeadersKeepTheLinesAsSent) {
 }
 
 TEST(HttpClientTest, CompressionIsAskedForOnlyWhenAllowed) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}}};
   LoopbackServer server(canned.Script());
   Client c;
   ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
@@ -223,8 +219,7 @@ TEST(HttpClientTest, StalledServerTimesOut) {
 }
 
 TEST(HttpClientTest, MaxTransferredDataCutsTheKeptBody) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 25\r\n\r\n0123456789012345678901234"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 25\r\n\r\n0123456789012345678901234"}}};
   LoopbackServer server(canned.Script());
   Client c;
   c.Set("MaxTransferredData=10");
@@ -238,10 +233,9 @@ TEST(HttpClientTest, MaxTransferredDataCutsTheKeptBody) {
 }
 
 TEST(HttpClientTest, CookiesAreKeptAndSentBack) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nSet-Cookie: SID=1; Path=/\r\nSet-Cookie: SID=2; path=/\r\n"
-                     "Set-Cookie: lang=en\r\nContent-Length: 0\r\n\r\n"},
-                    {"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nSet-Cookie: SID=1; Path=/\r\nSet-Cookie: SID=2; path=/\r\n"
+                 "Set-Cookie: lang=en\r\nContent-Length: 0\r\n\r\n"},
+                {"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}}};
   LoopbackServer server(canned.Script());
   Client c;
   ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);
@@ -268,8 +262,8 @@ TEST(HttpClientTest, KeepAliveReusesTheConnection) {
 }
 
 TEST(HttpClientTest, KeptConnectionClosedByTheServerIsReplaced) {
-  Canned canned;  // closes after every answer, although the client keeps alive
-  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"}};
+  // The server closes after every answer, although the client keeps alive.
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"}}};
   LoopbackServer server(canned.Script());
   Client c;
   c.Set("KeepAlive=true");
@@ -292,8 +286,7 @@ TEST(HttpClientTest, RequestsThatCannotStart) {
 }
 
 TEST(HttpClientTest, SecondActionWhileBusyIs143) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}}};
   LoopbackServer server(canned.Script());
   Client c;
   c.nest = true;
@@ -307,8 +300,7 @@ TEST(HttpClientTest, SecondActionWhileBusyIs143) {
 TEST(HttpClientTest, LocalFileTakesTheBody) {
   char path[] = "/tmp/orvelan-local-XXXXXX";
   close(mkstemp(path));
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nfiled"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nfiled"}}};
   LoopbackServer server(canned.Script());
   Client c;
   c.Set(std::string("LocalFile=") + path);
@@ -327,8 +319,7 @@ TEST(HttpClientTest, LocalFileTakesTheBody) {
 }
 
 TEST(HttpClientTest, PlainProxyGetsTheAbsoluteUrl) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}}};
   LoopbackServer proxy(canned.Script());
   Client c;
   c.Set("ProxyServer=127.0.0.1");
@@ -342,8 +333,7 @@ TEST(HttpClientTest, PlainProxyGetsTheAbsoluteUrl) {
 }
 
 TEST(HttpClientTest, TransferredRequestRecordsWhatWasSent) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}}};
   LoopbackServer server(canned.Script());
   Client c;
   c.Set("TransferredRequest=ON");
@@ -355,8 +345,7 @@ TEST(HttpClientTest, TransferredRequestRecordsWhatWasSent) {
 }
 
 TEST(HttpClientTest, CookiesFromServersGoWhenTheHostChangesIfAsked) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nSet-Cookie: SID=1\r\nContent-Length: 0\r\n\r\n"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nSet-Cookie: SID=1\r\nContent-Length: 0\r\n\r\n"}}};
   LoopbackServer server(canned.Script());
   for (bool dont_clear : {false, true}) {
     SCOPED_TRACE(dont_clear);
@@ -371,8 +360,7 @@ TEST(HttpClientTest, CookiesFromServersGoWhenTheHostChangesIfAsked) {
 }
 
 TEST(HttpClientTest, EncodedPathAndIPv6HostInTheHead) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n"}}};
   LoopbackServer server(canned.Script(), /*ipv6=*/true);
   Client c;
   c.Set("EncodeURL=true");
@@ -392,12 +380,6 @@ TEST(HttpClientTest, ResetForgetsTheRequest) {
   EXPECT_EQ(c.DoAction(HttpClient::kPost), 152);
 }
 
-}  // namespace
-}  // namespace orvelan
-
-namespace orvelan {
-namespace {
-
 int OpenDescriptors() {
   int count = 0;
   if (DIR* dir = opendir("/proc/self/fd")) {
@@ -408,8 +390,7 @@ int OpenDescriptors() {
 }
 
 TEST(HttpClientTest, ThousandExchangesLeaveNoDescriptorBehind) {
-  Canned canned;
-  canned.replies = {{"HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\ndone"}};
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\ndone"}}};
   LoopbackServer server(canned.Script());
   Client c;
   ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);  // the first exchange may open lasting descriptors
