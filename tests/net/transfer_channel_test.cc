@@ -74,6 +74,12 @@ void Target(Probe& p, int port, const char* host = "127.0.0.1") {
   ASSERT_EQ(p.SetRemotePort(port), 0);
 }
 
+int Open(Probe& p, int port, int seconds = 5) {
+  Target(p, port);
+  p.SetTimeout(seconds);
+  return p.ConnectAndWait();
+}
+
 TEST(TransferChannelTest, ExchangesLinesWithAServer) {
   LoopbackServer server([](int fd) {
     EXPECT_EQ(LoopbackServer::ReadUntil(fd, "\n"), "hello\n");
@@ -82,9 +88,7 @@ TEST(TransferChannelTest, ExchangesLinesWithAServer) {
     LoopbackServer::WriteAll(fd, "o\r\nrest");
   });
   Probe p;
-  Target(p, server.port());
-  p.SetTimeout(5);
-  ASSERT_EQ(p.ConnectAndWait(), 0) << p.GetLastError();
+  ASSERT_EQ(Open(p, server.port()), 0) << p.GetLastError();
   EXPECT_TRUE(p.IsConnected());
   ASSERT_EQ(p.SetEOL("\r\n"), 0);
   ASSERT_EQ(p.SendAll("hello\n", 6, false), 0);
@@ -98,9 +102,7 @@ TEST(TransferChannelTest, ExchangesLinesWithAServer) {
 
 TEST(TransferChannelTest, RefusedConnectReportsSystemError) {
   Probe p;
-  Target(p, UnusedPort());
-  p.SetTimeout(5);
-  EXPECT_EQ(p.ConnectAndWait(), 111);
+  EXPECT_EQ(Open(p, UnusedPort()), 111);
   EXPECT_STREQ(p.GetLastError(), "[111] Connection refused.");
   EXPECT_EQ(p.SocketHandle(), -1);
   EXPECT_TRUE(p.events.Saw("Status(Remote host connection failed.,111)"));
@@ -196,10 +198,8 @@ TEST(TransferChannelTest, LargeSendsCompleteThroughPartialWrites) {
     while ((n = read(fd, buffer, sizeof buffer)) > 0) got += static_cast<size_t>(n);
   });
   Probe p;
-  Target(p, server.port());
-  p.SetTimeout(10);
   ASSERT_EQ(Configure(p, "OutBufferSize=4096"), 0);
-  ASSERT_EQ(p.ConnectAndWait(), 0);
+  ASSERT_EQ(Open(p, server.port(), 10), 0);
   ASSERT_EQ(p.SendChunked(payload.data(), static_cast<int32_t>(payload.size()), 16384), 0);
   p.Disconnect();
   for (int i = 0; i < 200 && server.connections() == 1 && got < payload.size(); ++i) {
@@ -211,9 +211,7 @@ TEST(TransferChannelTest, LargeSendsCompleteThroughPartialWrites) {
 TEST(TransferChannelTest, SettersRefusedWhileASocketExists) {
   LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
   Probe p;
-  Target(p, server.port());
-  p.SetTimeout(5);
-  ASSERT_EQ(p.ConnectAndWait(), 0);
+  ASSERT_EQ(Open(p, server.port()), 0);
   const struct {
     std::function<int()> set;
     int code;
@@ -418,9 +416,7 @@ TEST(TransferChannelTest, ExternalEventLoopWaitsThroughTheHost) {
   LoopbackServer server([](int fd) { LoopbackServer::WriteAll(fd, "hi"); });
   Probe p;
   p.SetExternalEventLoop(true);
-  Target(p, server.port());
-  p.SetTimeout(5);
-  ASSERT_EQ(p.ConnectAndWait(), 0);
+  ASSERT_EQ(Open(p, server.port()), 0);
   EXPECT_EQ(p.events.log.front(), "Watch(51)");
   EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
   EXPECT_EQ(p.received, "hi");
@@ -447,9 +443,7 @@ TEST(TransferChannelTest, RecordToFileWritesTheTranscript) {
   });
   Probe p;
   Configure(p, std::string("RecordToFile=") + path);
-  Target(p, server.port());
-  p.SetTimeout(5);
-  ASSERT_EQ(p.ConnectAndWait(), 0);
+  ASSERT_EQ(Open(p, server.port()), 0);
   ASSERT_EQ(p.SendAll("why$?", 5, false), 0);
   ASSERT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
   std::ifstream in(path, std::ios::binary);
@@ -479,9 +473,7 @@ TEST(TransferChannelTest, SplitCRLFCutsAtAnyLineEnd) {
   });
   Probe p;
   ASSERT_EQ(Configure(p, "SplitCRLF=true"), 0);
-  Target(p, server.port());
-  p.SetTimeout(5);
-  ASSERT_EQ(p.ConnectAndWait(), 0);
+  ASSERT_EQ(Open(p, server.port()), 0);
   EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
   EXPECT_EQ(p.received, "A|B|X||Y");
 }
@@ -492,9 +484,7 @@ TEST(TransferChannelTest, AcceptDataHoldsDeliveryBack) {
     LoopbackServer::ReadUntil(fd, "never");
   });
   Probe p;
-  Target(p, server.port());
-  p.SetTimeout(5);
-  ASSERT_EQ(p.ConnectAndWait(), 0);
+  ASSERT_EQ(Open(p, server.port()), 0);
   p.SetEOL("\n");
   p.SetAcceptData(false);
   // The lines are there to read; polling must not hand them up.
@@ -515,10 +505,8 @@ TEST(TransferChannelTest, PartialSendIs11AndWaitsForWritable) {
     }
   });
   Probe p;
-  Target(p, server.port());
-  p.SetTimeout(5);
   ASSERT_EQ(Configure(p, "OutBufferSize=4096"), 0);
-  ASSERT_EQ(p.ConnectAndWait(), 0);
+  ASSERT_EQ(Open(p, server.port()), 0);
   const std::string big(4 << 20, 'z');
   EXPECT_EQ(p.Send(big.data(), static_cast<int32_t>(big.size())), 11);
   EXPECT_GT(p.BytesLastSent(), 0);
@@ -536,9 +524,7 @@ TEST(TransferChannelTest, PartialSendIs11AndWaitsForWritable) {
 TEST(TransferChannelTest, ReceiveFailureOtherThanWouldBlockIsRaised) {
   LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
   Probe p;
-  Target(p, server.port());
-  p.SetTimeout(5);
-  ASSERT_EQ(p.ConnectAndWait(), 0) << p.GetLastError();
+  ASSERT_EQ(Open(p, server.port()), 0) << p.GetLastError();
   EXPECT_EQ(p.Receive(), 11);
   EXPECT_EQ(p.errors, "");
   // An unconnected socket in place of the connection: recv fails with ENOTCONN.
