@@ -17,11 +17,12 @@ namespace {
 
 class Client : public HttpsClient {
  public:
-  Client() {
+  explicit Client(bool trust_test_ca = false) {
     InitDefaults();
     SetEventSink(&events);
     SetTimeout(10);
     max_transferred_data_ = 0;
+    if (trust_test_ca) Set("OpenSSLCAFile=" + TestPki::Get().Path("ca.pem"));
   }
   int Set(const std::string& setting) {
     const char* out = nullptr;
@@ -125,8 +126,7 @@ TEST(NginxExchangeTest, KeepAliveKeepsOneConnection) {
 TEST(NginxExchangeTest, TrustedServerOverTls) {
   ORVELAN_REQUIRE_NGINX(nginx);
   const TestPki& pki = TestPki::Get();
-  Client c;
-  c.Set("OpenSSLCAFile=" + pki.Path("ca.pem"));
+  Client c(true);
   ASSERT_EQ(c.PostToURL(HttpsUrl(nginx->https_port, "/ofx").c_str()), 0) << c.GetLastError();
   EXPECT_EQ(c.Body(), "<OFX><SIGNONMSGSRSV1>ok</SIGNONMSGSRSV1></OFX>\n");
   EXPECT_EQ(c.events.last_cert_status, "OK");
@@ -141,8 +141,7 @@ TEST(NginxExchangeTest, TrustedServerOverTls) {
 
 TEST(NginxExchangeTest, SniCarriesTheHostName) {
   ORVELAN_REQUIRE_NGINX(nginx);
-  Client c;
-  c.Set("OpenSSLCAFile=" + TestPki::Get().Path("ca.pem"));
+  Client c(true);
   ASSERT_EQ(c.PostToURL(HttpsUrl(nginx->https_port, "/sni", "localhost").c_str()), 0) << c.GetLastError();
   EXPECT_EQ(c.Body(), "localhost");
 }
@@ -171,8 +170,7 @@ TEST(NginxExchangeTest, CertificateDecision) {
   };
   for (const CertCase& k : cases) {
     SCOPED_TRACE(k.name);
-    Client c;
-    if (k.with_ca) c.Set("OpenSSLCAFile=" + pki.Path("ca.pem"));
+    Client c(k.with_ca);
     if (k.accept_other_cert) {
       const std::string pem = pki.Read("other.pem");
       c.SetSSLAcceptServerCertEncoded(pem.data(), static_cast<int32_t>(pem.size()));
@@ -194,8 +192,7 @@ TEST(NginxExchangeTest, CertificateDecision) {
 
 TEST(NginxExchangeTest, LargeBodyOverTls) {
   ORVELAN_REQUIRE_NGINX(nginx);
-  Client c;
-  c.Set("OpenSSLCAFile=" + TestPki::Get().Path("ca.pem"));
+  Client c(true);
   c.SetPostData("x", 1);
   ASSERT_EQ(c.PostToURL(HttpsUrl(nginx->https_port, "/files/1m.bin").c_str()), 0) << c.GetLastError();
   EXPECT_EQ(c.Body().size(), 1048576u);
@@ -206,8 +203,7 @@ TEST(NginxExchangeTest, ClientCertificateIsPresented) {
   const TestPki& pki = TestPki::Get();
   for (int store_type : {2, 6, 7}) {
     SCOPED_TRACE(store_type);
-    Client c;
-    c.Set("OpenSSLCAFile=" + pki.Path("ca.pem"));
+    Client c(true);
     const std::string store = store_type == 2   ? pki.Path("client.p12")
                               : store_type == 6 ? pki.Path("client_both.pem")
                                                 : pki.Read("client_both.pem");
@@ -234,8 +230,7 @@ TEST(NginxExchangeTest, OldProtocolVersionsAreRefused) {
                       "127.0.0.1:" + std::to_string(port)},
                      pki.Path("s_server.log"));
   ASSERT_TRUE(server.Ready({port})) << pki.Read("s_server.log");
-  Client c;
-  c.Set("OpenSSLCAFile=" + pki.Path("ca.pem"));
+  Client c(true);
   const int rc = c.PostToURL(HttpsUrl(port, "/ofx").c_str());
   EXPECT_NE(rc, 0);
   const std::string error = c.GetLastError();
@@ -247,8 +242,7 @@ TEST(NginxExchangeTest, OldProtocolVersionsAreRefused) {
 
 TEST(NginxExchangeTest, RepeatedTlsExchangesLeaveNoDescriptorBehind) {
   ORVELAN_REQUIRE_NGINX(nginx);
-  Client c;
-  c.Set("OpenSSLCAFile=" + TestPki::Get().Path("ca.pem"));
+  Client c(true);
   const std::string url = HttpsUrl(nginx->https_port, "/ofx");
   ASSERT_EQ(c.PostToURL(url.c_str()), 0) << c.GetLastError();
   const int before = OpenDescriptors();
