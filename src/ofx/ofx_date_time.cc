@@ -91,6 +91,7 @@ class Writer {
     buffer_[used_++] = c;
   }
   void Put(std::string_view text) {
+    if (text.empty()) return;  // an empty table entry has no data pointer
     if (text.size() > sizeof buffer_ - used_) {
       Flush();
       if (text.size() > sizeof buffer_) {
