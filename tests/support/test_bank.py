@@ -36,12 +36,13 @@ request gets "OFX-STATUS=15500"). The scenario is chosen by USERID:
                MESSAGE (e.g. error2001)
   warn         normal answers whose transaction status is 2028 WARN with a MESSAGE
   info         normal answers whose transaction status is 10000 INFO with a MESSAGE
-  mfa          multi-factor sign-on: a request without answers and without a
-               challenge request gets sign-on status 3000; one carrying
-               MFACHALLENGETRNRQ gets the two questions (MFA13 "What is your
-               favourite colour?", MFA107 "What was your first pet's name?");
-               one carrying MFACHALLENGEA answers "blue" and "rex" (case
-               ignored) gets normal answers, wrong answers get status 3001
+  mfa          multi-factor sign-on: a request without MFACHALLENGEA answers
+               gets sign-on status 3000 and nothing else; answers "blue" to
+               MFA13 and "rex" to MFA107 (case ignored) get normal answers,
+               other answers get status 3001
+A sign-on message set carrying MFACHALLENGETRNRQ (any user) is answered with
+MFACHALLENGETRNRS holding two questions (MFA13 "What is your favourite
+colour?", MFA107 "What was your first pet's name?") and nothing else.
   accesskey    normal answers with ACCESSKEY "orvelan-access-key" in SONRS
   http500      an HTTP 500 text/html page
   stall        never answers; the connection is held until the client leaves
@@ -417,11 +418,11 @@ class Bank:
             return 200, "application/x-ofx", b"<OFX>\r\n<SIGNONMSGSRSV1>\r\n<SONRS>\r\n</SIGNONMSGSRSV1>\r\n</OFX>"
         if image is not None:
             return self.image(image.value or "")
+        challenge = self.ofx.children[0].child("MFACHALLENGETRNRQ")
+        if challenge is not None:
+            return self.ofx_answer(self.signon(extra=[self.challenge(challenge)]))
         if s.name == "mfa":
-            signon = self.ofx.children[0]
             answers = [c for c in self.sonrq.children if c.name == "MFACHALLENGEA"]
-            if signon.child("MFACHALLENGETRNRQ") is not None:
-                return self.ofx_answer(self.signon(extra=[self.challenge(signon.child("MFACHALLENGETRNRQ"))]))
             if not answers:
                 return self.ofx_answer(self.signon(3000, "ERROR"))
             given = {a.text("MFAPHRASEID"): a.text("MFAPHRASEA").lower() for a in answers}
