@@ -2,7 +2,8 @@
 """Test bank: a scripted OFX server for the engine and service tests and the demo.
 
 Python 3 standard library only. Listens on 127.0.0.1, plain HTTP (tests put the
-nginx of the transport tests in front of it for TLS).
+nginx of the transport tests in front of it for TLS), or HTTPS itself with
+--tls-cert and --tls-key (the demo, which cannot count on nginx).
 
     test_bank.py --port 0 --port-file DIR/port --log DIR/requests.log
 
@@ -80,6 +81,7 @@ import os
 import re
 import select
 import signal
+import ssl
 import struct
 import sys
 import threading
@@ -685,8 +687,15 @@ def main():
     parser.add_argument("--port", type=int, default=0)
     parser.add_argument("--port-file", default="")
     parser.add_argument("--log", default="")
+    parser.add_argument("--tls-cert", default="", help="PEM certificate: serve HTTPS itself (the demo's way)")
+    parser.add_argument("--tls-key", default="")
     args = parser.parse_args()
     server = Server(("127.0.0.1", args.port), args.log)
+    if args.tls_cert:
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.minimum_version = ssl.TLSVersion.TLSv1_2
+        context.load_cert_chain(args.tls_cert, args.tls_key or None)
+        server.socket = context.wrap_socket(server.socket, server_side=True)
     port = server.server_address[1]
     if args.port_file:
         with open(args.port_file + ".tmp", "w") as f:
