@@ -165,6 +165,7 @@ int OFXClient::ClearResponse() {
   server_message_.Clear();
   request_.Clear();
   retained_.Clear();
+  parsed_ = retained_.View();
   file_text_.Clear();
   response_is_set_ = false;
   raw_source_ = RawSource::kNone;
@@ -348,7 +349,8 @@ int OFXClient::Exchange() {
   posted_ = false;
   SetContentType(kContentType);
   ClearResponse();
-  if (int rc = BuildRequest(request_, true); rc != kOk) return ReportError(rc, "Cannot build the OFX request.");
+  // A service's BuildMessageSets reports its own missing fields.
+  if (int rc = BuildRequest(request_, true); rc != kOk) return rc;
   if (debug_trace_) FireConnectionStatus("REQUEST", 0, request_.Data());
   ResetDocument();
   if (int rc = SetPostData(request_.Data(), request_.Length()); rc != kOk) return ReportError(rc, nullptr);
@@ -383,12 +385,21 @@ int OFXClient::Exchange() {
 
 int OFXClient::ProcessResponse(std::string_view text) {
   ResetDocument();
-  if (int rc = document_.RegisterAggregates(); rc != kOk) return ReportError(rc, document_.GetLastError());
-  if (text.data() != retained_.Data()) {
-    response_is_set_ = false;
-    if (int rc = retained_.Assign(text); rc != kOk) return ReportError(rc, nullptr);
+  // The document refers to the text it parsed. The HTTP body stays put until
+  // the next HTTP action, and every path to one resets the document first,
+  // so it is parsed in place; any other text is copied, so the caller's may go.
+  const std::string_view body = TransferredData();
+  if (!text.empty() && text.data() == body.data() && text.size() == body.size()) {
+    parsed_ = body;
+  } else {
+    if (text.data() != retained_.Data()) {
+      response_is_set_ = false;
+      if (int rc = retained_.Assign(text); rc != kOk) return ReportError(rc, nullptr);
+    }
+    parsed_ = retained_.View();
   }
-  if (int rc = document_.ParseRetained(retained_.View()); rc != kOk) return ReportError(rc, document_.GetLastError());
+  if (int rc = document_.RegisterAggregates(); rc != kOk) return ReportError(rc, document_.GetLastError());
+  if (int rc = document_.ParseRetained(parsed_); rc != kOk) return ReportError(rc, document_.GetLastError());
   if (int rc = document_.SelectPath("/"); rc != kOk) return ReportError(rc, document_.GetLastError());
 
   if (document_.HasPath("SIGNONMSGSRSV1")) {
@@ -565,8 +576,7 @@ int OFXClient::SetOFXResponse(const char* value) {
 int OFXClient::SetData(std::string_view text) {
   ClearResponse();
   const int rc = ProcessResponse(text);
-  // OFXResponse takes the text even when it could not be processed.
-  if (text.data() != retained_.Data()) retained_.Assign(text);
+  // OFXResponse takes the text (copied by ProcessResponse) whatever the result.
   response_is_set_ = true;
   raw_source_ = RawSource::kRetained;
   return MapParseFailure(rc);

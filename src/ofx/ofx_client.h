@@ -96,8 +96,8 @@ class OFXClient : public HttpsClient {
   // response, 2001 for an error status, or the service's code.
   int Exchange();
   // Parses `text` as a server response, checks the sign-on, reads a
-  // challenge or runs ParseResponse. The document keeps referring to the
-  // engine's copy of `text` until the next response.
+  // challenge or runs ParseResponse. The document refers to the engine's copy
+  // of `text`, or to the HTTP body in place when `text` is TransferredData().
   int ProcessResponse(std::string_view text);
   // Checks the STATUS of the aggregate at `path` (relative to the cursor).
   // Without `is_signon` the cursor is left on `path`, else it goes back to
@@ -188,7 +188,7 @@ class OFXClient : public HttpsClient {
   const char* OFXRequest();
   // The last response. Writing clears the request state as Reset does, then
   // processes the text; an empty text fails with 508.
-  const char* OFXResponse() const { return response_is_set_ ? retained_.Data() : ""; }
+  const char* OFXResponse() const { return response_is_set_ ? parsed_.data() : ""; }
   int SetOFXResponse(const char* value);
   // The IMAGEREF of the pending image request; the body of the next request
   // is the image request while it is set (OFX "211" only).
@@ -251,8 +251,9 @@ class OFXClient : public HttpsClient {
   bool debug_trace_ = false;
   ByteString ofx_log_;
   ByteString request_;         // the request sent; OFXRequest reuses it
-  ByteString retained_;        // the text the document refers to
-  bool response_is_set_ = false;  // retained_ is OFXResponse
+  ByteString retained_;           // a response that did not come over HTTP
+  std::string_view parsed_;       // what the document refers to: retained_ or the HTTP body
+  bool response_is_set_ = false;  // parsed_ is OFXResponse (both end in a NUL)
   ByteString file_text_;       // a data file as read, for RawResponse
   RawSource raw_source_ = RawSource::kNone;
   bool posted_ = false;  // the last Exchange reached the post
