@@ -120,6 +120,14 @@ constexpr StatusText kStatusTexts[] = {
     {16513, "Image server not available. Try again later."},
 };
 
+constexpr bool IsSorted() {
+  for (size_t i = 1; i < std::size(kStatusTexts); ++i) {
+    if (kStatusTexts[i - 1].code >= kStatusTexts[i].code) return false;
+  }
+  return true;
+}
+static_assert(IsSorted(), "the lookup is a binary search");
+
 }  // namespace
 
 const char* OFXStatusTable::Text(int32_t code) {
