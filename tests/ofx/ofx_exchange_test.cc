@@ -168,6 +168,22 @@ TEST_F(ExchangeTest, FailuresOfTheServerAndTheLog) {
   EXPECT_NE(service_.Exchange(), 0);
 }
 
+TEST_F(ExchangeTest, ChallengeTurnsTheNextRequestIntoAChallengeRequest) {
+  CannedBank bank(HttpAnswer(
+      "application/x-ofx",
+      "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>3000<SEVERITY>WARN</STATUS></SONRS></SIGNONMSGSRSV1></OFX>"));
+  service_.SetFIUrl(bank.Url().c_str());
+  ASSERT_EQ(service_.Exchange(), 0) << "a warning does not fail";
+  EXPECT_TRUE(service_.MFAChallengePending());
+  EXPECT_EQ(service_.parse_calls, 0);
+  EXPECT_NE(bank.Request().find("<BANKMSGSRQV1>"), std::string::npos);
+
+  ASSERT_EQ(service_.Exchange(), 0);
+  const std::string second = bank.Request();
+  EXPECT_NE(second.find("</SONRQ>\r\n<MFACHALLENGETRNRQ>\r\n<TRNUID>"), std::string::npos) << second;
+  EXPECT_EQ(second.find("<BANKMSGSRQV1>"), std::string::npos);
+}
+
 class ImageTest : public ExchangeTest {
  protected:
   void TearDown() override {
