@@ -2,6 +2,7 @@
 #include <string_view>
 
 #include "base/byte_string.h"
+#include "ofx/ofx_date_time.h"
 
 // The engine's conversions between OFX dates and amounts and the host's forms:
 // the host's `DateFormat` pattern ("OFXDATE" turns conversion off) and the
@@ -25,7 +26,8 @@ class DateAmountFormat {
   // An empty DateFormat is first reset to the default.
   void FormatDate(ByteString& out, std::string_view ofx_date);
   // `out` = the host date as an OFX date in OFXDateFormat; returns 0 or 676
-  // (with `out` empty).
+  // (with `out` empty). Fields the host date lacks keep the current local
+  // time; an empty DateFormat reads as the default.
   int ParseUserDate(ByteString& out, std::string_view text) const;
   // The amount without a "+" sign and leading zeros ("0.00" for empty); valid
   // until the next call.
@@ -35,6 +37,7 @@ class DateAmountFormat {
   ByteString date_format_;
   ByteString ofx_date_format_;
   ByteString amount_;
+  OFXDateTime scratch_;  // reused by FormatDate so a conversion allocates nothing
 };
 
 }  // namespace orvelan

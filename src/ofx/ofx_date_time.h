@@ -33,8 +33,11 @@ class OFXDateTime {
   static void FormatNow(ByteString& out, std::string_view pattern);
 
   // Reads an OFX date (`20240115103000.000[-5:EST]`, `20240115`, ...) with
-  // fixed fields; the bracketed zone is read but never shifts the fields.
-  // Returns false for an empty text or one that ends inside a field.
+  // fixed fields; the bracketed zone never shifts the fields and ZoneOffset
+  // becomes 0. A bare date has time 00:00:00.000; a time cut short keeps the
+  // current local values for its missing fields. Weekday is that of the date.
+  // Returns false for an empty text, one that does not begin with a field, or
+  // one that ends inside a field.
   bool ParseOFXDate(std::string_view text);
 
   int32_t Year() const { return year_; }

@@ -1,0 +1,708 @@
+#!/usr/bin/env python3
+"""Test bank: a scripted OFX server for the engine and service tests and the demo.
+
+Python 3 standard library only. Listens on 127.0.0.1, plain HTTP (tests put the
+nginx of the transport tests in front of it for TLS).
+
+    test_bank.py --port 0 --port-file DIR/port --log DIR/requests.log
+
+With --port 0 the system picks the port; it is written to --port-file (written
+whole, then renamed into place) and printed as "PORT <n>" on stdout.
+
+What it checks, like a strict bank (a failure is an HTTP 400 whose text/plain
+body says what was wrong):
+  - POST only (anything else: 405), Content-Type "application/x-ofx" (media
+    type compared without case; parameters allowed), a non-empty body;
+  - the header block: OFX 1.x "OFXHEADER:100" lines (DATA:OFXSGML, VERSION:1nn,
+    SECURITY:NONE, ENCODING:USASCII, CHARSET:1252, COMPRESSION:NONE, OLDFILEUID,
+    NEWFILEUID, in that order, CRLF line ends, a blank line) or the OFX 2.x
+    processing instruction <?OFX OFXHEADER="200" VERSION="2nn" SECURITY=...
+    OLDFILEUID=... NEWFILEUID=...?> (an <?xml?> declaration may precede it);
+  - a well-formed <OFX> body; in the 2.x dialect every element has its end tag;
+  - SIGNONMSGSRQV1/SONRQ first, its children in the order DTCLIENT, USERID,
+    USERPASS, LANGUAGE, FI (ORG, optional FID), optional SESSCOOKIE, APPID,
+    APPVER, then optional CLIENTUID, USERCRED1, USERCRED2, AUTHTOKEN, ACCESSKEY,
+    MFACHALLENGEA...; DTCLIENT an OFX date, USERID, USERPASS, ORG, APPID and
+    APPVER not empty, LANGUAGE three capitals;
+  - every TRNUID of the form 8-4-4-4-4-8 lowercase hexadecimal digits;
+  - every other child of <OFX> a message set named ...MSGSRQV1 or ...MSGSRQV2.
+
+Answers come in the request's own dialect and OFX version. The password is
+"secret"; any other gets a sign-on status 15500 and nothing else (an image
+request gets "OFX-STATUS=15500"). The scenario is chosen by USERID:
+  user         normal answers (3 transactions per statement)
+  user<N>      normal answers with N transactions (at most 200000)
+  error<CODE>  every transaction answered with STATUS CODE, SEVERITY ERROR, no
+               MESSAGE (e.g. error2001)
+  warn         normal answers whose transaction status is 2028 WARN with a MESSAGE
+  info         normal answers whose transaction status is 10000 INFO with a MESSAGE
+  mfa          multi-factor sign-on: a request without MFACHALLENGEA answers
+               gets sign-on status 3000 and nothing else; answers "blue" to
+               MFA13 and "rex" to MFA107 (case ignored) get normal answers,
+               other answers get status 3001
+A sign-on message set carrying MFACHALLENGETRNRQ (any user) is answered with
+MFACHALLENGETRNRS holding two questions (MFA13 "What is your favourite
+colour?", MFA107 "What was your first pet's name?") and nothing else.
+  accesskey    normal answers with ACCESSKEY "orvelan-access-key" in SONRS
+  http500      an HTTP 500 text/html page
+  stall        never answers; the connection is held until the client leaves
+  status       the body "OFX-STATUS=16510"; status<CODE> answers "OFX-STATUS=<CODE>"
+               (served as application/x-ofx, as image servers do)
+  badofx       a 200 application/x-ofx body that is not well-formed
+  unknowntags  a normal answer plus an aggregate no OFX dictionary knows
+Any other USERID is treated as "user".
+
+A PINCHTRNRQ in the sign-on message set is answered with a PINCHTRNRS (status 0).
+Message sets answered: BANKMSGSRQV1 STMTTRNRQ (statement with BANKTRANLIST when
+INCTRAN/INCLUDE is Y, LEDGERBAL, AVAILBAL) and STMTENDTRNRQ (one CLOSING per
+calendar month of the range), CREDITCARDMSGSRQV1 CCSTMTTRNRQ (the same with
+CCACCTFROM), IMAGEMSGSRQV1 IMAGETRNRQ (the image bytes: image/png, or by the
+IMAGEREF's ending ".jpeg"/".jpg" image/jpeg, ".tiff" image/tiff, ".pdf"
+Application/pdf; IMAGEREF "missing" answers "OFX-STATUS=16512"). Any other
+transaction request XXXTRNRQ gets XXXTRNRS with its TRNUID and status 0 INFO.
+Statements are computed from the request: the account is echoed, DTSTART and
+DTEND default to 30 days before today and today, a range that ends before it
+starts gets status 2027, amounts and FITIDs are derived from the account
+number and the transaction index (same request, same answer), dates are
+spread over the range. INCTRANIMG/INCSTMTIMG Y adds IMAGEDATA references.
+The PNG is a 1x1 image with a tEXt "Comment" chunk holding the IMAGEREF.
+
+Every POST received is appended to the --log file as
+    --- request <seq> status=<http status or 0 for stall> length=<n> content-type=<type>\n
+    <exactly n body bytes>\n
+so tests can inspect the exact bytes.
+"""
+
+import argparse
+import datetime
+import http.server
+import os
+import re
+import select
+import signal
+import struct
+import sys
+import threading
+import zlib
+
+PASSWORD = "secret"
+ACCESS_KEY = "orvelan-access-key"
+MFA_QUESTIONS = [("MFA13", "What is your favourite colour?", "blue"),
+                 ("MFA107", "What was your first pet's name?", "rex")]
+PAYEES = ["Grocery Outlet", "City Water", "Joe's Bar & Grill", "Payroll ACME <Ltd>", "Transfer from savings"]
+ZONE = "[-5:EST]"
+MAX_TRANSACTIONS = 200000
+
+SONRQ_ORDER = ["DTCLIENT", "USERID", "USERPASS", "LANGUAGE", "FI", "SESSCOOKIE", "APPID", "APPVER",
+               "CLIENTUID", "USERCRED1", "USERCRED2", "AUTHTOKEN", "ACCESSKEY", "MFACHALLENGEA"]
+SONRQ_REQUIRED = ["DTCLIENT", "USERID", "USERPASS", "LANGUAGE", "FI", "APPID", "APPVER"]
+SGML_HEADER_KEYS = ["OFXHEADER", "DATA", "VERSION", "SECURITY", "ENCODING", "CHARSET", "COMPRESSION",
+                    "OLDFILEUID", "NEWFILEUID"]
+SGML_HEADER_VALUES = {"OFXHEADER": "100", "DATA": "OFXSGML", "SECURITY": "NONE", "ENCODING": "USASCII",
+                      "CHARSET": "1252", "COMPRESSION": "NONE"}
+
+TRNUID_FORM = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{8}$")
+OFX_DATE_FORM = re.compile(r"^\d{8}(\d{4}(\d{2}(\.\d{3})?)?)?(\[[+-]?\d+(\.\d+)?(:[A-Za-z ]*)?\])?$")
+XML_HEADER = re.compile(r'^(<\?xml[^>]*\?>\s*)?<\?OFX((?:\s+[A-Z]+="[^"]*")*)\s*\?>\s*')
+XML_ATTRIBUTE = re.compile(r'([A-Z]+)="([^"]*)"')
+TOKEN = re.compile(r"<(/?)([A-Za-z0-9_.]+)>|<|[^<]+")
+ENTITIES = {"amp": "&", "lt": "<", "gt": ">", "quot": '"', "apos": "'", "nbsp": "\u00a0"}
+
+
+class BadRequest(Exception):
+    pass
+
+
+class Node:
+    __slots__ = ("name", "value", "children", "closed")
+
+    def __init__(self, name, value=None):
+        self.name = name
+        self.value = value
+        self.children = []
+        self.closed = False
+
+    def child(self, name):
+        for c in self.children:
+            if c.name == name:
+                return c
+        return None
+
+    def find(self, path):
+        node = self
+        for part in path.split("/"):
+            node = node.child(part) if node is not None else None
+        return node
+
+    def text(self, path, default=""):
+        node = self.find(path)
+        return node.value if node is not None and node.value is not None else default
+
+    def walk(self):
+        yield self
+        for c in self.children:
+            yield from c.walk()
+
+
+# ---------------------------------------------------------------- reading
+
+
+def decode_entities(text):
+    def one(m):
+        name = m.group(1)
+        if name.startswith("#x") or name.startswith("#X"):
+            return chr(int(name[2:], 16))
+        if name.startswith("#"):
+            return chr(int(name[1:]))
+        if name in ENTITIES:
+            return ENTITIES[name]
+        raise BadRequest("unknown entity &%s;" % name)
+    return re.sub(r"&(#[0-9]+|#[xX][0-9a-fA-F]+|[A-Za-z]+);", one, text)
+
+
+def read_header(text):
+    """Returns (dialect, version, rest of the text)."""
+    if text.startswith("OFXHEADER:"):
+        end = text.find("\r\n\r\n")
+        if end < 0:
+            raise BadRequest("OFX 1.x header does not end with a blank line (CRLF CRLF)")
+        lines = text[:end].split("\r\n")
+        keys = []
+        fields = {}
+        for line in lines:
+            if "\n" in line or "\r" in line:
+                raise BadRequest("OFX 1.x header lines must end with CRLF")
+            key, colon, value = line.partition(":")
+            if not colon:
+                raise BadRequest("OFX 1.x header line without a colon: %r" % line)
+            keys.append(key)
+            fields[key] = value
+        if keys != SGML_HEADER_KEYS:
+            raise BadRequest("OFX 1.x header fields must be %s, got %s" % (",".join(SGML_HEADER_KEYS), ",".join(keys)))
+        for key, wanted in SGML_HEADER_VALUES.items():
+            if fields[key] != wanted:
+                raise BadRequest("OFX 1.x header %s must be %s, got %r" % (key, wanted, fields[key]))
+        if not re.match(r"^1\d\d$", fields["VERSION"]):
+            raise BadRequest("OFX 1.x header VERSION must be 1nn, got %r" % fields["VERSION"])
+        for key in ("OLDFILEUID", "NEWFILEUID"):
+            if not fields[key]:
+                raise BadRequest("OFX 1.x header %s is empty" % key)
+        return "sgml", fields["VERSION"], text[end + 4:]
+    m = XML_HEADER.match(text)
+    if m:
+        attributes = dict(XML_ATTRIBUTE.findall(m.group(2)))
+        for key in ("OFXHEADER", "VERSION", "SECURITY", "OLDFILEUID", "NEWFILEUID"):
+            if key not in attributes:
+                raise BadRequest("OFX 2.x header lacks %s" % key)
+        if attributes["OFXHEADER"] != "200":
+            raise BadRequest('OFX 2.x header OFXHEADER must be "200", got %r' % attributes["OFXHEADER"])
+        if not re.match(r"^2\d\d$", attributes["VERSION"]):
+            raise BadRequest("OFX 2.x header VERSION must be 2nn, got %r" % attributes["VERSION"])
+        if attributes["SECURITY"] != "NONE":
+            raise BadRequest("OFX 2.x header SECURITY must be NONE")
+        return "xml", attributes["VERSION"], text[m.end():]
+    raise BadRequest("no OFX header: the body must begin with OFXHEADER:100 or <?OFX OFXHEADER=\"200\" ...?>")
+
+
+def read_tree(text, dialect):
+    tokens = [(m.group(1), m.group(2), m.group(0)) for m in TOKEN.finditer(text)]
+    root = Node("")
+    stack = [root]
+    i = 0
+    while i < len(tokens):
+        slash, name, raw = tokens[i]
+        i += 1
+        if name is None:
+            if raw == "<":
+                raise BadRequest("malformed tag near %r" % text[text.find("<", 0):][:20])
+            if raw.strip():
+                raise BadRequest("text %r outside a leaf element" % raw.strip()[:30])
+            continue
+        if slash:
+            if stack[-1] is root or stack[-1].name != name:
+                open_name = stack[-1].name if stack[-1] is not root else "nothing"
+                raise BadRequest("end tag </%s> does not close <%s>" % (name, open_name))
+            stack[-1].closed = True
+            stack.pop()
+            continue
+        node = Node(name)
+        stack[-1].children.append(node)
+        if i < len(tokens) and tokens[i][1] is None and tokens[i][2] != "<" and tokens[i][2].strip():
+            node.value = decode_entities(tokens[i][2].strip())
+            i += 1
+            if i < len(tokens) and tokens[i][0] and tokens[i][1] == name:
+                node.closed = True
+                i += 1
+            elif dialect == "xml":
+                raise BadRequest("element <%s> has no end tag" % name)
+        elif i < len(tokens) and tokens[i][0] and tokens[i][1] == name:
+            node.value = ""  # an empty leaf written as <X></X>
+            node.closed = True
+            i += 1
+        else:
+            stack.append(node)
+    if len(stack) > 1:
+        raise BadRequest("<%s> is never closed" % stack[-1].name)
+    if len(root.children) != 1 or root.children[0].name != "OFX":
+        raise BadRequest("the body must be one <OFX> element")
+    return root.children[0]
+
+
+def check_signon(ofx):
+    if not ofx.children or ofx.children[0].name != "SIGNONMSGSRQV1":
+        raise BadRequest("SIGNONMSGSRQV1 must be the first element of <OFX>")
+    signon = ofx.children[0]
+    if not signon.children or signon.children[0].name != "SONRQ":
+        raise BadRequest("SONRQ must be the first element of SIGNONMSGSRQV1")
+    sonrq = signon.children[0]
+    names = [c.name for c in sonrq.children]
+    for name in names:
+        if name not in SONRQ_ORDER:
+            raise BadRequest("unexpected <%s> in SONRQ" % name)
+    ranks = [SONRQ_ORDER.index(n) for n in names]
+    if ranks != sorted(ranks):
+        raise BadRequest("SONRQ elements out of order: %s" % ",".join(names))
+    for name in names:
+        if name != "MFACHALLENGEA" and names.count(name) > 1:
+            raise BadRequest("<%s> appears twice in SONRQ" % name)
+    for name in SONRQ_REQUIRED:
+        if name not in names:
+            raise BadRequest("SONRQ lacks <%s>" % name)
+    for name in ("USERID", "USERPASS", "APPID", "APPVER"):
+        if not sonrq.text(name):
+            raise BadRequest("SONRQ <%s> is empty" % name)
+    if not OFX_DATE_FORM.match(sonrq.text("DTCLIENT")):
+        raise BadRequest("DTCLIENT %r is not an OFX date" % sonrq.text("DTCLIENT"))
+    if not re.match(r"^[A-Z]{3}$", sonrq.text("LANGUAGE")):
+        raise BadRequest("LANGUAGE %r is not three capitals" % sonrq.text("LANGUAGE"))
+    fi = sonrq.child("FI")
+    if [c.name for c in fi.children] not in (["ORG"], ["ORG", "FID"]):
+        raise BadRequest("FI must hold ORG and an optional FID")
+    if not fi.text("ORG"):
+        raise BadRequest("FI <ORG> is empty")
+    if fi.child("FID") is not None and not fi.text("FID"):
+        raise BadRequest("FI <FID> is empty")
+    for answer in sonrq.children:
+        if answer.name == "MFACHALLENGEA" and [c.name for c in answer.children] != ["MFAPHRASEID", "MFAPHRASEA"]:
+            raise BadRequest("MFACHALLENGEA must hold MFAPHRASEID and MFAPHRASEA")
+    for node in ofx.walk():
+        if node.name == "TRNUID" and not TRNUID_FORM.match(node.value or ""):
+            raise BadRequest("TRNUID %r is not 8-4-4-4-4-8 lowercase hex digits" % node.value)
+    for node in ofx.children[1:]:
+        if not re.match(r"^[A-Z0-9]+MSGSRQV[12]$", node.name):
+            raise BadRequest("<%s> is not a request message set" % node.name)
+    return sonrq
+
+
+# ---------------------------------------------------------------- writing
+
+
+def escape(value):
+    return value.replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
+
+
+def render(node, dialect, out):
+    """node: (name, text) for a leaf, (name, [children]) for an aggregate."""
+    name, content = node
+    if isinstance(content, list):
+        out.append("<%s>\r\n" % name)
+        for c in content:
+            render(c, dialect, out)
+        out.append("</%s>\r\n" % name)
+    elif dialect == "xml":
+        out.append("<%s>%s</%s>\r\n" % (name, escape(content), name))
+    else:
+        out.append("<%s>%s\r\n" % (name, escape(content)))
+
+
+def document(dialect, version, body):
+    out = []
+    if dialect == "xml":
+        out.append('<?xml version="1.0" encoding="UTF-8" standalone="no"?>\r\n'
+                   '<?OFX OFXHEADER="200" VERSION="%s" SECURITY="NONE" OLDFILEUID="NONE" NEWFILEUID="NONE"?>\r\n'
+                   % version)
+    else:
+        out.append("OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:%s\r\nSECURITY:NONE\r\nENCODING:USASCII\r\n"
+                   "CHARSET:1252\r\nCOMPRESSION:NONE\r\nOLDFILEUID:NONE\r\nNEWFILEUID:NONE\r\n\r\n" % version)
+    render(("OFX", body), dialect, out)
+    return "".join(out).encode("latin-1", "replace")
+
+
+def status(code=0, severity="INFO", message=None):
+    parts = [("CODE", str(code)), ("SEVERITY", severity)]
+    if message:
+        parts.append(("MESSAGE", message))
+    return ("STATUS", parts)
+
+
+def now_stamp():
+    return datetime.datetime.now(datetime.timezone.utc).strftime("%Y%m%d%H%M%S.000[0:GMT]")
+
+
+def money(cents):
+    sign = "-" if cents < 0 else ""
+    return "%s%d.%02d" % (sign, abs(cents) // 100, abs(cents) % 100)
+
+
+def day_of(text, fallback):
+    m = re.match(r"^(\d{4})(\d{2})(\d{2})", text or "")
+    if not m:
+        return fallback
+    try:
+        return datetime.date(int(m.group(1)), int(m.group(2)), int(m.group(3)))
+    except ValueError:
+        raise BadRequest("date %r does not exist" % text)
+
+
+def stamp(day, time="120000"):
+    return day.strftime("%Y%m%d") + time + ".000" + ZONE
+
+
+class Scenario:
+    def __init__(self, userid):
+        self.name = userid
+        self.transactions = 3
+        self.trn_status = None
+        m = re.match(r"^(user|error|status)(\d+)$", userid)
+        if m:
+            self.name = m.group(1)
+            if self.name == "user":
+                self.transactions = min(int(m.group(2)), MAX_TRANSACTIONS)
+            elif self.name == "error":
+                self.trn_status = status(int(m.group(2)), "ERROR")
+            else:
+                self.status_code = m.group(2)
+        elif userid == "status":
+            self.status_code = "16510"
+        elif userid == "warn":
+            self.trn_status = status(2028, "WARN", "Some request elements were not recognized and were ignored.")
+        elif userid == "info":
+            self.trn_status = status(10000, "INFO", "Statement is preliminary until the end of the day.")
+
+
+class Bank:
+    """Computes the answer to one checked request."""
+
+    def __init__(self, ofx, sonrq, dialect, version, scenario):
+        self.ofx = ofx
+        self.sonrq = sonrq
+        self.dialect = dialect
+        self.version = version
+        self.scenario = scenario
+
+    def signon(self, code=0, severity="INFO", extra=()):
+        parts = [status(code, severity), ("DTSERVER", now_stamp()), ("LANGUAGE", "ENG")]
+        fi = self.sonrq.child("FI")
+        fi_parts = [("ORG", fi.text("ORG"))]
+        if fi.child("FID") is not None:
+            fi_parts.append(("FID", fi.text("FID")))
+        parts.append(("FI", fi_parts))
+        if self.scenario.name == "accesskey" and code == 0:
+            parts.append(("ACCESSKEY", ACCESS_KEY))
+        return [("SIGNONMSGSRSV1", [("SONRS", parts)] + list(extra))]
+
+    def answer(self):
+        """Returns (http status, content type, body bytes)."""
+        s = self.scenario
+        image = self.ofx.find("IMAGEMSGSRQV1/IMAGETRNRQ/IMAGERQ/IMAGEREF")
+        if self.sonrq.text("USERPASS") != PASSWORD:
+            if image is not None:
+                return 200, "application/x-ofx", b"OFX-STATUS=15500"
+            return self.ofx_answer(self.signon(15500, "ERROR"))
+        if s.name == "http500":
+            return 500, "text/html", (b"<html><head><title>500 Internal Server Error</title></head>"
+                                      b"<body><h1>Internal Server Error</h1></body></html>\r\n")
+        if s.name == "status":
+            return 200, "application/x-ofx", ("OFX-STATUS=" + s.status_code).encode()
+        if s.name == "badofx":
+            return 200, "application/x-ofx", b"<OFX>\r\n<SIGNONMSGSRSV1>\r\n<SONRS>\r\n</SIGNONMSGSRSV1>\r\n</OFX>"
+        if image is not None:
+            return self.image(image.value or "")
+        challenge = self.ofx.children[0].child("MFACHALLENGETRNRQ")
+        if challenge is not None:
+            return self.ofx_answer(self.signon(extra=[self.challenge(challenge)]))
+        if s.name == "mfa":
+            answers = [c for c in self.sonrq.children if c.name == "MFACHALLENGEA"]
+            if not answers:
+                return self.ofx_answer(self.signon(3000, "ERROR"))
+            given = {a.text("MFAPHRASEID"): a.text("MFAPHRASEA").lower() for a in answers}
+            if any(given.get(pid) != answer for pid, _, answer in MFA_QUESTIONS):
+                return self.ofx_answer(self.signon(3001, "ERROR"))
+        pin_change = self.ofx.children[0].child("PINCHTRNRQ")
+        extra = []
+        if pin_change is not None:
+            extra.append(("PINCHTRNRS", [("TRNUID", pin_change.text("TRNUID")), status(),
+                                         ("PINCHRS", [("USERID", pin_change.text("PINCHRQ/USERID"))])]))
+        body = self.signon(extra=extra)
+        for message_set in self.ofx.children[1:]:
+            body.append((message_set.name.replace("RQV", "RSV"), self.message_set(message_set)))
+        if s.name == "unknowntags":
+            body.append(("XFOOMSGSRSV1", [("XFOOTRNRS", [("TRNUID", "1")])]))
+        return self.ofx_answer(body)
+
+    def ofx_answer(self, body):
+        return 200, "application/x-ofx", document(self.dialect, self.version, body)
+
+    def challenge(self, request):
+        questions = [("MFACHALLENGE", [("MFAPHRASEID", pid), ("MFAPHRASELABEL", label)])
+                     for pid, label, _ in MFA_QUESTIONS]
+        return ("MFACHALLENGETRNRS", [("TRNUID", request.text("TRNUID")), status(),
+                                      ("MFACHALLENGERS", questions)])
+
+    def message_set(self, message_set):
+        out = []
+        for request in message_set.children:
+            if not request.name.endswith("TRNRQ"):
+                continue
+            name = request.name[:-2] + "RS"
+            parts = [("TRNUID", request.text("TRNUID"))]
+            if request.child("CLTCOOKIE") is not None:
+                parts.append(("CLTCOOKIE", request.text("CLTCOOKIE")))
+            if self.scenario.name == "error":
+                out.append((name, parts + [self.scenario.trn_status]))
+                continue
+            if request.name in ("STMTTRNRQ", "CCSTMTTRNRQ"):
+                parts += self.statement(request)
+            elif request.name == "STMTENDTRNRQ":
+                parts += self.closing(request)
+            else:
+                parts.append(status())
+            out.append((name, parts))
+        return out
+
+    def range_of(self, rq):
+        end = day_of(rq.text("DTEND"), datetime.date.today())
+        start = day_of(rq.text("DTSTART"), end - datetime.timedelta(days=30))
+        return start, end
+
+    def account(self, rq):
+        for name in ("BANKACCTFROM", "CCACCTFROM"):
+            node = rq.child(name)
+            if node is not None:
+                return name, [(c.name, c.value or "") for c in node.children if c.value is not None]
+        raise BadRequest("%s lacks BANKACCTFROM or CCACCTFROM" % rq.name)
+
+    def statement(self, trnrq):
+        rq_name = "CCSTMTRQ" if trnrq.name == "CCSTMTTRNRQ" else "STMTRQ"
+        rq = trnrq.child(rq_name)
+        if rq is None:
+            raise BadRequest("%s lacks <%s>" % (trnrq.name, rq_name))
+        inctran = rq.child("INCTRAN")
+        dates = inctran if inctran is not None else rq
+        start, end = self.range_of(dates)
+        if end < start:
+            return [status(2027, "ERROR")]
+        account_tag, account = self.account(rq)
+        account_id = dict(account).get("ACCTID", "")
+        seed = sum(account_id.encode()) + sum(dict(account).get("BANKID", "").encode())
+        images = rq.text("INCTRAN/INCTRANIMG") == "Y"
+        transactions = []
+        total = 0
+        count = self.scenario.transactions
+        span = (end - start).days
+        for i in range(count):
+            cents = (seed * 7919 + i * 104729) % 200001 - 100000
+            total += cents
+            day = start + datetime.timedelta(days=(span * (i + 1)) // (count + 1))
+            kind = "CHECK" if i % 5 == 4 else ("CREDIT" if cents > 0 else "DEBIT")
+            if kind == "CHECK" and cents > 0:
+                cents = -cents
+            fitid = "%s-%s-%05d" % (account_id, day.strftime("%Y%m%d"), i + 1)
+            t = [("TRNTYPE", kind), ("DTPOSTED", stamp(day)), ("DTUSER", stamp(day, "000000")),
+                 ("TRNAMT", money(cents)), ("FITID", fitid)]
+            if kind == "CHECK":
+                t.append(("CHECKNUM", str(1000 + i)))
+            t.append(("NAME", PAYEES[(seed + i) % len(PAYEES)]))
+            if i % 2 == 0:
+                t.append(("MEMO", "Transaction %d of %d" % (i + 1, count)))
+            if images:
+                t.append(("IMAGEDATA", [("IMAGETYPE", "STATEMENT"), ("IMAGEREF", "img-" + fitid + ".png"),
+                                        ("IMAGEREFTYPE", "OPAQUE")]))
+            transactions.append(("STMTTRN", t))
+        ledger = 100000 + total
+        body = [("CURDEF", "USD"), (account_tag, account)]
+        if rq.text("INCTRAN/INCLUDE") == "Y":
+            body.append(("BANKTRANLIST", [("DTSTART", dates.text("DTSTART") or stamp(start, "000000")),
+                                          ("DTEND", dates.text("DTEND") or stamp(end, "235959"))] + transactions))
+        body.append(("LEDGERBAL", [("BALAMT", money(ledger)), ("DTASOF", stamp(end, "235959"))]))
+        body.append(("AVAILBAL", [("BALAMT", money(ledger - 2500)), ("DTASOF", stamp(end, "235959"))]))
+        return [self.scenario.trn_status or status(), (rq_name[:-2] + "RS", body)]
+
+    def closing(self, trnrq):
+        rq = trnrq.child("STMTENDRQ")
+        if rq is None:
+            raise BadRequest("STMTENDTRNRQ lacks <STMTENDRQ>")
+        start, end = self.range_of(rq)
+        if end < start:
+            return [status(2027, "ERROR")]
+        account_tag, account = self.account(rq)
+        account_id = dict(account).get("ACCTID", "")
+        images = rq.text("INCSTMTIMG") == "Y"
+        closings = []
+        balance = 100000
+        month = datetime.date(start.year, start.month, 1)
+        while month <= end and len(closings) < 24:
+            following = datetime.date(month.year + month.month // 12, month.month % 12 + 1, 1)
+            last = following - datetime.timedelta(days=1)
+            credits = (sum(account_id.encode()) * 31 + month.month * 1013) % 50000
+            debits = (month.toordinal() * 17) % 40000
+            fees, interest = 500, 12
+            close = balance + credits - debits - fees + interest
+            tag = month.strftime("%Y%m")
+            c = [("FITID", "CL-%s-%s" % (account_id, tag)), ("DTOPEN", stamp(month, "000000")),
+                 ("DTCLOSE", stamp(last, "235959")), ("DTNEXT", stamp(following, "000000")),
+                 ("BALOPEN", money(balance)), ("BALCLOSE", money(close)), ("DEPANDCREDIT", money(credits)),
+                 ("CHKANDDEB", money(-debits)), ("TOTALFEES", money(-fees)), ("TOTALINT", money(interest)),
+                 ("DTPOSTSTART", stamp(month, "000000")), ("DTPOSTEND", stamp(last, "235959"))]
+            if images:
+                c.append(("IMAGEDATA", [("IMAGETYPE", "STATEMENT"), ("IMAGEREF", "stmt-%s-%s.pdf" % (account_id, tag)),
+                                        ("IMAGEREFTYPE", "OPAQUE")]))
+            closings.append(("CLOSING", c))
+            balance = close
+            month = following
+        return [self.scenario.trn_status or status(),
+                ("STMTENDRS", [("CURDEF", "USD"), (account_tag, account)] + closings)]
+
+    def image(self, reference):
+        if reference == "missing":
+            return 200, "application/x-ofx", b"OFX-STATUS=16512"
+        lower = reference.lower()
+        for ending, kind in ((".jpeg", "image/jpeg"), (".jpg", "image/jpeg"), (".tiff", "image/tiff"),
+                             (".pdf", "Application/pdf")):
+            if lower.endswith(ending):
+                return 200, kind, png(reference)
+        return 200, "image/png", png(reference)
+
+
+def png(comment):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data) & 0xffffffff)
+    header = struct.pack(">IIBBBBB", 1, 1, 8, 0, 0, 0, 0)  # 1x1, 8-bit grey
+    pixels = zlib.compress(b"\x00\x7f")
+    text = b"Comment\x00" + comment.encode("latin-1", "replace")
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"tEXt", text) + chunk(b"IDAT", pixels) +
+            chunk(b"IEND", b""))
+
+
+# ---------------------------------------------------------------- serving
+
+
+class Handler(http.server.BaseHTTPRequestHandler):
+    protocol_version = "HTTP/1.1"
+    server_version = "OrvelanTestBank/1.0"
+
+    def log_message(self, format, *args):
+        pass
+
+    def reply(self, code, content_type, body, extra=()):
+        self.send_response(code)
+        self.send_header("Content-Type", content_type)
+        self.send_header("Content-Length", str(len(body)))
+        for name, value in extra:
+            self.send_header(name, value)
+        self.end_headers()
+        self.wfile.write(body)
+
+    def refuse(self, code, text, extra=()):
+        self.reply(code, "text/plain", (text + "\n").encode("latin-1", "replace"), extra)
+
+    def do_GET(self):
+        self.refuse(405, "Only POST is accepted.", [("Allow", "POST")])
+
+    do_HEAD = do_PUT = do_DELETE = do_GET
+
+    def do_POST(self):
+        length = self.headers.get("Content-Length")
+        if length is None or not length.isdigit():
+            self.close_connection = True
+            self.server.record(411, "", b"")
+            return self.refuse(411, "Content-Length is required.")
+        body = self.rfile.read(int(length))
+        content_type = self.headers.get("Content-Type", "")
+        try:
+            code, kind, answer = self.decide(content_type, body)
+        except BadRequest as e:
+            self.server.record(400, content_type, body)
+            return self.refuse(400, "Bad OFX request: %s." % e)
+        if code == 0:
+            self.server.record(0, content_type, body)
+            return self.stall()
+        self.server.record(code, content_type, body)
+        self.reply(code, kind, answer)
+
+    def decide(self, content_type, body):
+        media = content_type.split(";")[0].strip().lower()
+        if media != "application/x-ofx":
+            raise BadRequest("Content-Type must be application/x-ofx, got %r" % content_type)
+        if not body:
+            raise BadRequest("the body is empty")
+        text = body.decode("latin-1")
+        dialect, version, rest = read_header(text)
+        ofx = read_tree(rest, dialect)
+        sonrq = check_signon(ofx)
+        scenario = Scenario(sonrq.text("USERID"))
+        if scenario.name == "stall" and sonrq.text("USERPASS") == PASSWORD:
+            return 0, None, None
+        return Bank(ofx, sonrq, dialect, version, scenario).answer()
+
+    def stall(self):
+        # Hold the connection without a byte of answer until the client gives up.
+        self.close_connection = True
+        while not self.server.stopping:
+            readable, _, _ = select.select([self.connection], [], [], 0.2)
+            if readable:
+                try:
+                    if not self.connection.recv(4096):
+                        return
+                except OSError:
+                    return
+
+
+class Server(http.server.ThreadingHTTPServer):
+    daemon_threads = True
+    allow_reuse_address = True
+
+    def __init__(self, address, log_path):
+        super().__init__(address, Handler)
+        self.log_path = log_path
+        self.lock = threading.Lock()
+        self.sequence = 0
+        self.stopping = False
+
+    def record(self, code, content_type, body):
+        if not self.log_path:
+            return
+        with self.lock:
+            self.sequence += 1
+            head = "--- request %d status=%d length=%d content-type=%s\n" % (self.sequence, code, len(body),
+                                                                            content_type)
+            with open(self.log_path, "ab") as log:
+                log.write(head.encode("latin-1", "replace") + body + b"\n")
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Scripted OFX test bank (see the module text).")
+    parser.add_argument("--port", type=int, default=0)
+    parser.add_argument("--port-file", default="")
+    parser.add_argument("--log", default="")
+    args = parser.parse_args()
+    server = Server(("127.0.0.1", args.port), args.log)
+    port = server.server_address[1]
+    if args.port_file:
+        with open(args.port_file + ".tmp", "w") as f:
+            f.write("%d\n" % port)
+        os.replace(args.port_file + ".tmp", args.port_file)
+    print("PORT %d" % port, flush=True)
+
+    def stop(signum, frame):
+        server.stopping = True
+        threading.Thread(target=server.shutdown, daemon=True).start()
+    signal.signal(signal.SIGTERM, stop)
+    signal.signal(signal.SIGINT, stop)
+    server.serve_forever(poll_interval=0.2)
+    server.server_close()
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
