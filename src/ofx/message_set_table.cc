@@ -5,10 +5,10 @@ namespace {
 
 constexpr int kErrInvalidValue = 202;
 
-constexpr const char* kRequestKinds[MessageSetTable::kCount] = {
-    "ACCTINFO", "STMT", "INTRA", "CCSTMT", "LOANSTMT", "INVSTMT", "INTER", "BILLPAY", "PROF"};
-constexpr const char* kMessageSets[MessageSetTable::kCount] = {
-    "SIGNUP", "BANK", "BANK", "CREDITCARD", "LOAN", "INVSTMT", "BANK", "BILLPAY", "PROF"};
+constexpr const char* kRequestKinds[MessageSetTable::kCount] = {"ACCTINFO", "STMT",  "INTRA",   "CCSTMT", "LOANSTMT",
+                                                                "INVSTMT",  "INTER", "BILLPAY", "PROF"};
+constexpr const char* kMessageSets[MessageSetTable::kCount] = {"SIGNUP",  "BANK", "BANK",    "CREDITCARD", "LOAN",
+                                                               "INVSTMT", "BANK", "BILLPAY", "PROF"};
 constexpr const char* kStatementTypes[MessageSetTable::kStatementTypeCount] = {"TRANSACTIONS", "CLOSING"};
 
 bool InTable(int32_t kind) { return kind >= 0 && kind < MessageSetTable::kCount; }

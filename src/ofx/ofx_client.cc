@@ -117,9 +117,9 @@ int OFXClient::InitDefaults() {
   if (HttpsClient::InitDefaults() == 0) return 0;
   document_.InitDefaults();
   ResetDocument();
-  for (ByteString* text : {&image_file_, &access_key_, &client_uid_, &user_cred1_, &user_cred2_, &auth_token_,
-                           &ofx_log_, &request_, &retained_, &file_text_, &server_message_, &image_data_,
-                           &transaction_id_}) {
+  for (ByteString* text :
+       {&image_file_, &access_key_, &client_uid_, &user_cred1_, &user_cred2_, &auth_token_, &ofx_log_, &request_,
+        &retained_, &file_text_, &server_message_, &image_data_, &transaction_id_}) {
     text->Clear();
   }
   response_is_set_ = false;
@@ -195,18 +195,17 @@ int OFXClient::LoadVersionTemplates() {
     return kOk;
   }
   if (int rc = image_template_.Load(version_.Equals("211") ? kImage211 : ""); rc != kOk) return rc;
-  return header_template_.IsEmpty() || signon_template_.IsEmpty() || challenge_template_.IsEmpty()
-             ? kErrOutOfMemory
-             : kOk;
+  return header_template_.IsEmpty() || signon_template_.IsEmpty() || challenge_template_.IsEmpty() ? kErrOutOfMemory
+                                                                                                   : kOk;
 }
 
 int OFXClient::LoadTemplates() {
+  // Cleared first so that the templates are those of the default version.
+  ClearRequestState();
   if (int rc = LoadVersionTemplates(); rc != kOk) return rc;
   if (int rc = password_change_template_.Load(kPasswordChange); rc != kOk) return rc;
   currency_format_.Assign(kDefaultCurrencyFormat);
-  if (int rc = document_.RegisterAggregates(); rc != kOk) return rc;
-  ClearRequestState();
-  return kOk;
+  return document_.RegisterAggregates();
 }
 
 int OFXClient::NewTransactionId(ByteString& out) {
@@ -216,8 +215,8 @@ int OFXClient::NewTransactionId(ByteString& out) {
   out.Clear();
   for (int i = 0; i < 6; ++i) {
     if (i > 0 && out.AppendChar('-') != kOk) return kErrOutOfMemory;
-    const uint32_t value = kGroups[i] == 4 ? static_cast<uint32_t>(std::rand()) * 65535u
-                                           : static_cast<uint32_t>(std::rand());
+    const uint32_t value =
+        kGroups[i] == 4 ? static_cast<uint32_t>(std::rand()) * 65535u : static_cast<uint32_t>(std::rand());
     if (AppendHexGroup(out, value, kGroups[i]) != kOk) return kErrOutOfMemory;
   }
   return transaction_id_.Assign(out);
@@ -284,11 +283,22 @@ int OFXClient::BuildRequest(ByteString& out, bool with_credentials) {
   if (rc != kOk) return kErrOutOfMemory;
 
   const std::string_view header_arguments[] = {version_.View(), old_file_uid_.View(), new_file_uid_.View()};
-  const std::string_view signon_arguments[] = {
-      user,           password,          fi_organization_.View(), fid.View(),          app_id_.View(),
-      app_version_.View(), now.View(),   session_cookie_.View(),  optional[0].View(), optional[1].View(),
-      optional[2].View(),  optional[3].View(), optional[4].View(), answers.View(),   password_change.View(),
-      challenge_request.View()};
+  const std::string_view signon_arguments[] = {user,
+                                               password,
+                                               fi_organization_.View(),
+                                               fid.View(),
+                                               app_id_.View(),
+                                               app_version_.View(),
+                                               now.View(),
+                                               session_cookie_.View(),
+                                               optional[0].View(),
+                                               optional[1].View(),
+                                               optional[2].View(),
+                                               optional[3].View(),
+                                               optional[4].View(),
+                                               answers.View(),
+                                               password_change.View(),
+                                               challenge_request.View()};
   rc = header_template_.Expand(out, header_arguments, 3, true) | out.Append("<OFX>\r\n") |
        signon_template_.Expand(out, signon_arguments, 16, false);
   if (rc != kOk) return kErrOutOfMemory;
@@ -660,7 +670,8 @@ int OFXClient::HandleConfig(ConfigArgument& argument, const char*& out) {
   if (argument.NameIs("DebugTrace")) return flag_setting(debug_trace_);
   if (argument.NameIs("IncludeImages")) return flag_setting(include_images_);
   if (argument.NameIs("OFXDateFormat")) {
-    return query ? ReturnConfigValue(out, formats_.OFXDateFormat().Data()) : formats_.SetOFXDateFormat(argument.Value());
+    return query ? ReturnConfigValue(out, formats_.OFXDateFormat().Data())
+                 : formats_.SetOFXDateFormat(argument.Value());
   }
   if (argument.NameIs("DateFormat")) {
     return query ? ReturnConfigValue(out, formats_.DateFormat().Data()) : formats_.SetDateFormat(argument.Value());

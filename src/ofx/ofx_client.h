@@ -109,12 +109,11 @@ class OFXClient : public HttpsClient {
   // Appends the text of the child `name` to `out` (emptied first when
   // `clear`) and returns to the parent. A missing child gives 202 when
   // `required`.
-  int ReadField(MarkupDocument& document, const char* name, ByteString& out, bool required = true,
-                bool clear = true);
+  int ReadField(MarkupDocument& document, const char* name, ByteString& out, bool required = true, bool clear = true);
   // The 1-based position among the children of `path` of the first one named
-  // `name`, 0 when none. The cursor is left on `path`. When `path` cannot be
-  // reached the result is the path's error code, which a caller tells apart
-  // only by also checking HasPath first.
+  // `name`, 0 when none; the cursor is left on `path`. When `path` cannot be
+  // reached the result is the path's error code; a caller that must tell the
+  // two apart checks HasPath(path) first.
   int FindChildIndex(MarkupDocument& document, std::string_view path, const char* name);
   // Reads an OFX file (header lines allowed) as a response. 0, 302, 305,
   // 2002, 2003 or the processing's code.
@@ -250,11 +249,11 @@ class OFXClient : public HttpsClient {
   bool include_images_ = false;
   bool debug_trace_ = false;
   ByteString ofx_log_;
-  ByteString request_;         // the request sent; OFXRequest reuses it
+  ByteString request_;            // the request sent; OFXRequest reuses it
   ByteString retained_;           // a response that did not come over HTTP
   std::string_view parsed_;       // what the document refers to: retained_ or the HTTP body
   bool response_is_set_ = false;  // parsed_ is OFXResponse (both end in a NUL)
-  ByteString file_text_;       // a data file as read, for RawResponse
+  ByteString file_text_;          // a data file as read, for RawResponse
   RawSource raw_source_ = RawSource::kNone;
   bool posted_ = false;  // the last Exchange reached the post
   int post_result_ = 0;

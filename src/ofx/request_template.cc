@@ -6,8 +6,7 @@
 
 namespace orvelan {
 
-int RequestTemplate::Expand(ByteString& out, const std::string_view* arguments, int32_t count,
-                            bool clear_first) const {
+int RequestTemplate::Expand(ByteString& out, const std::string_view* arguments, int32_t count, bool clear_first) const {
   if (clear_first) out.Clear();
   const std::string_view text = text_.View();
   // Copies runs between markers whole: a request is mostly fixed text.

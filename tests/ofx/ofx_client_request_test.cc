@@ -1,7 +1,7 @@
+#include <gtest/gtest.h>
+
 #include <regex>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "support/test_ofx_service.h"
 

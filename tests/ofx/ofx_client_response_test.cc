@@ -1,11 +1,10 @@
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "support/recording_events.h"
 #include "support/test_ofx_service.h"
@@ -15,8 +14,8 @@ namespace {
 
 // An SGML sign-on response with its STATUS and an optional tail inside SONRS.
 std::string Signon(const std::string& status, const std::string& sonrs_tail = "") {
-  return "<OFX><SIGNONMSGSRSV1><SONRS><STATUS>" + status +
-         "</STATUS><DTSERVER>20240115103000<LANGUAGE>ENG" + sonrs_tail + "</SONRS></SIGNONMSGSRSV1>";
+  return "<OFX><SIGNONMSGSRSV1><SONRS><STATUS>" + status + "</STATUS><DTSERVER>20240115103000<LANGUAGE>ENG" +
+         sonrs_tail + "</SONRS></SIGNONMSGSRSV1>";
 }
 constexpr char kOk[] = "<CODE>0<SEVERITY>INFO";
 std::string Statement(const std::string& status) {
@@ -69,8 +68,7 @@ TEST_F(ResponseTest, StatusWithoutCodeOrWithCodeZeroSucceeds) {
 }
 
 TEST_F(ResponseTest, WarningsFireErrorAndSetServerMessage) {
-  ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement("<CODE>2028<SEVERITY>WARN<MESSAGE>Skipped BALLIST")),
-            0);
+  ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement("<CODE>2028<SEVERITY>WARN<MESSAGE>Skipped BALLIST")), 0);
   ASSERT_EQ(service_.parse_calls, 1);
   // The service checks its own transaction status; the cursor stays there.
   ASSERT_EQ(service_.Document().SelectPath("BANKMSGSRSV1"), 0);
@@ -246,7 +244,8 @@ TEST_F(DataFileTest, SgmlFileWithHeaderIsReadAndWrittenBack) {
   const std::string body = Signon(kOk) + Statement(kOk);
   const std::string file =
       "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\nSECURITY:NONE\r\nENCODING:USASCII\r\nCHARSET:1252\r\n"
-      "COMPRESSION:NONE\r\nOLDFILEUID:NONE\r\nNEWFILEUID:NONE\r\n\r\n" + body;
+      "COMPRESSION:NONE\r\nOLDFILEUID:NONE\r\nNEWFILEUID:NONE\r\n\r\n" +
+      body;
   std::ofstream(path, std::ios::binary) << file;
   ASSERT_EQ(service_.ReadOFXDataFile(path.c_str()), 0) << service_.GetLastError();
   EXPECT_EQ(service_.parse_calls, 1);
@@ -301,9 +300,8 @@ TEST_F(ResponseTest, ConfigSettingsRoundTrip) {
     EXPECT_EQ(Query(c.name), c.answer) << c.set;
   }
   EXPECT_STREQ(service_.OFXVersion(), "211");
-  const std::string defaults[][2] = {{"OFXDateFormat", "YYYYMMddHHmmss.xxx[G:Z]"},
-                                     {"DateFormat", "MM/dd/YYYY HH:mm:ss"},
-                                     {"OFXVersion", "102"}};
+  const std::string defaults[][2] = {
+      {"OFXDateFormat", "YYYYMMddHHmmss.xxx[G:Z]"}, {"DateFormat", "MM/dd/YYYY HH:mm:ss"}, {"OFXVersion", "102"}};
   TestOFXService fresh;
   fresh.InitDefaults();
   for (const auto& [name, value] : defaults) {

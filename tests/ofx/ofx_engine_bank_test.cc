@@ -1,14 +1,13 @@
 // The engine end to end against the scripted test bank, which refuses what a
 // strict bank would refuse (header block, sign-on order, TRNUID form, end
 // tags in 2.x), over plain HTTP and through nginx with TLS.
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <fstream>
 #include <sstream>
 #include <string>
-
-#include <gtest/gtest.h>
 
 #include "ofx/message_set_table.h"
 #include "ofx/ofx_client.h"

@@ -1,8 +1,8 @@
 #include "ofx/request_template.h"
 
-#include <string>
-
 #include <gtest/gtest.h>
+
+#include <string>
 
 #include "ofx/message_set_table.h"
 
@@ -21,10 +21,10 @@ TEST(RequestTemplateTest, ExpandsSlotsMarkersAndTails) {
       {"~2~~1~~0~", "twoonezero"},
       {"a~~b", "a~b"},
       {"~~~0~", "~zero"},
-      {"x~0", "x0"},        // never closed: the marker is dropped
+      {"x~0", "x0"},  // never closed: the marker is dropped
       {"x~", "x"},
       {"~9~|~-1~|~~", "||~"},  // outside the arguments: nothing
-      {"~x~", "zero"},      // not a number reads as 0
+      {"~x~", "zero"},         // not a number reads as 0
   };
   for (const Case& c : cases) {
     RequestTemplate t;
@@ -45,9 +45,9 @@ TEST(RequestTemplateTest, AppendsUnlessToldToClear) {
 }
 
 TEST(MessageSetTableTest, NamesAndWrappers) {
-  const char* expected[][2] = {{"ACCTINFO", "SIGNUP"}, {"STMT", "BANK"},       {"INTRA", "BANK"},
-                               {"CCSTMT", "CREDITCARD"}, {"LOANSTMT", "LOAN"}, {"INVSTMT", "INVSTMT"},
-                               {"INTER", "BANK"},      {"BILLPAY", "BILLPAY"}, {"PROF", "PROF"}};
+  const char* expected[][2] = {{"ACCTINFO", "SIGNUP"},   {"STMT", "BANK"},       {"INTRA", "BANK"},
+                               {"CCSTMT", "CREDITCARD"}, {"LOANSTMT", "LOAN"},   {"INVSTMT", "INVSTMT"},
+                               {"INTER", "BANK"},        {"BILLPAY", "BILLPAY"}, {"PROF", "PROF"}};
   for (int i = 0; i < MessageSetTable::kCount; ++i) {
     EXPECT_STREQ(MessageSetTable::RequestKind(i), expected[i][0]);
     EXPECT_STREQ(MessageSetTable::MessageSet(i), expected[i][1]);
