@@ -14,20 +14,25 @@ const char* const BankStatementService::kAccountTypeNames[kAccountTypeCount] = {
                                                                                "CREDITLINE"};
 
 int BankStatementService::InitDefaults() {
-  OFXClient::InitDefaults();
-  Reset();
+  if (OFXClient::InitDefaults() == 0) return 0;
+  RestoreDefaults();
   account_type_ = 0;
   return 1;
 }
 
 int BankStatementService::Reset() {
+  RestoreDefaults();
+  return OFXClient::Reset();
+}
+
+void BankStatementService::RestoreDefaults() {
   account_id_.Clear();
   account_type_ = 0;
   bank_id_.Clear();
   end_date_.Clear();
   start_date_.Clear();
   bank_id_present_ = true;
-  return ClearResponse();
+  ClearResponse();
 }
 
 int BankStatementService::ClearResponse() {
@@ -38,7 +43,7 @@ int BankStatementService::ClearResponse() {
   currency_code_.Clear();
   transactions_.Clear();
   closings_.Clear();
-  return kOk;
+  return OFXClient::ClearResponse();
 }
 
 int BankStatementService::HandleConfig(ConfigArgument& argument, const char*& out) {

@@ -25,10 +25,12 @@ class BankStatementService : public OFXClient {
   // Adds "BankIdPresent".
   int HandleConfig(ConfigArgument& argument, const char*& out) override;
 
-  // Restores the inputs of this layer and empties the results.
-  int Reset();
-  // Empties the results: balances "0", no transactions, no closing periods.
-  int ClearResponse();
+  // Restores the inputs of this layer and empties the results, then resets
+  // the engine.
+  int Reset() override;
+  // Empties the results: balances "0", no transactions, no closing periods;
+  // then the engine's response.
+  int ClearResponse() override;
 
   const char* AccountId() const { return account_id_.Data(); }
   int SetAccountId(const char* value) { return account_id_.Assign(value); }
@@ -87,6 +89,7 @@ class BankStatementService : public OFXClient {
   ItemList<ClosingInfo>& Closings() { return closings_; }
 
  private:
+  void RestoreDefaults();
   // REQUIRES: the index passed its check.
   StatementTransaction& Tx(int32_t index) { return *transactions_.Item(index); }
   ClosingInfo& Closing(int32_t index) { return *closings_.Item(index); }

@@ -47,7 +47,8 @@ TEST(BankStatementComponentTest, ResetRestoresInputsAndBankIdPresent) {
   ASSERT_EQ(s.SetAccountType(3), 0);
   const char* out = nullptr;
   ASSERT_EQ(s.Config("BankIdPresent=0", out), 0);
-  s.SetFIUrl("https://kept.example");  // not this layer's: Reset keeps it
+  s.SetFIUrl("https://gone.example");  // the engine's reset runs too
+  s.SetOFXAccessKey("kept");            // ...and keeps the access key
 
   EXPECT_EQ(component.Do(7, 0, nullptr, nullptr), 0);
   EXPECT_STREQ(s.AccountId(), "");
@@ -57,7 +58,8 @@ TEST(BankStatementComponentTest, ResetRestoresInputsAndBankIdPresent) {
   EXPECT_EQ(s.AccountType(), 0);
   ASSERT_EQ(s.Config("BankIdPresent", out), 0);
   EXPECT_STREQ(out, "1");
-  EXPECT_STREQ(s.FIUrl(), "https://kept.example");
+  EXPECT_STREQ(s.FIUrl(), "");
+  EXPECT_STREQ(s.OFXAccessKey(), "kept");
 }
 
 TEST(BankStatementComponentTest, TransactionTypeDescriptions) {

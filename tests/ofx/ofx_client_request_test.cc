@@ -1,0 +1,209 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <string>
+
+#include "support/test_ofx_service.h"
+
+namespace orvelan {
+namespace {
+
+// The literal templates with DTCLIENT written as "{DT}" and every TRNUID as
+// "{ID}"; Masked() turns a built request into the same form.
+constexpr char kHeader102[] =
+    "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\nSECURITY:NONE\r\nENCODING:USASCII\r\nCHARSET:1252\r\n"
+    "COMPRESSION:NONE\r\nOLDFILEUID:NONE\r\nNEWFILEUID:NONE\r\n\r\n";
+constexpr char kHeader211[] =
+    "<?OFX OFXHEADER=\"200\" VERSION=\"211\" SECURITY=\"NONE\" OLDFILEUID=\"NONE\" NEWFILEUID=\"NONE\"?>\r\n";
+constexpr char kStatement1[] =
+    "<BANKMSGSRQV1>\r\n<STMTTRNRQ>\r\n<TRNUID>{ID}\r\n<STMTRQ>\r\n<BANKACCTFROM>\r\n<BANKID>123456789\r\n"
+    "</BANKACCTFROM>\r\n</STMTRQ>\r\n</STMTTRNRQ>\r\n</BANKMSGSRQV1>\r\n";
+
+std::string Masked(const ByteString& request) {
+  static const std::regex kDate("<DTCLIENT>[^<\r]*");
+  static const std::regex kTrnuid("<TRNUID>[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{8}");
+  std::string text(request.View());
+  text = std::regex_replace(text, kDate, "<DTCLIENT>{DT}");
+  return std::regex_replace(text, kTrnuid, "<TRNUID>{ID}");
+}
+
+class RequestTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(service_.InitDefaults(), 1);
+    service_.SetCredentials();
+  }
+  std::string Build(bool with_credentials = true) {
+    ByteString out;
+    EXPECT_EQ(service_.BuildRequest(out, with_credentials), 0);
+    return Masked(out);
+  }
+  int Config(const std::string& text) {
+    const char* out = nullptr;
+    return service_.Config(text.c_str(), out);
+  }
+
+  TestOFXService service_;
+};
+
+TEST_F(RequestTest, Version102StatementWithoutFIId) {
+  EXPECT_EQ(Build(), std::string(kHeader102) +
+                         "<OFX>\r\n<SIGNONMSGSRQV1>\r\n<SONRQ>\r\n<DTCLIENT>{DT}\r\n<USERID>user\r\n"
+                         "<USERPASS>secret\r\n<LANGUAGE>ENG\r\n<FI>\r\n<ORG>Test Bank\r\n</FI>\r\n<APPID>QWIN\r\n"
+                         "<APPVER>2500\r\n</SONRQ>\r\n</SIGNONMSGSRQV1>\r\n" +
+                         kStatement1 + "</OFX>");
+}
+
+TEST_F(RequestTest, Version211CarriesEndTagsAndEveryOptionalSignonElement) {
+  service_.SetOFXVersion("211");
+  service_.SetFIId("1001");
+  service_.SetOFXAccessKey("KEY");
+  for (const char* setting : {"ClientUId=CU", "UserCred1A=C1", "UserCred2A=C2", "AuthToken=AT"}) {
+    ASSERT_EQ(Config(setting), 0);
+  }
+  const std::string request = Build();
+  EXPECT_EQ(request.substr(0, request.find("<BANKMSGSRQV1>")),
+            std::string(kHeader211) +
+                "<OFX>\r\n<SIGNONMSGSRQV1>\r\n<SONRQ>\r\n<DTCLIENT>{DT}</DTCLIENT>\r\n<USERID>user</USERID>\r\n"
+                "<USERPASS>secret</USERPASS>\r\n<LANGUAGE>ENG</LANGUAGE>\r\n<FI>\r\n<ORG>Test Bank</ORG>\r\n"
+                "<FID>1001</FID>\r\n</FI>\r\n<APPID>QWIN</APPID>\r\n<APPVER>2500</APPVER>\r\n"
+                "<CLIENTUID>CU</CLIENTUID>\r\n<USERCRED1>C1</USERCRED1>\r\n<USERCRED2>C2</USERCRED2>\r\n"
+                "<AUTHTOKEN>AT</AUTHTOKEN>\r\n<ACCESSKEY>KEY</ACCESSKEY>\r\n</SONRQ>\r\n</SIGNONMSGSRQV1>\r\n");
+}
+
+TEST_F(RequestTest, Version1FIIdAndOptionalElementsHaveNoEndTags) {
+  service_.SetFIId("1001");
+  ASSERT_EQ(Config("AuthToken=AT"), 0);
+  const std::string request = Build();
+  EXPECT_NE(request.find("<ORG>Test Bank\r\n<FID>1001\r\n</FI>\r\n"), std::string::npos) << request;
+  EXPECT_NE(request.find("<APPVER>2500\r\n<AUTHTOKEN>AT\r\n</SONRQ>"), std::string::npos) << request;
+}
+
+TEST_F(RequestTest, PasswordChangeIsSgmlAndMaskedForTheLog) {
+  service_.SetOFXVersion("211");
+  ASSERT_EQ(Config("NewPassword=fresh"), 0);
+  const std::string pinch =
+      "</SONRQ>\r\n<PINCHTRNRQ>\r\n<TRNUID>{ID}\r\n<PINCHRQ>\r\n<USERID>~U~\r\n<NEWUSERPASS>~P~\r\n</PINCHRQ>\r\n"
+      "</PINCHTRNRQ>\r\n</SIGNONMSGSRQV1>\r\n";
+  auto with = [&](const char* user, const char* password) {
+    std::string text = pinch;
+    text.replace(text.find("~U~"), 3, user);
+    text.replace(text.find("~P~"), 3, password);
+    return text;
+  };
+  EXPECT_NE(Build().find(with("user", "fresh")), std::string::npos);
+  const std::string masked = Build(false);
+  EXPECT_NE(masked.find(with("******anon", "******anon")), std::string::npos) << masked;
+  EXPECT_NE(masked.find("<USERID>******anon</USERID>\r\n<USERPASS>******anon</USERPASS>"), std::string::npos);
+  EXPECT_EQ(masked.find("secret"), std::string::npos);
+  EXPECT_EQ(masked.find("fresh"), std::string::npos);
+}
+
+TEST_F(RequestTest, ChallengePendingReplacesTheMessageSetsAndSendsAnswersWhenReady) {
+  service_.SetMFAChallengePending(true);
+  const std::string pending = Build();
+  EXPECT_NE(pending.find("</SONRQ>\r\n<MFACHALLENGETRNRQ>\r\n<TRNUID>{ID}\r\n<MFACHALLENGERQ>\r\n<DTCLIENT>{DT}\r\n"
+                         "</MFACHALLENGERQ>\r\n</MFACHALLENGETRNRQ>\r\n</SIGNONMSGSRQV1>\r\n</OFX>"),
+            std::string::npos)
+      << pending;
+  EXPECT_EQ(pending.find("BANKMSGSRQV1"), std::string::npos);
+
+  service_.SetMFAChallengePending(false);
+  service_.Challenges().SetCount(2);
+  service_.Challenges().Item(0)->phrase_id.Assign("MFA13");
+  service_.Challenges().Item(0)->answer.Assign("Rex");
+  service_.Challenges().Item(1)->phrase_id.Assign("MFA107");
+  service_.Challenges().Item(1)->answer.Assign("1999");
+  EXPECT_EQ(Build().find("MFACHALLENGEA"), std::string::npos) << "answers wait for the ready flag";
+  service_.SetAnswersReady(true);
+  service_.SetOFXVersion("211");
+  EXPECT_NE(Build().find("<APPVER>2500</APPVER>\r\n<MFACHALLENGEA>\r\n<MFAPHRASEID>MFA13</MFAPHRASEID>\r\n"
+                         "<MFAPHRASEA>Rex</MFAPHRASEA>\r\n</MFACHALLENGEA>\r\n<MFACHALLENGEA>\r\n"
+                         "<MFAPHRASEID>MFA107</MFAPHRASEID>\r\n<MFAPHRASEA>1999</MFAPHRASEA>\r\n"
+                         "</MFACHALLENGEA>\r\n</SONRQ>\r\n</SIGNONMSGSRQV1>\r\n<BANKMSGSRQV1>"),
+            std::string::npos);
+}
+
+TEST_F(RequestTest, ImageReferenceReplacesTheBodyForVersion211) {
+  service_.SetOFXVersion("211");
+  service_.SetImageReference("IMG-7");
+  EXPECT_NE(Build().find("</SIGNONMSGSRQV1>\r\n<IMAGEMSGSRQV1>\r\n<IMAGETRNRQ>\r\n<TRNUID>{ID}</TRNUID>\r\n"
+                         "<IMAGERQ>\r\n<IMAGEREF>IMG-7</IMAGEREF>\r\n</IMAGERQ>\r\n</IMAGETRNRQ>\r\n"
+                         "</IMAGEMSGSRQV1>\r\n</OFX>"),
+            std::string::npos);
+}
+
+TEST_F(RequestTest, VersionChangesTakeEffectAtTheNextBuildAndUnknownVersionsKeepTheTemplates) {
+  service_.SetOFXVersion("211");
+  EXPECT_EQ(Build().rfind(kHeader211, 0), 0u);
+  service_.SetOFXVersion("302");  // neither 1.x nor 2.x: the 2.x templates stay
+  const std::string request = Build();
+  EXPECT_EQ(request.rfind("<?OFX OFXHEADER=\"200\" VERSION=\"302\"", 0), 0u) << request;
+  service_.SetOFXVersion("103");
+  EXPECT_EQ(Build().rfind("OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:103\r\n", 0), 0u);
+}
+
+TEST_F(RequestTest, TransactionIdsAreFreshAndWellFormed) {
+  static const std::regex kForm("[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{8}");
+  ByteString first, second;
+  ASSERT_EQ(service_.NewTransactionId(first), 0);
+  ASSERT_EQ(service_.NewTransactionId(second), 0);
+  EXPECT_EQ(first.Length(), 37);
+  EXPECT_TRUE(std::regex_match(std::string(first.View()), kForm)) << first.Data();
+  EXPECT_TRUE(std::regex_match(std::string(second.View()), kForm)) << second.Data();
+  EXPECT_NE(first.View(), second.View());
+  EXPECT_STREQ(service_.TransactionId(), second.Data());
+}
+
+TEST_F(RequestTest, OFXRequestIsTheBareAggregateWithAFreshId) {
+  const std::string first = service_.OFXRequest();
+  EXPECT_EQ(first.rfind("<STMTTRNRQ>\r\n<TRNUID>", 0), 0u) << first;
+  EXPECT_EQ(first.find("MSGSRQV1"), std::string::npos);
+  EXPECT_NE(first, std::string(service_.OFXRequest()));
+}
+
+TEST_F(RequestTest, RequiredFieldsAreCheckedInOrder) {
+  struct Case {
+    void (OFXClient::*clear)();
+    int code;
+    const char* text;
+  };
+  TestOFXService service;
+  service.InitDefaults();
+  service.SetCredentials();
+  ASSERT_EQ(service.CheckRequiredFields(), 0);
+  service.SetFIUrl("");
+  service.SetFIId("");
+  EXPECT_EQ(service.CheckRequiredFields(), 0) << "FIId and FIUrl are optional";
+
+  const std::pair<int (OFXClient::*)(const char*), const char*> fields[] = {
+      {&OFXClient::SetFIOrganization, "FI Organization Name"},
+      {&OFXClient::SetOFXAppVersion, "OFX Application Version"},
+      {&OFXClient::SetOFXAppId, "OFX Application Id"},
+      {&OFXClient::SetOFXPassword, "OFX Password"},
+      {&OFXClient::SetOFXUser, "OFX User Id"},
+  };
+  // Emptying them from last to first shows each earlier one wins.
+  for (const auto& [setter, name] : fields) {
+    (service.*setter)("");
+    EXPECT_EQ(service.CheckRequiredFields(), 2000);
+    EXPECT_EQ(std::string(service.GetLastError()),
+              std::string("Missing required field: ") + name + " is missing in the request.");
+  }
+  service.SetCredentials();
+  service.SetIncludeImages(true);
+  EXPECT_EQ(service.CheckRequiredFields(), 202);
+  EXPECT_STREQ(service.GetLastError(), "Transaction Images are not available for OFX Version(s) 1.x.");
+  service.SetOFXVersion("211");
+  EXPECT_EQ(service.CheckRequiredFields(), 0);
+}
+
+TEST_F(RequestTest, StatementTypeAcceptsOnlyTransactionsAndClosing) {
+  EXPECT_EQ(service_.SetStatementType(1), 0);
+  EXPECT_EQ(service_.SetStatementType(2), 202);
+  EXPECT_STREQ(service_.GetLastError(), "Statement type is invalid.");
+  EXPECT_EQ(service_.StatementType(), 1);
+}
+
+}  // namespace
+}  // namespace orvelan

@@ -1,0 +1,330 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+#include "support/recording_events.h"
+#include "support/test_ofx_service.h"
+
+namespace orvelan {
+namespace {
+
+// An SGML sign-on response with its STATUS and an optional tail inside SONRS.
+std::string Signon(const std::string& status, const std::string& sonrs_tail = "") {
+  return "<OFX><SIGNONMSGSRSV1><SONRS><STATUS>" + status + "</STATUS><DTSERVER>20240115103000<LANGUAGE>ENG" +
+         sonrs_tail + "</SONRS></SIGNONMSGSRSV1>";
+}
+constexpr char kOk[] = "<CODE>0<SEVERITY>INFO";
+std::string Statement(const std::string& status) {
+  return "<BANKMSGSRSV1><STMTTRNRS><TRNUID>1<STATUS>" + status +
+         "</STATUS><STMTRS><CURDEF>USD</STMTRS></STMTTRNRS></BANKMSGSRSV1></OFX>";
+}
+
+class ResponseTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(service_.InitDefaults(), 1);
+    service_.SetEventSink(&events_);
+  }
+  std::string Query(const char* name) {
+    const char* out = "";
+    service_.Config(name, out);
+    return out;
+  }
+
+  TestOFXService service_;
+  RecordingEvents events_;
+};
+
+TEST_F(ResponseTest, SignonErrorsFailWithTheServerOrTableText) {
+  struct Case {
+    std::string status;
+    std::string text;
+  } cases[] = {
+      {"<CODE>15500<SEVERITY>ERROR", "OFX server error (15500): Signon (user ID or password) invalid"},
+      {"<CODE>15500<SEVERITY>ERROR<MESSAGE>Go away", "OFX server error (15500): Go away"},
+      {"<CODE>2028<SEVERITY>error", "OFX server error (2028): Requested element unknown (WARNING). One or more"},
+      {"<CODE>4242<SEVERITY>ERROR", "OFX server error (4242): Unknown server error."},
+      {"<CODE>1<SEVERITY>", "OFX server error (1): Client is up-to-date ."},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(service_.ProcessResponse(Signon(c.status) + "</OFX>"), 2001) << c.status;
+    EXPECT_EQ(std::string(service_.GetLastError()).substr(0, c.text.size()), c.text);
+  }
+  EXPECT_EQ(service_.parse_calls, 0);
+  EXPECT_TRUE(events_.log.empty());
+}
+
+TEST_F(ResponseTest, StatusWithoutCodeOrWithCodeZeroSucceeds) {
+  for (const char* status : {"<SEVERITY>ERROR", "<CODE>0<SEVERITY>ERROR", ""}) {
+    service_.parse_calls = 0;
+    EXPECT_EQ(service_.ProcessResponse(Signon(status) + Statement(status)), 0) << status;
+    EXPECT_EQ(service_.parse_calls, 1);
+    EXPECT_EQ(service_.root_at_parse, "/OFX");
+  }
+}
+
+TEST_F(ResponseTest, WarningsFireErrorAndSetServerMessage) {
+  ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement("<CODE>2028<SEVERITY>WARN<MESSAGE>Skipped BALLIST")), 0);
+  ASSERT_EQ(service_.parse_calls, 1);
+  // The service checks its own transaction status; the cursor stays there.
+  ASSERT_EQ(service_.Document().SelectPath("BANKMSGSRSV1"), 0);
+  EXPECT_EQ(service_.CheckStatus("STMTTRNRS/"), 0);
+  EXPECT_STREQ(service_.Document().ElementName(), "STMTTRNRS");
+  EXPECT_EQ(events_.log, std::vector<std::string>{"Error(2028,WARN: Skipped BALLIST)"});
+  EXPECT_EQ(Query("ServerMessage"), "WARN: Skipped BALLIST");
+  EXPECT_STREQ(service_.ServerMessage(), "WARN: Skipped BALLIST");
+
+  // INFO on the sign-on, with the table text; the sign-on check returns to the root.
+  events_.log.clear();
+  ASSERT_EQ(service_.ProcessResponse(Signon("<CODE>13000<SEVERITY>INFO") + Statement(kOk)), 0);
+  EXPECT_EQ(events_.log,
+            std::vector<std::string>{"Error(13000,INFO: User ID & password will be sent out-of-band (INFO))"});
+  EXPECT_EQ(service_.root_at_parse, "/OFX");
+}
+
+TEST_F(ResponseTest, TransactionErrorStatusFailsTheService) {
+  ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement("<CODE>2003<SEVERITY>ERROR")), 0);
+  ASSERT_EQ(service_.Document().SelectPath("/OFX/BANKMSGSRSV1"), 0);
+  EXPECT_EQ(service_.CheckStatus("STMTTRNRS"), 2001);
+  EXPECT_STREQ(service_.GetLastError(), "OFX server error (2003): Account not found");
+  EXPECT_NE(service_.CheckStatus("NOSUCH/"), 0);
+}
+
+TEST_F(ResponseTest, AccessKeyIsReplacedOrEmptiedBySignon) {
+  service_.SetOFXAccessKey("old");
+  ASSERT_EQ(service_.ProcessResponse(Signon(kOk, "<ACCESSKEY>new-key") + Statement(kOk)), 0);
+  EXPECT_STREQ(service_.OFXAccessKey(), "new-key");
+  EXPECT_EQ(service_.root_at_parse, "/OFX");
+  ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement(kOk)), 0);
+  EXPECT_STREQ(service_.OFXAccessKey(), "");
+  // Without a sign-on the key stays.
+  service_.SetOFXAccessKey("kept");
+  ASSERT_EQ(service_.ProcessResponse("<OFX>" + Statement(kOk)), 0);
+  EXPECT_STREQ(service_.OFXAccessKey(), "kept");
+}
+
+TEST_F(ResponseTest, ChallengeResponseFillsTheListAndStopsParsing) {
+  const std::string challenge =
+      "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><DTSERVER>20240115</SONRS>"
+      "<MFACHALLENGETRNRS><TRNUID>9<STATUS><CODE>0<SEVERITY>INFO</STATUS><MFACHALLENGERS>"
+      "<MFACHALLENGE><MFAPHRASEID>MFA13<MFAPHRASELABEL>First pet?</MFACHALLENGE>"
+      "<MFACHALLENGE><MFAPHRASEID>MFA107</MFACHALLENGE>"
+      "</MFACHALLENGERS></MFACHALLENGETRNRS></SIGNONMSGSRSV1></OFX>";
+  ASSERT_EQ(service_.ProcessResponse(challenge), 0) << service_.GetLastError();
+  EXPECT_TRUE(service_.MFAChallengePending());
+  EXPECT_EQ(service_.parse_calls, 0);
+  ItemList<MFAChallenge>& list = service_.Challenges();
+  ASSERT_EQ(list.Count(), 2);
+  EXPECT_STREQ(list.Item(0)->phrase_id.Data(), "MFA13");
+  EXPECT_STREQ(list.Item(0)->phrase_label.Data(), "First pet?");
+  EXPECT_EQ(std::string(list.Item(0)->challenge.Data()).rfind("<MFACHALLENGE><MFAPHRASEID>MFA13", 0), 0u)
+      << list.Item(0)->challenge.Data();
+  EXPECT_STREQ(list.Item(1)->phrase_label.Data(), "");
+
+  // A second reading continues after the questions already held.
+  ASSERT_EQ(service_.ProcessResponse(challenge), 0);
+  EXPECT_EQ(list.Count(), 2);
+  // While the challenge is pending, responses are checked only.
+  ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement(kOk)), 0);
+  EXPECT_EQ(service_.parse_calls, 0);
+
+  const std::string without_id =
+      "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS></SONRS><MFACHALLENGETRNRS><STATUS>"
+      "<CODE>0<SEVERITY>INFO</STATUS><MFACHALLENGERS><MFACHALLENGE><MFAPHRASELABEL>x</MFACHALLENGE>"
+      "</MFACHALLENGERS></MFACHALLENGETRNRS></SIGNONMSGSRSV1></OFX>";
+  list.Clear();
+  EXPECT_EQ(service_.ProcessResponse(without_id), 202);
+  EXPECT_STREQ(service_.GetLastError(), "Required field missing: \"MFAPHRASEID\".");
+}
+
+TEST_F(ResponseTest, Status3000SetsTheChallengeStateAndFails) {
+  EXPECT_EQ(service_.ProcessResponse(Signon("<CODE>3000<SEVERITY>ERROR") + "</OFX>"), 2001);
+  EXPECT_TRUE(service_.MFAChallengePending());
+  EXPECT_EQ(service_.Reset(), 0);
+  EXPECT_FALSE(service_.MFAChallengePending());
+}
+
+TEST_F(ResponseTest, ServiceFailureAndParseFailuresPassThroughProcessResponse) {
+  service_.parse_result = 2000;
+  EXPECT_EQ(service_.ProcessResponse(Signon(kOk) + Statement(kOk)), 2000);
+  service_.parse_result = 0;
+  EXPECT_NE(service_.ProcessResponse("<OFX><A></B></OFX>"), 0);
+  EXPECT_NE(service_.ProcessResponse(""), 0);
+  EXPECT_STRNE(service_.GetLastError(), "");
+}
+
+TEST_F(ResponseTest, SettingDataMapsParseFailures) {
+  const char* out = "";
+  EXPECT_EQ(service_.Config("OFXData=<OFX><A></B></OFX>", out), 2003);
+  EXPECT_STREQ(service_.GetLastError(), "OFX response contains unknown element tags.");
+  EXPECT_STREQ(service_.OFXResponse(), "<OFX><A></B></OFX>") << "OFXData keeps the text whatever the result";
+  EXPECT_EQ(Query("OFXData"), "<OFX><A></B></OFX>");
+
+  const std::string good = Signon(kOk) + Statement(kOk);
+  EXPECT_EQ(service_.SetData(good), 0);
+  EXPECT_EQ(std::string(service_.OFXResponse()), good);
+  EXPECT_EQ(service_.parse_calls, 1);
+}
+
+TEST_F(ResponseTest, WritingOFXResponseClearsTheRequestStateFirst) {
+  service_.SetCredentials();
+  service_.SetFIId("1");
+  service_.SetOFXVersion("211");
+  const char* out = "";
+  service_.Config("ClientUId=kept", out);
+  service_.Config("NewPassword=gone", out);
+  EXPECT_EQ(service_.SetOFXResponse(""), 508);
+  EXPECT_STREQ(service_.GetLastError(), "No response available from the server.");
+  for (const char* field : {service_.OFXUser(), service_.OFXPassword(), service_.FIId(), service_.FIOrganization(),
+                            service_.OFXAppId(), service_.OFXAppVersion()}) {
+    EXPECT_STREQ(field, "");
+  }
+  EXPECT_STREQ(service_.OFXVersion(), "102");
+  EXPECT_EQ(Query("NewPassword"), "");
+  EXPECT_EQ(Query("ClientUId"), "kept");
+
+  const std::string good = Signon(kOk) + Statement(kOk);
+  EXPECT_EQ(service_.SetOFXResponse(good.c_str()), 0);
+  EXPECT_EQ(std::string(service_.OFXResponse()), good);
+  EXPECT_NE(service_.SetOFXResponse("<OFX><A></B></OFX>"), 0);
+  EXPECT_STREQ(service_.OFXResponse(), "");
+}
+
+TEST_F(ResponseTest, ReadFieldResponseValueAndChildIndex) {
+  ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement(kOk)), 0);
+  MarkupDocument& doc = service_.Document();
+  ByteString out("stale");
+  EXPECT_EQ(service_.ReadResponseValue(out, doc, "BANKMSGSRSV1/STMTTRNRS/STMTRS/CURDEF", true), 0);
+  EXPECT_STREQ(out.Data(), "USD");
+  EXPECT_STREQ(doc.ElementName(), "CURDEF");
+  EXPECT_EQ(service_.ReadResponseValue(out, doc, "NOPE", false), 0);
+  EXPECT_STREQ(out.Data(), "");
+  EXPECT_EQ(service_.ReadResponseValue(out, doc, "NOPE", true), 2000);
+  EXPECT_STREQ(service_.GetLastError(), "Expected element missing from server response.");
+
+  ASSERT_EQ(doc.SelectPath("/OFX/BANKMSGSRSV1/STMTTRNRS"), 0);
+  ByteString field("a");
+  EXPECT_EQ(service_.ReadField(doc, "TRNUID", field, true, false), 0);
+  EXPECT_STREQ(field.Data(), "a1");
+  EXPECT_STREQ(doc.ElementName(), "STMTTRNRS");
+  EXPECT_EQ(service_.ReadField(doc, "MISSING", field, false), 0);
+  EXPECT_STREQ(field.Data(), "");
+  EXPECT_EQ(service_.ReadField(doc, "MISSING", field), 202);
+  EXPECT_STREQ(service_.GetLastError(), "Required field missing: \"MISSING\".");
+
+  EXPECT_EQ(service_.FindChildIndex(doc, "/OFX/BANKMSGSRSV1/STMTTRNRS", "STMTRS"), 3);
+  EXPECT_EQ(service_.FindChildIndex(doc, "/OFX/BANKMSGSRSV1/STMTTRNRS", "TRNUID"), 1);
+  EXPECT_EQ(service_.FindChildIndex(doc, "/OFX/BANKMSGSRSV1/STMTTRNRS", "NONE"), 0);
+}
+
+class DataFileTest : public ResponseTest {
+ protected:
+  void TearDown() override {
+    for (const std::string& p : paths_) std::remove(p.c_str());
+  }
+  std::string TempPath(const char* tag) {
+    paths_.push_back(::testing::TempDir() + "ofx_client_" + tag + "_" + std::to_string(getpid()));
+    return paths_.back();
+  }
+  static std::string Slurp(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    std::stringstream s;
+    s << in.rdbuf();
+    return s.str();
+  }
+  std::vector<std::string> paths_;
+};
+
+TEST_F(DataFileTest, SgmlFileWithHeaderIsReadAndWrittenBack) {
+  const std::string path = TempPath("in");
+  const std::string body = Signon(kOk) + Statement(kOk);
+  const std::string file =
+      "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\nSECURITY:NONE\r\nENCODING:USASCII\r\nCHARSET:1252\r\n"
+      "COMPRESSION:NONE\r\nOLDFILEUID:NONE\r\nNEWFILEUID:NONE\r\n\r\n" +
+      body;
+  std::ofstream(path, std::ios::binary) << file;
+  ASSERT_EQ(service_.ReadOFXDataFile(path.c_str()), 0) << service_.GetLastError();
+  EXPECT_EQ(service_.parse_calls, 1);
+  const std::string response = service_.OFXResponse();
+  EXPECT_EQ(response.rfind("<OFX>", 0), 0u) << response;
+  EXPECT_NE(response.find("<CODE>0</CODE>"), std::string::npos) << "end tags are written in: " << response;
+
+  const std::string copy = TempPath("out");
+  ASSERT_EQ(service_.WriteOFXDataFile(copy.c_str()), 0);
+  EXPECT_EQ(Slurp(copy), file);
+  EXPECT_EQ(service_.WriteOFXDataFile(""), 0);
+  EXPECT_EQ(service_.WriteOFXDataFile(nullptr), 0);
+}
+
+TEST_F(DataFileTest, FileFailuresHaveTheirOwnCodes) {
+  EXPECT_EQ(service_.ReadOFXDataFile((TempPath("missing")).c_str()), 302);
+  EXPECT_STREQ(service_.GetLastError(), "Cannot open OFX data file for reading.");
+  EXPECT_EQ(service_.ReadOFXDataFile(::testing::TempDir().c_str()), 305) << "a directory opens but cannot be read";
+  EXPECT_EQ(service_.WriteOFXDataFile("/nonexistent-dir/x.ofx"), 306);
+  EXPECT_STREQ(service_.GetLastError(), "Cannot create OFX log file.");
+
+  const std::string broken = TempPath("broken");
+  std::ofstream(broken, std::ios::binary) << "<OFX><A></B></OFX>";
+  EXPECT_EQ(service_.ReadOFXDataFile(broken.c_str()), 2003);
+  EXPECT_STREQ(service_.GetLastError(), "OFX response contains unknown element tags.");
+}
+
+TEST_F(ResponseTest, ConfigSettingsRoundTrip) {
+  struct Case {
+    const char* set;
+    const char* name;
+    const char* answer;
+  } cases[] = {
+      {"OFXVersion=211", "ofxversion", "211"},
+      {"OFXLog=/tmp/x.log", "OFXLog", "/tmp/x.log"},
+      {"DebugTrace=yes", "DebugTrace", "1"},
+      {"IncludeImages=TRUE", "IncludeImages", "1"},
+      {"IncludeImages=no", "IncludeImages", "0"},
+      {"OFXDateFormat=YYYYMMdd", "OFXDateFormat", "YYYYMMdd"},
+      {"DateFormat=OFXDATE", "DateFormat", "OFXDATE"},
+      {"CurrencyFormat=#,##0.00", "CurrencyFormat", "#,##0.00"},
+      {"NewPassword=n", "NewPassword", "n"},
+      {"ClientUId=c", "ClientUId", "c"},
+      {"UserCred1A=1", "UserCred1A", "1"},
+      {"UserCred2A=2", "UserCred2A", "2"},
+      {"AuthToken=t", "AuthToken", "t"},
+      {"ServerMessage=ignored", "ServerMessage", ""},
+  };
+  for (const Case& c : cases) {
+    const char* out = "";
+    EXPECT_EQ(service_.Config(c.set, out), 0) << c.set;
+    EXPECT_EQ(Query(c.name), c.answer) << c.set;
+  }
+  EXPECT_STREQ(service_.OFXVersion(), "211");
+  const std::string defaults[][2] = {
+      {"OFXDateFormat", "YYYYMMddHHmmss.xxx[G:Z]"}, {"DateFormat", "MM/dd/YYYY HH:mm:ss"}, {"OFXVersion", "102"}};
+  TestOFXService fresh;
+  fresh.InitDefaults();
+  for (const auto& [name, value] : defaults) {
+    const char* out = "";
+    fresh.Config(name.c_str(), out);
+    EXPECT_EQ(std::string(out), value);
+  }
+  const char* out = "";
+  EXPECT_EQ(service_.Config("ExtraTags=MYAGG,OTHER", out), 0);
+  EXPECT_NE(Query("ExtraTags").find("MYAGG"), std::string::npos);
+  EXPECT_EQ(service_.Config("NoSuchSetting=1", out), -1);
+}
+
+TEST_F(ResponseTest, UserDatesReportTheirFailure) {
+  ByteString out;
+  // The date layer decides which texts parse; whatever it refuses is 676.
+  const int rc = service_.ParseUserDate(out, "not a date at all");
+  if (rc != 0) {
+    EXPECT_EQ(rc, 676);
+    EXPECT_STREQ(service_.GetLastError(), "Cannot parse date.");
+  }
+  EXPECT_STREQ(service_.FormatDate(out, "20240115"), out.Data());
+}
+
+}  // namespace
+}  // namespace orvelan

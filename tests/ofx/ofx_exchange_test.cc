@@ -1,0 +1,255 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <mutex>
+#include <sstream>
+#include <string>
+
+#include "support/loopback_server.h"
+#include "support/recording_events.h"
+#include "support/test_ofx_service.h"
+
+namespace orvelan {
+namespace {
+
+constexpr char kResponse[] =
+    "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><DTSERVER>20240115</SONRS>"
+    "</SIGNONMSGSRSV1><BANKMSGSRSV1><STMTTRNRS><TRNUID>1<STATUS><CODE>0<SEVERITY>INFO</STATUS>"
+    "</STMTTRNRS></BANKMSGSRSV1></OFX>";
+
+std::string HttpAnswer(const std::string& content_type, const std::string& body, int status = 200) {
+  return "HTTP/1.1 " + std::to_string(status) + " X\r\nContent-Type: " + content_type +
+         "\r\nContent-Length: " + std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n" + body;
+}
+
+std::string Slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  std::stringstream s;
+  s << in.rdbuf();
+  return s.str();
+}
+
+size_t Occurrences(const std::string& text, const std::string& what) {
+  size_t n = 0;
+  for (size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) ++n;
+  return n;
+}
+
+// A canned OFX server: answers every request with `answer` and keeps the
+// last request it read.
+class CannedBank {
+ public:
+  explicit CannedBank(std::string answer)
+      : answer_(std::move(answer)), server_([this](int fd) {
+          std::string request = LoopbackServer::ReadRequest(fd);
+          {
+            std::lock_guard<std::mutex> lock(mutex_);
+            request_ = std::move(request);
+          }
+          LoopbackServer::WriteAll(fd, answer_);
+        }) {}
+  std::string Url() const { return "http://127.0.0.1:" + std::to_string(server_.port()) + "/ofx"; }
+  std::string Request() {
+    std::lock_guard<std::mutex> lock(mutex_);
+    return request_;
+  }
+  int Connections() const { return server_.connections(); }
+
+ private:
+  std::string answer_;
+  std::mutex mutex_;
+  std::string request_;
+  LoopbackServer server_;
+};
+
+class ExchangeTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_EQ(service_.InitDefaults(), 1);
+    service_.SetEventSink(&events_);
+    service_.SetCredentials();
+    log_path_ = ::testing::TempDir() + "ofx_exchange_" + std::to_string(getpid()) + ".log";
+  }
+  void TearDown() override { std::remove(log_path_.c_str()); }
+  void Config(const std::string& text) {
+    const char* out = nullptr;
+    ASSERT_EQ(service_.Config(text.c_str(), out), 0) << text;
+  }
+
+  TestOFXService service_;
+  RecordingEvents events_;
+  std::string log_path_;
+};
+
+TEST_F(ExchangeTest, PostsTheRequestLogsOneMaskedExchangeAndParses) {
+  CannedBank bank(HttpAnswer("application/x-ofx", kResponse));
+  service_.SetFIUrl(bank.Url().c_str());
+  Config("OFXLog=" + log_path_);
+  Config("NewPassword=fresh");
+  ASSERT_EQ(service_.Exchange(), 0) << service_.GetLastError();
+  EXPECT_EQ(service_.parse_calls, 1);
+  EXPECT_STREQ(service_.OFXResponse(), kResponse);
+
+  const std::string request = bank.Request();
+  EXPECT_NE(request.find("POST /ofx HTTP/1.1\r\n"), std::string::npos);
+  EXPECT_NE(request.find("Content-Type: application/x-ofx\r\n"), std::string::npos) << request;
+  const std::string body = request.substr(request.find("\r\n\r\n") + 4);
+  EXPECT_EQ(body.rfind("OFXHEADER:100\r\n", 0), 0u);
+  EXPECT_NE(body.find("<USERID>user\r\n<USERPASS>secret\r\n"), std::string::npos);
+  EXPECT_EQ(body.size() - body.rfind("</OFX>"), 6u);
+
+  const std::string log = Slurp(log_path_);
+  EXPECT_EQ(Occurrences(log, "BEGIN OFX REQUEST"), 1u);
+  EXPECT_EQ(Occurrences(log, "BEGIN OFX RESPONSE"), 1u);
+  EXPECT_EQ(log.find("secret"), std::string::npos) << log;
+  EXPECT_EQ(log.find("fresh"), std::string::npos);
+  EXPECT_EQ(Occurrences(log, "******anon"), 4u) << "USERID and USERPASS, USERID and NEWUSERPASS of PINCHRQ";
+  const std::string tail = std::string("\r\n\r\n================== END OFX REQUEST ==================\r\n\r\n") +
+                           "\r\n\r\n================== BEGIN OFX RESPONSE ==================\r\n\r\n" + kResponse +
+                           "\r\n\r\n================== END OFX RESPONSE ==================";
+  EXPECT_EQ(log.rfind("\r\n\r\n================== BEGIN OFX REQUEST ==================\r\n\r\nOFXHEADER:100", 0), 0u);
+  ASSERT_GE(log.size(), tail.size());
+  EXPECT_EQ(log.substr(log.size() - tail.size()), tail);
+
+  // The next exchange rewrites the log.
+  ASSERT_EQ(service_.Exchange(), 0);
+  EXPECT_EQ(Occurrences(Slurp(log_path_), "BEGIN OFX REQUEST"), 1u);
+}
+
+TEST_F(ExchangeTest, DebugTraceDeliversRequestAndResponse) {
+  CannedBank bank(HttpAnswer("application/x-ofx", kResponse));
+  service_.SetFIUrl(bank.Url().c_str());
+  Config("DebugTrace=1");
+  ASSERT_EQ(service_.Exchange(), 0);
+  EXPECT_TRUE(events_.Saw("Status(REQUEST,0)"));
+  EXPECT_TRUE(events_.Saw("Status(RESPONSE,0)"));
+}
+
+TEST_F(ExchangeTest, MissingFieldsStopBeforeSendingButAfterLogging) {
+  CannedBank bank(HttpAnswer("application/x-ofx", kResponse));
+  service_.SetFIUrl(bank.Url().c_str());
+  service_.SetOFXAppId("");
+  Config("OFXLog=" + log_path_);
+  EXPECT_EQ(service_.Exchange(), 2000);
+  EXPECT_EQ(bank.Connections(), 0);
+  EXPECT_EQ(Occurrences(Slurp(log_path_), "BEGIN OFX REQUEST"), 1u);
+}
+
+TEST_F(ExchangeTest, FailuresOfTheServerAndTheLog) {
+  struct Case {
+    std::string answer;
+    int code;
+  } cases[] = {
+      {HttpAnswer("application/x-ofx", "<OFX><A></B></OFX>"), 2003},
+      {HttpAnswer("application/x-ofx",
+                  "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>15500<SEVERITY>ERROR</STATUS></SONRS>"
+                  "</SIGNONMSGSRSV1></OFX>"),
+       2001},
+  };
+  for (const Case& c : cases) {
+    CannedBank bank(c.answer);
+    service_.SetFIUrl(bank.Url().c_str());
+    EXPECT_EQ(service_.Exchange(), c.code) << c.answer;
+    EXPECT_STREQ(service_.OFXResponse(), "");
+  }
+  // A log that cannot be created does not stop the exchange.
+  CannedBank bank(HttpAnswer("application/x-ofx", kResponse));
+  service_.SetFIUrl(bank.Url().c_str());
+  Config("OFXLog=/nonexistent-dir/ofx.log");
+  EXPECT_EQ(service_.Exchange(), 0);
+  EXPECT_EQ(service_.parse_calls, 1);
+  EXPECT_STREQ(service_.GetLastError(), "Cannot open OFX log file.");
+
+  service_.SetFIUrl(("http://127.0.0.1:" + std::to_string(UnusedPort()) + "/").c_str());
+  EXPECT_NE(service_.Exchange(), 0);
+}
+
+TEST_F(ExchangeTest, ChallengeTurnsTheNextRequestIntoAChallengeRequest) {
+  CannedBank bank(HttpAnswer(
+      "application/x-ofx",
+      "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>3000<SEVERITY>WARN</STATUS></SONRS></SIGNONMSGSRSV1></OFX>"));
+  service_.SetFIUrl(bank.Url().c_str());
+  ASSERT_EQ(service_.Exchange(), 0) << "a warning does not fail";
+  EXPECT_TRUE(service_.MFAChallengePending());
+  EXPECT_EQ(service_.parse_calls, 0);
+  EXPECT_NE(bank.Request().find("<BANKMSGSRQV1>"), std::string::npos);
+
+  ASSERT_EQ(service_.Exchange(), 0);
+  const std::string second = bank.Request();
+  EXPECT_NE(second.find("</SONRQ>\r\n<MFACHALLENGETRNRQ>\r\n<TRNUID>"), std::string::npos) << second;
+  EXPECT_EQ(second.find("<BANKMSGSRQV1>"), std::string::npos);
+}
+
+class ImageTest : public ExchangeTest {
+ protected:
+  void TearDown() override {
+    for (const char* ext : {".png", ".pdf", ""}) std::remove((image_base_ + ext).c_str());
+    ExchangeTest::TearDown();
+  }
+  std::string image_base_ = ::testing::TempDir() + "ofx_image_" + std::to_string(getpid());
+};
+
+TEST_F(ImageTest, DownloadedImageIsReturnedAndWrittenWithItsExtension) {
+  const std::string png("\x89PNG\r\n\x1a\n\0\0binary", 16);
+  CannedBank bank(HttpAnswer("image/png", png));
+  service_.SetFIUrl(bank.Url().c_str());
+  service_.SetImageFile(image_base_.c_str());
+  const char* data = nullptr;
+  int32_t length = -1;
+  ASSERT_EQ(service_.GetImage("IMG-1", "", data, length), 0) << service_.GetLastError();
+  EXPECT_EQ(std::string(data, static_cast<size_t>(length)), png);
+  EXPECT_EQ(Slurp(image_base_ + ".png"), png);
+  EXPECT_STREQ(service_.OFXVersion(), "211");
+  EXPECT_NE(bank.Request().find("<IMAGEREF>IMG-1</IMAGEREF>"), std::string::npos);
+  EXPECT_EQ(bank.Request().find("BANKMSGSRQV1"), std::string::npos);
+}
+
+TEST_F(ImageTest, StatusBodiesAndOtherReferenceTypes) {
+  struct Case {
+    const char* body;
+    int code;
+    const char* text;
+  } cases[] = {
+      {"OFX-STATUS=15000", 15000, "Must change USERPASS."},
+      {"OFX-STATUS=16513", 16513, "Image server is not available. Try again later."},
+      {"OFX-STATUS=16513\r\n", 2001, ""},  // compared whole
+      {"OFX-STATUS=1", 2001, ""},
+  };
+  service_.SetImageFile(image_base_.c_str());
+  for (const Case& c : cases) {
+    CannedBank bank(HttpAnswer("application/x-ofx", c.body));
+    service_.SetFIUrl(bank.Url().c_str());
+    const char* data = nullptr;
+    int32_t length = -1;
+    EXPECT_EQ(service_.GetImage("IMG-1", "OPAQUE", data, length), c.code) << c.body;
+    EXPECT_STREQ(service_.GetLastError(), c.text);
+    EXPECT_EQ(length, 0);
+  }
+
+  CannedBank bank(HttpAnswer("image/png", "png"));
+  service_.SetFIUrl(bank.Url().c_str());
+  const char* data = nullptr;
+  int32_t length = -1;
+  EXPECT_EQ(service_.GetImage("http://x/img", "URL", data, length), 0);
+  EXPECT_EQ(length, 0);
+  EXPECT_EQ(bank.Connections(), 0);
+  // Without ImageFile a downloaded image counts as failed.
+  service_.SetImageFile("");
+  EXPECT_EQ(service_.GetImage("IMG-1", "OPAQUE", data, length), 2001);
+}
+
+TEST_F(ImageTest, UnwritableImageFileKeepsTheResult) {
+  CannedBank bank(HttpAnswer("Application/pdf", "%PDF"));
+  service_.SetFIUrl(bank.Url().c_str());
+  service_.SetImageFile("/nonexistent-dir/img");
+  const char* data = nullptr;
+  int32_t length = -1;
+  EXPECT_EQ(service_.GetImage("IMG-1", "OPAQUE", data, length), 0);
+  EXPECT_EQ(length, 4);
+  EXPECT_STREQ(service_.GetLastError(), "Cannot open file \"/nonexistent-dir/img.pdf\" for writing.");
+}
+
+}  // namespace
+}  // namespace orvelan
