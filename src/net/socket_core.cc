@@ -142,7 +142,9 @@ uint64_t SocketCore::NowMs() {
 
 void SocketCore::StartDeadline() { deadline_ms_ = timeout_ms_ == 0 ? 0 : NowMs() + timeout_ms_; }
 
-bool SocketCore::DeadlinePassed() const { return deadline_ms_ != 0 && NowMs() >= deadline_ms_; }
+// The tick drops the fraction of the millisecond in which the deadline was
+// started; only a tick past the deadline guarantees the whole time-out passed.
+bool SocketCore::DeadlinePassed() const { return deadline_ms_ != 0 && NowMs() > deadline_ms_; }
 
 int SocketCore::Stop(const char* text) {
   SetErrorText(text);

@@ -68,8 +68,8 @@ class Client : public HttpClient {
 // written in the given pieces with a pause between them.
 struct Canned {
   std::vector<std::vector<std::string>> replies;
-  std::vector<std::string> requests;
-  std::mutex mutex;
+  std::vector<std::string> requests{};
+  std::mutex mutex{};
   bool close_after = true;
 
   std::function<void(int)> Script() {
@@ -394,16 +394,16 @@ TEST(HttpClientTest, ThousandExchangesLeaveNoDescriptorBehind) {
   LoopbackServer server(canned.Script());
   Client c;
   ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);  // the first exchange may open lasting descriptors
+  // The server thread closes its end a moment after answering; count only
+  // once it has, or its descriptor passes for one of ours.
+  ASSERT_TRUE(server.WaitUntilIdle());
   const int before = OpenDescriptors();
   for (int i = 0; i < 1000; ++i) {
     c.SetPostData("ping", 4);
     ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << i << ": " << c.GetLastError();
     ASSERT_EQ(c.Body(), "done");
   }
-  // The server thread closes its end a moment after answering.
-  for (int i = 0; i < 400 && OpenDescriptors() != before; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
+  ASSERT_TRUE(server.WaitUntilIdle());
   EXPECT_EQ(OpenDescriptors(), before);
 }
 
