@@ -219,7 +219,7 @@ int HttpClient::DoAction(int action) {
   int rc = kOk;
   switch (action) {
     case kReset:
-      transferred_data_.clear();
+      transferred_data_.Clear();
       get_on_302_redirect_ = false;
       Reset();
       break;
@@ -327,7 +327,7 @@ std::string HttpClient::BuildHead(const char* method, int64_t content_length) {
 int HttpClient::Request(const char* method, bool with_body) {
   headers_.clear();
   raw_headers_.clear();
-  transferred_data_.clear();
+  transferred_data_.Clear();
   response_content_type_.Clear();
   bytes_received_ = 0;
   response_error_ = 0;
@@ -454,7 +454,7 @@ void HttpClient::OnHeadEnd() {
   int64_t expected = parser_.ContentLength();
   if (max_transferred_data_ > 0 && expected > max_transferred_data_) expected = max_transferred_data_;
   if (expected > 0 && expected <= kMaxReserve && local_file_path_.Length() == 0) {
-    transferred_data_.reserve(static_cast<size_t>(expected));
+    transferred_data_.Reserve(static_cast<size_t>(expected));  // growing later still works if this fails
   }
 }
 
@@ -475,7 +475,7 @@ void HttpClient::OnBody(std::string_view data, int64_t received, int percent) {
     if (room <= 0) return;
     if (static_cast<int64_t>(data.size()) > room) data = data.substr(0, static_cast<size_t>(room));
   }
-  transferred_data_.append(data.data(), data.size());
+  if (!transferred_data_.Append(data.data(), data.size())) FireError(kErrOutOfMemory, "Error appending to TransferredData.");
 }
 
 void HttpClient::OnEnd() {

@@ -7,6 +7,7 @@
 
 #include "base/byte_string.h"
 #include "core/file_handle.h"
+#include "http/body_buffer.h"
 #include "http/cookie_list.h"
 #include "http/http_response_parser.h"
 #include "http/url_parts.h"
@@ -54,7 +55,7 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
 
   const char* ResponseContentType() const { return response_content_type_.Data(); }
   // The body of the last response, at most MaxTransferredData bytes (0 = all).
-  std::string_view TransferredData() const { return transferred_data_; }
+  std::string_view TransferredData() const { return transferred_data_.View(); }
   int StatusCode() const { return status_code_; }
   const std::vector<std::pair<std::string, std::string>>& ResponseHeaders() const { return headers_; }
   // The header lines of the last response byte for byte, each ended by CR LF.
@@ -111,7 +112,7 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   CookieList cookies_;
   std::vector<std::pair<std::string, std::string>> headers_;
   std::string raw_headers_;
-  std::string transferred_data_;
+  BodyBuffer transferred_data_;
   std::string recorded_request_;
   std::string status_line_;
   std::string status_version_;
