@@ -77,7 +77,7 @@ void BM_TlsLargeBody(benchmark::State& state) {
   }
   state.SetBytesProcessed(static_cast<int64_t>(bytes));
 }
-BENCHMARK(BM_TlsLargeBody)->Arg(0)->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(3);
+BENCHMARK(BM_TlsLargeBody)->Arg(0)->Arg(1)->UseRealTime()->Unit(benchmark::kMillisecond)->Iterations(1)->Repetitions(7);
 
 }  // namespace
 }  // namespace orvelan
