@@ -81,6 +81,7 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   }
   virtual void FireEndTransfer(int direction) { (void)direction; }
 
+  void FireConnected(int code, const char* description) override;
   void FireDataIn(const char* data, int32_t length, bool end_of_line) override;
   void FireDisconnected(int code, const char* description) override;
   int OnSendProgress(int64_t bytes_done) override;
@@ -96,6 +97,8 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   void OnEnd() override;
 
   int Request(const char* method, bool with_body);
+  // Sends head and body on the open connection; 0 or the send's error.
+  int SendRequest(const char* method, bool with_body);
   int Route();
   std::string BuildHead(const char* method, int64_t content_length);
   int WaitForResponse();
@@ -135,6 +138,9 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   int32_t proxy_port_ = 80;
   int status_code_ = 0;
   int response_error_ = 0;
+  // The request waiting for an asynchronous connect (negative Timeout).
+  const char* pending_method_ = nullptr;
+  bool pending_with_body_ = false;
   uint8_t busy_action_ = 0;
   uint8_t auth_scheme_ = 0;
   uint8_t proxy_auth_scheme_ = 0;

@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <algorithm>
 #include <fstream>
+#include <functional>
 #include <mutex>
 #include <sstream>
 #include <string>
@@ -378,6 +380,42 @@ TEST(HttpClientTest, ResetForgetsTheRequest) {
   EXPECT_EQ(c.Url().host, "");
   EXPECT_EQ(c.Url().scheme, "http");
   EXPECT_EQ(c.DoAction(HttpClient::kPost), 152);
+}
+
+// With a negative Timeout a request returns at once; the exchange runs while
+// the host pumps the events, the request leaving from the connected hook.
+TEST(HttpClientTest, NegativeTimeoutExchangesAsTheHostPumpsEvents) {
+  const auto pump = [](Client& c, const std::function<bool()>& done) {
+    for (int i = 0; i < 2000 && !done(); ++i) {
+      c.ProcessEvents(0);
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  };
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\n", "done"}}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.SetTimeout(-1);
+  c.SetPostData("ping", 4);
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << c.GetLastError();
+  EXPECT_EQ(c.hooks, "");  // nothing sent or received yet
+  EXPECT_NE(c.SocketHandle(), -1);
+  pump(c, [&] { return c.hooks.find(">1") != std::string::npos; });
+  EXPECT_EQ(c.hooks, "<0>0S200H<1>1");
+  EXPECT_EQ(c.Body(), "done");
+  const std::string request = canned.Request(0);
+  EXPECT_EQ(request.substr(0, 20), "POST /ofx HTTP/1.1\r\n");
+  EXPECT_EQ(request.substr(request.size() - std::min<size_t>(request.size(), 25)), "Content-Length: 4\r\n\r\nping");
+  EXPECT_EQ(c.Timeout(), -1);  // the sending's own time-out is gone again
+  EXPECT_EQ(c.SocketHandle(), -1);
+
+  // A refused connect reaches the host as events; no request is left behind.
+  Client refused;
+  refused.SetTimeout(-1);
+  const std::string url = "http://127.0.0.1:" + std::to_string(UnusedPort()) + "/ofx";
+  ASSERT_EQ(refused.PostToURL(url.c_str()), 0);
+  pump(refused, [&] { return refused.SocketHandle() == -1; });
+  EXPECT_TRUE(refused.events.Saw("Status(Remote host connection failed.,111)"));
+  EXPECT_EQ(refused.hooks, "");
 }
 
 int OpenDescriptors() {
