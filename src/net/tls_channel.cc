@@ -309,6 +309,7 @@ void TlsChannel::OnConnected(int code) {
   }
   handshake_pending_ = true;
   tls_lines_.Clear();
+  overflow_.clear();
   FireSSLStatus("Starting to establish secure channel.");
   ContinueHandshake();
 }
@@ -375,6 +376,8 @@ void TlsChannel::AbortTls(int code, const char* text) {
   const bool was_handshaking = handshake_pending_ || code == kErrCertRejected;
   handshake_pending_ = false;
   session_.Close();
+  tls_accept_data_ = true;
+  overflow_.clear();
   FireSSLStatus("SSL connection closed.");
   if (was_handshaking) FireConnected(code, description.c_str());
   SetErrorText(description.c_str());
@@ -420,25 +423,36 @@ void TlsChannel::ReadPlaintext() {
 }
 
 void TlsChannel::DeliverPlaintext(std::string_view plaintext) {
+  if (tls_accept_data_ && tls_lines_.Marker().empty() && tls_lines_.Unread() == 0 && overflow_.empty()) {
+    FireDataIn(plaintext.data(), static_cast<int32_t>(plaintext.size()), false);  // bulk data: no copy
+    return;
+  }
+  overflow_.append(plaintext.data(), plaintext.size());
+  HandOut();
+}
+
+void TlsChannel::HandOut() {
   // Below this much room a partial line goes up as a piece, so a line longer
   // than the buffer still moves.
   constexpr uint32_t kMinLineRoom = 256;
-  if (tls_lines_.Marker().empty()) {
-    FireDataIn(plaintext.data(), static_cast<int32_t>(plaintext.size()), false);
-    return;
-  }
-  // A hook may disconnect; what is left of the block then goes nowhere.
-  while (!plaintext.empty() && session_.IsOpen()) {
-    const LineBuffer::Room room = tls_lines_.FreeRoom();
-    const size_t n = std::min<size_t>(room.size, plaintext.size());
-    std::memcpy(room.data, plaintext.data(), n);
-    tls_lines_.Commit(static_cast<uint32_t>(n));
-    plaintext.remove_prefix(n);
+  // A hook may disconnect or switch accept data off; what is left then waits.
+  const auto may_deliver = [this] { return session_.IsOpen() && tls_accept_data_; };
+  while (may_deliver()) {
+    if (!overflow_.empty()) {
+      const LineBuffer::Room room = tls_lines_.FreeRoom();
+      const size_t n = std::min<size_t>(room.size, overflow_.size());
+      std::memcpy(room.data, overflow_.data(), n);
+      tls_lines_.Commit(static_cast<uint32_t>(n));
+      overflow_.erase(0, n);
+    }
+    const bool cutting = !tls_lines_.Marker().empty();
     std::string_view line;
-    while (session_.IsOpen() && tls_lines_.NextLine(&line)) {
+    while (cutting && may_deliver() && tls_lines_.NextLine(&line)) {
       FireDataIn(line.data(), static_cast<int32_t>(line.size()), true);
     }
-    if (session_.IsOpen() && tls_lines_.Capacity() - tls_lines_.Unread() < kMinLineRoom) DeliverRest();
+    if (!may_deliver()) return;
+    if (!cutting || tls_lines_.Capacity() - tls_lines_.Unread() < kMinLineRoom) DeliverRest();
+    if (overflow_.empty()) return;
   }
 }
 
@@ -446,6 +460,14 @@ void TlsChannel::DeliverRest() {
   if (tls_lines_.Unread() == 0) return;
   const std::string_view rest = tls_lines_.TakeAll();
   FireDataIn(rest.data(), static_cast<int32_t>(rest.size()), false);
+}
+
+int TlsChannel::SetAcceptData(bool on) {
+  if (!tls_enabled_) return TcpClient::SetAcceptData(on);
+  tls_accept_data_ = on;
+  if (on) TcpClient::SetAcceptData(true);
+  HandOut();
+  return kOk;
 }
 
 void TlsChannel::OnReadyToSend() {
@@ -458,8 +480,11 @@ void TlsChannel::OnReadyToSend() {
 
 void TlsChannel::OnDisconnected(int code) {
   OnConnectionStatus("Remote host disconnected.", code);
-  if (session_.IsOpen()) {
+  if (session_.IsOpen() && tls_accept_data_) {
+    HandOut();
     DeliverRest();  // a last line without its line end is still data
+  }
+  if (session_.IsOpen()) {
     // Best effort close_notify: the socket is about to close.
     session_.Shutdown();
     const std::string& out = session_.Outgoing();
@@ -471,6 +496,8 @@ void TlsChannel::OnDisconnected(int code) {
     FireSSLStatus("SSL connection closed.");
   }
   handshake_pending_ = false;
+  tls_accept_data_ = true;  // as the TCP layer's flag after a disconnect
+  overflow_.clear();
   FireDisconnected(code, CodeText(code));
 }
 

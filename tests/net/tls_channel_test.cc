@@ -167,7 +167,11 @@ class TlsProbe : public TransferChannel {
   void FireDataIn(const char* data, int32_t length, bool end_of_line) override {
     received.append(data, static_cast<size_t>(length));
     if (end_of_line) received += '|';
+    if (on_data) on_data();
   }
+
+ public:
+  std::function<void()> on_data;
 };
 
 // Blocks until `flag` is set, for at most five seconds.
@@ -258,6 +262,62 @@ TEST(TlsChannelTest, LineEndCutsThePlaintext) {
     go = true;
     ASSERT_EQ(probe.WaitUntil([&] { return !probe.IsConnected(); }), 0);
     EXPECT_EQ(probe.received, c.received);
+  }
+}
+
+// With accept data off the plaintext waits (beyond the line buffer too) while
+// the TLS records keep being read; switching on hands it out at once, cut as
+// it would have been.
+TEST(TlsChannelTest, AcceptDataHoldsThePlaintextBack) {
+  REQUIRE_PKI(pki);
+  const std::string long_line(5000, 'y');
+  const struct {
+    const char* name;
+    const char* eol;
+    std::string first;   // written while accept data is off
+    bool off_in_hook;    // accept data is switched off by the first delivery instead
+    std::string on;      // received once switched on
+    std::string second;  // written after that
+    std::string last;    // received in the end
+  } cases[] = {
+      {"lines and a partial line", "\r\n", "one\r\ntwo\r\nthr", false, "one|two|", "ee\r\n", "one|two|three|"},
+      {"no line end", "", "one\r\ntwo", false, "one\r\ntwo", "!", "one\r\ntwo!"},
+      {"more than the line buffer", "\r\n", long_line + "\r\nz", false, long_line + "|", "\r\n",
+       long_line + "|z|"},
+      {"off from a hook", "\r\n", "one\r\ntwo\r\n", true, "one|two|", "x\r\n", "one|two|x|"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::atomic<bool> written{false};
+    std::atomic<bool> go{false};
+    TlsLoopback server(pki, [&](SSL* ssl) {
+      SSL_write(ssl, c.first.data(), static_cast<int>(c.first.size()));
+      written = true;
+      AwaitFlag(go);
+      SSL_write(ssl, c.second.data(), static_cast<int>(c.second.size()));
+      SSL_shutdown(ssl);
+    });
+    TlsProbe probe(pki);
+    probe.SetEOL(c.eol);
+    ASSERT_EQ(probe.Open(server.port()), 0) << probe.GetLastError();
+    if (c.off_in_hook) {
+      probe.on_data = [&] { probe.SetAcceptData(false); };
+    } else {
+      probe.SetAcceptData(false);
+    }
+    EXPECT_TRUE(probe.IsConnected());
+    AwaitFlag(written);
+    int cycles = 0;
+    ASSERT_EQ(probe.WaitUntil([&] { return ++cycles > 10; }), 0);  // the records arrive meanwhile
+    EXPECT_FALSE(probe.AcceptData());
+    EXPECT_EQ(probe.received, c.off_in_hook ? "one|" : "");
+    probe.on_data = nullptr;
+    ASSERT_EQ(probe.SetAcceptData(true), 0);
+    EXPECT_EQ(probe.received, c.on);
+    go = true;
+    ASSERT_EQ(probe.WaitUntil([&] { return !probe.IsConnected(); }), 0);
+    EXPECT_EQ(probe.received, c.last);
+    EXPECT_TRUE(probe.AcceptData());
   }
 }
 
