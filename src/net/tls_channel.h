@@ -71,7 +71,9 @@ class TlsChannel : public TcpClient {
   int SetSSLCertStore(const char* data, int32_t length);
   const char* SSLCertStorePassword() const { return cert_store_password_.Data(); }
   int SetSSLCertStorePassword(const char* password) { return cert_store_password_.Assign(password); }
-  // 2 PKCS#12 file, 6 PEM file, 7 PEM text; 3, 11 and 12 answer 306.
+  // 2 PKCS#12 file, 6 PEM file, 7 PEM text (an SSH2 encrypted private key
+  // too), 8 public-key file, 9 public-key text, 10 either (by length); 3, 11
+  // and 12 answer 306.
   int32_t SSLCertStoreType() const { return cert_store_type_; }
   int SetSSLCertStoreType(int32_t type);
   // Selecting a subject loads the store: "*" or the start of the loaded
@@ -131,7 +133,9 @@ class TlsChannel : public TcpClient {
   int FlushOutgoing();
   void AbortTls(int code, const char* text);
   int LoadClientCertificate();
-  int MakePlaceholderCertificate();
+  // The placeholder certificate for `key`, signed by the key itself when it
+  // is a private key.
+  int MakePlaceholderCertificate(EVP_PKEY* key, bool can_sign);
   int UseLoadedCertificate();
 
   SslCtxPtr ctx_;

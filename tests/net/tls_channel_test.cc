@@ -1,9 +1,11 @@
 #include "net/tls_channel.h"
 
+#include <openssl/pem.h>
 #include <openssl/ssl.h>
 
 #include <atomic>
 #include <chrono>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <thread>
@@ -79,6 +81,126 @@ TEST(TlsChannelTest, ClientCertificateStores) {
       EXPECT_NE(client_pem.find(encoded.substr(0, 64)), std::string::npos);
       EXPECT_EQ(encoded.find("-----"), std::string::npos);
     }
+  }
+}
+
+// Key files derived from the test client key, made once with openssl.
+bool MakeKeyFiles(const TestPki& pki) {
+  static const bool made = RunQuietly(
+      "cd '" + pki.dir() + "' && "
+      "openssl rsa -in client.key -traditional -des3 -passout pass:secret -out client_3des.key && "
+      "openssl rsa -in client.key -traditional -out client_plain.key && "
+      "openssl rsa -in client.key -pubout -out client_pub.pem && "
+      "openssl rsa -in client.key -RSAPublicKey_out -out client_rsapub.pem");
+  return made;
+}
+
+std::string Replace(std::string text, const std::string& from, const std::string& to) {
+  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+// A traditional PEM key re-armoured as an SSH2 private key block.
+std::string AsSsh2(const std::string& pem) {
+  return Replace(Replace(pem, "BEGIN RSA PRIVATE KEY", "BEGIN SSH2 ENCRYPTED PRIVATE KEY"), "END RSA PRIVATE KEY",
+                 "END SSH2 ENCRYPTED PRIVATE KEY");
+}
+
+// The RFC 4716 form of an RSA public key: "ssh-rsa", e and n in SSH wire format.
+std::string Ssh2PublicKey(EVP_PKEY* key) {
+  std::string wire;
+  const auto put = [&wire](const std::string& bytes) {
+    for (int shift = 24; shift >= 0; shift -= 8) wire += static_cast<char>((bytes.size() >> shift) & 0xFF);
+    wire += bytes;
+  };
+  put("ssh-rsa");
+  for (const char* name : {"e", "n"}) {
+    BIGNUM* number = nullptr;
+    EVP_PKEY_get_bn_param(key, name, &number);
+    std::string bytes(static_cast<size_t>(BN_num_bytes(number)) + 1, '\0');  // a leading 0: mpints are signed
+    BN_bn2bin(number, reinterpret_cast<unsigned char*>(&bytes[1]));
+    BN_free(number);
+    put(bytes);
+  }
+  ByteString base64;
+  base64.AppendBase64(wire.data(), static_cast<int32_t>(wire.size()), false);
+  std::string text = "---- BEGIN SSH2 PUBLIC KEY ----\nComment: \"orvelan test \\\nkey\"\n";
+  for (size_t at = 0; at < static_cast<size_t>(base64.Length()); at += 70) {
+    text += std::string(base64.View().substr(at, 70)) + "\n";
+  }
+  return text + "---- END SSH2 PUBLIC KEY ----\n";
+}
+
+// SSH2 private keys and public keys of every form end in a placeholder
+// certificate that carries the key; the failures say which step failed.
+TEST(TlsChannelTest, Ssh2AndPublicKeyStores) {
+  REQUIRE_PKI(pki);
+  ASSERT_TRUE(MakeKeyFiles(pki));
+  BioPtr key_bio(BIO_new_file(pki.Path("client.key").c_str(), "r"));
+  EvpPkeyPtr client_key(PEM_read_bio_PrivateKey(key_bio.get(), nullptr, nullptr, nullptr));
+  ASSERT_NE(client_key, nullptr);
+
+  const std::string ssh2 = AsSsh2(pki.Read("client_3des.key"));
+  const size_t iv_at = ssh2.find("DES-EDE3-CBC,") + 13;
+  // The IV continued on a second line, a comment header before it, the other cipher name.
+  const std::string ssh2_continued = Replace(
+      ssh2.substr(0, iv_at + 6) + "\\\n" + ssh2.substr(iv_at + 6), "Proc-Type:", "Comment: made by a test\nProc-Type:");
+  const std::string ssh2_file = pki.Path("client_ssh2.key");
+  {
+    std::ofstream(ssh2_file) << ssh2;
+  }
+  const std::string public_pem = pki.Read("client_pub.pem");
+  const std::string long_public_pem = std::string(120, '#') + "\n" + public_pem;  // 512 bytes and more: key text
+  ASSERT_LT(public_pem.size(), 512u);
+  ASSERT_GE(long_public_pem.size(), 512u);
+  const char* const kCannotDecode = "Cannot decode SSH2 private encrypted key.";
+  const char* const kNoPublicKey = "Unable to read the public key from the store.";
+  const char* const kNoPublicFile = "The public key file could not be opened.";
+  const struct {
+    const char* name;
+    int type;
+    std::string store;
+    const char* password;
+    int rc;
+    const char* error;
+  } cases[] = {
+      {"SSH2 encrypted key", 7, ssh2, "secret", 0, ""},
+      {"SSH2, continued header, 3des-cbc", 7, Replace(ssh2_continued, "DES-EDE3-CBC", "3des-cbc"), "secret", 0, ""},
+      {"SSH2, not encrypted", 7, AsSsh2(pki.Read("client_plain.key")), "", 0, ""},
+      {"SSH2 key file", 6, ssh2_file, "secret", 0, ""},
+      {"SSH2, wrong password", 7, ssh2, "wrong", 282, kCannotDecode},
+      {"SSH2, other cipher", 7, Replace(ssh2, "DES-EDE3-CBC", "AES-128-CBC"), "secret", 282, kCannotDecode},
+      {"SSH2, no block", 7, "SSH2 but nothing else", "secret", 282, kCannotDecode},
+      {"PUBLIC KEY text", 9, public_pem, "", 0, ""},
+      {"RSA PUBLIC KEY text", 9, pki.Read("client_rsapub.pem"), "", 0, ""},
+      {"SSH2 PUBLIC KEY text", 9, Ssh2PublicKey(client_key.get()), "", 0, ""},
+      {"certificate is no public key", 9, pki.Read("client.pem"), "", 282, kNoPublicKey},
+      {"SSH2 public key of another type", 9, Replace(Ssh2PublicKey(client_key.get()), "AAAAB3NzaC1yc2", "AAAAB3NzaC1kc3"),
+       "", 282, kNoPublicKey},
+      {"public key file", 8, pki.Path("client_rsapub.pem"), "", 0, ""},
+      {"public key file missing", 8, pki.Path("missing.pem"), "", 282, kNoPublicFile},
+      {"public key file of no key", 8, pki.Path("ca.pem"), "", 282, kNoPublicKey},
+      {"either: short is a file name", 10, pki.Path("client_pub.pem"), "", 0, ""},
+      {"either: long is key text", 10, long_public_pem, "", 0, ""},
+      {"either: short key text is a file name", 10, public_pem, "", 282, kNoPublicFile},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Channel channel;
+    ASSERT_EQ(channel.Store(c.type, c.store, c.password), c.rc) << channel.GetLastError();
+    if (c.rc != 0) {
+      EXPECT_STREQ(channel.GetLastError(), c.error);
+      continue;
+    }
+    EXPECT_EQ(channel.SetSSLCertSubject("/CN=CN=pem_cert"), 0);
+    ByteString der(channel.Encoded().c_str());
+    ASSERT_EQ(der.DecodeBase64(), 0);
+    const auto* p = reinterpret_cast<const unsigned char*>(der.Data());
+    X509Ptr cert(d2i_X509(nullptr, &p, der.Length()));
+    ASSERT_NE(cert, nullptr);
+    EXPECT_EQ(EVP_PKEY_eq(X509_get0_pubkey(cert.get()), client_key.get()), 1);
   }
 }
 
