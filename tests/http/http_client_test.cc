@@ -132,6 +132,8 @@ struct ReplyCase {
   std::string body;
 };
 
+// Split CR LF, close-delimited bodies, stalls, closes mid-body and bad gzip
+// headers come from the separate fault server (fault_server_test.cc).
 TEST(HttpClientTest, ResponseFormsAndFailures) {
   const std::string gzip_body = Compress("compressed OFX body", true);
   const ReplyCase cases[] = {
@@ -141,19 +143,11 @@ TEST(HttpClientTest, ResponseFormsAndFailures) {
        "HTTP protocol error. 500 Broken.", ""},
       {"3xx is not followed", {"HTTP/1.1 302 Found\r\nLocation: /x\r\nContent-Length: 0\r\n\r\n"}, 151,
        "HTTP protocol error. 302 Found.", ""},
-      {"close-delimited", {"HTTP/1.0 200 OK\r\n\r\nbody until", " the close"}, 0, "", "body until the close"},
-      {"chunked, CR LF split across writes",
-       {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r", "\nhello\r", "\n6\r\n world\r\n0\r", "\n\r\n"},
-       0, "", "hello world"},
       {"interim 100", {"HTTP/1.1 100 Continue\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"}, 0, "",
        "ok"},
       {"gzip", {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" + gzip_body}, 0, "", "compressed OFX body"},
-      {"bad gzip header",
-       {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" + std::string("\x1f\x8b\x09\0\0\0\0\0\0\x03xx", 12)},
-       102, "The GZIP header is invalid.", ""},
       {"broken deflate stream", {"HTTP/1.1 200 OK\r\nContent-Encoding: deflate\r\n\r\n\xff\xff\xff\xff"}, 151,
        "Could not decompress content.", ""},
-      {"closed mid-body", {"HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\npartial"}, 0, "", "partial"},
       {"closed without a response", {""}, 0, "", ""},
   };
   for (const ReplyCase& rc : cases) {
