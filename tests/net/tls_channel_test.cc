@@ -4,6 +4,7 @@
 #include <openssl/ssl.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <chrono>
 #include <fstream>
 #include <functional>
@@ -265,10 +266,10 @@ class TlsLoopback {
 // A client over TLS whose upper hooks record what arrives.
 class TlsProbe : public TransferChannel {
  public:
-  explicit TlsProbe(const TestPki& pki) {
+  explicit TlsProbe(const TestPki& pki, bool trust_test_ca = true) {
     InitDefaults();
     const char* out = nullptr;
-    Config(("OpenSSLCAFile=" + pki.Path("ca.pem")).c_str(), out);
+    if (trust_test_ca) Config(("OpenSSLCAFile=" + pki.Path("ca.pem")).c_str(), out);
   }
   int Open(int port) {
     if (int rc = SetRemoteHost("127.0.0.1"); rc != 0) return rc;
@@ -441,6 +442,26 @@ TEST(TlsChannelTest, AcceptDataHoldsThePlaintextBack) {
     EXPECT_EQ(probe.received, c.last);
     EXPECT_TRUE(probe.AcceptData());
   }
+}
+
+// The system's default CA file is read once per process and shared; each
+// case runs in a fresh process so that its SSL_CERT_FILE is the one read.
+TEST(TlsChannelTest, DefaultCaFileDecidesTrust) {
+  REQUIRE_PKI(pki);
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto connect_trusting = [&](const std::string& ca_file) {
+    setenv("SSL_CERT_FILE", ca_file.c_str(), 1);
+    TlsLoopback server(pki, [](SSL* ssl) { SSL_shutdown(ssl); });
+    for (int round = 0; round < 2; ++round) {  // the second context uses the shared copy
+      TlsProbe probe(pki, false);
+      const int rc = probe.Open(server.port());
+      if (rc != 0) std::exit(rc == 276 ? 2 : 3);
+      probe.Disconnect();
+    }
+    std::exit(0);
+  };
+  EXPECT_EXIT(connect_trusting(pki.Path("ca.pem")), ::testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(connect_trusting(pki.Path("no-such-ca.pem")), ::testing::ExitedWithCode(2), "");
 }
 
 TEST(TlsChannelTest, LingerOffDropsQueuedRecords) {
