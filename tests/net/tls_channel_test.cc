@@ -451,14 +451,17 @@ TEST(TlsChannelTest, DefaultCaFileDecidesTrust) {
   GTEST_FLAG_SET(death_test_style, "threadsafe");
   const auto connect_trusting = [&](const std::string& ca_file) {
     setenv("SSL_CERT_FILE", ca_file.c_str(), 1);
-    TlsLoopback server(pki, [](SSL* ssl) { SSL_shutdown(ssl); });
-    for (int round = 0; round < 2; ++round) {  // the second context uses the shared copy
-      TlsProbe probe(pki, false);
-      const int rc = probe.Open(server.port());
-      if (rc != 0) std::exit(rc == 276 ? 2 : 3);
-      probe.Disconnect();
-    }
-    std::exit(0);
+    int status = 0;
+    {
+      TlsLoopback server(pki, [](SSL* ssl) { SSL_shutdown(ssl); });
+      for (int round = 0; round < 2 && status == 0; ++round) {  // the second context uses the shared copy
+        TlsProbe probe(pki, false);
+        const int rc = probe.Open(server.port());
+        status = rc == 0 ? 0 : rc == 276 ? 2 : 3;
+        probe.Disconnect();
+      }
+    }  // the server's thread is joined before exit runs the process's clean-up
+    std::exit(status);
   };
   EXPECT_EXIT(connect_trusting(pki.Path("ca.pem")), ::testing::ExitedWithCode(0), "");
   EXPECT_EXIT(connect_trusting(pki.Path("no-such-ca.pem")), ::testing::ExitedWithCode(2), "");
