@@ -16,10 +16,8 @@ build:
 demo: build
 	@$(BUILD_DIR)/examples/orvelan-demo
 
-# Loopback network tests share two cores with the build and with each other;
-# a test that fails is run once more before the run counts as failed.
 test: build
-	@cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS) --repeat until-pass:2
+	@cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
 
 test-asan:
 	@cmake -S . -B $(ASAN_DIR) -DCMAKE_BUILD_TYPE=Debug -DORVELAN_SANITIZE=ON -DORVELAN_BUILD_BENCH=OFF $(CMAKE_FLAGS) >/dev/null

@@ -9,6 +9,7 @@ namespace {
 
 constexpr char kDefaultUserAgent[] = "Orvelan OFX Client 3.0";
 constexpr int32_t kSendPiece = 16384;
+constexpr int64_t kAsyncSendTimeoutMs = 10000;
 constexpr char kTextBusy[] = "Busy performing current action.";
 constexpr char kTextNoServer[] = "No server specified in URL";
 constexpr char kTextBadScheme[] = "Specified URLScheme is invalid.";
@@ -219,7 +220,7 @@ int HttpClient::DoAction(int action) {
   int rc = kOk;
   switch (action) {
     case kReset:
-      transferred_data_.clear();
+      transferred_data_.Clear();
       get_on_302_redirect_ = false;
       Reset();
       break;
@@ -327,7 +328,7 @@ std::string HttpClient::BuildHead(const char* method, int64_t content_length) {
 int HttpClient::Request(const char* method, bool with_body) {
   headers_.clear();
   raw_headers_.clear();
-  transferred_data_.clear();
+  transferred_data_.Clear();
   response_content_type_.Clear();
   bytes_received_ = 0;
   response_error_ = 0;
@@ -337,9 +338,22 @@ int HttpClient::Request(const char* method, bool with_body) {
   // A kept connection that the server has closed meanwhile would swallow the
   // request; one poll notices the close, and a new connection replaces it.
   if (IsConnected()) PollSocket(0);
+  pending_method_ = nullptr;
   if (!IsConnected()) {
+    if (Timeout() < 0) {
+      // The host pumps the events; the request leaves from the connected hook.
+      if (int rc = Connect(true); rc != kOk) return rc;
+      pending_method_ = method;
+      pending_with_body_ = with_body;
+      return kOk;
+    }
     if (int rc = ConnectAndWait(); rc != kOk) return rc;
   }
+  if (int rc = SendRequest(method, with_body); rc != kOk && status_code_ == 0) return rc;
+  return EvaluateResponse(WaitForResponse());
+}
+
+int HttpClient::SendRequest(const char* method, bool with_body) {
   response_complete_ = false;
   response_error_ = 0;
   SetEOL("");  // the parser cuts the response itself
@@ -366,8 +380,7 @@ int HttpClient::Request(const char* method, bool with_body) {
     // The server may have answered (and closed) before taking the whole body.
     DropConnection(0);
   }
-  if (rc != kOk && status_code_ == 0) return rc;
-  return EvaluateResponse(WaitForResponse());
+  return rc;
 }
 
 int HttpClient::OnSendProgress(int64_t bytes_done) {
@@ -376,6 +389,7 @@ int HttpClient::OnSendProgress(int64_t bytes_done) {
 }
 
 int HttpClient::WaitForResponse() {
+  if (Timeout() < 0) return kOk;  // asynchronous: the response arrives through the events
   while (!response_complete_ && IsConnected()) {
     if (int rc = WaitCycle(); rc != kOk) {
       DropConnection(0);
@@ -402,6 +416,25 @@ void HttpClient::FailResponse(int code, const char* text) {
   }
   response_complete_ = true;
   DropConnection(0);
+}
+
+void HttpClient::FireConnected(int code, const char* description) {
+  TransferChannel::FireConnected(code, description);
+  const char* method = pending_method_;
+  pending_method_ = nullptr;
+  if (method == nullptr || code != 0) return;
+  // Sending may wait for room in the socket; a negative Timeout sets no
+  // deadline, so these waits get one of their own.
+  const int64_t saved = timeout_ms_;
+  timeout_ms_ = kAsyncSendTimeoutMs;
+  StartDeadline();
+  const int rc = SendRequest(method, pending_with_body_);
+  timeout_ms_ = saved;
+  StartDeadline();
+  if (rc != kOk && status_code_ == 0) {
+    FillDefaultErrorText(rc);
+    FireError(rc, GetLastError());
+  }
 }
 
 void HttpClient::FireDataIn(const char* data, int32_t length, bool /*end_of_line*/) {
@@ -454,7 +487,7 @@ void HttpClient::OnHeadEnd() {
   int64_t expected = parser_.ContentLength();
   if (max_transferred_data_ > 0 && expected > max_transferred_data_) expected = max_transferred_data_;
   if (expected > 0 && expected <= kMaxReserve && local_file_path_.Length() == 0) {
-    transferred_data_.reserve(static_cast<size_t>(expected));
+    transferred_data_.Reserve(static_cast<size_t>(expected));  // growing later still works if this fails
   }
 }
 
@@ -475,7 +508,7 @@ void HttpClient::OnBody(std::string_view data, int64_t received, int percent) {
     if (room <= 0) return;
     if (static_cast<int64_t>(data.size()) > room) data = data.substr(0, static_cast<size_t>(room));
   }
-  transferred_data_.append(data.data(), data.size());
+  if (!transferred_data_.Append(data.data(), data.size())) FireError(kErrOutOfMemory, "Error appending to TransferredData.");
 }
 
 void HttpClient::OnEnd() {

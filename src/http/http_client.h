@@ -7,6 +7,7 @@
 
 #include "base/byte_string.h"
 #include "core/file_handle.h"
+#include "http/body_buffer.h"
 #include "http/cookie_list.h"
 #include "http/http_response_parser.h"
 #include "http/url_parts.h"
@@ -54,7 +55,7 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
 
   const char* ResponseContentType() const { return response_content_type_.Data(); }
   // The body of the last response, at most MaxTransferredData bytes (0 = all).
-  std::string_view TransferredData() const { return transferred_data_; }
+  std::string_view TransferredData() const { return transferred_data_.View(); }
   int StatusCode() const { return status_code_; }
   const std::vector<std::pair<std::string, std::string>>& ResponseHeaders() const { return headers_; }
   // The header lines of the last response byte for byte, each ended by CR LF.
@@ -80,6 +81,7 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   }
   virtual void FireEndTransfer(int direction) { (void)direction; }
 
+  void FireConnected(int code, const char* description) override;
   void FireDataIn(const char* data, int32_t length, bool end_of_line) override;
   void FireDisconnected(int code, const char* description) override;
   int OnSendProgress(int64_t bytes_done) override;
@@ -95,6 +97,8 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   void OnEnd() override;
 
   int Request(const char* method, bool with_body);
+  // Sends head and body on the open connection; 0 or the send's error.
+  int SendRequest(const char* method, bool with_body);
   int Route();
   std::string BuildHead(const char* method, int64_t content_length);
   int WaitForResponse();
@@ -111,7 +115,7 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   CookieList cookies_;
   std::vector<std::pair<std::string, std::string>> headers_;
   std::string raw_headers_;
-  std::string transferred_data_;
+  BodyBuffer transferred_data_;
   std::string recorded_request_;
   std::string status_line_;
   std::string status_version_;
@@ -134,6 +138,9 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   int32_t proxy_port_ = 80;
   int status_code_ = 0;
   int response_error_ = 0;
+  // The request waiting for an asynchronous connect (negative Timeout).
+  const char* pending_method_ = nullptr;
+  bool pending_with_body_ = false;
   uint8_t busy_action_ = 0;
   uint8_t auth_scheme_ = 0;
   uint8_t proxy_auth_scheme_ = 0;

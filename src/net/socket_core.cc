@@ -123,9 +123,7 @@ int32_t SocketCore::Timeout() const {
 }
 
 int SocketCore::SetTimeout(int32_t value) {
-  if (value < 0) value = 0;
-  const int64_t ms = timeout_in_milliseconds_ ? int64_t{value} : int64_t{value} * 1000;
-  timeout_ms_ = static_cast<uint32_t>(ms > int64_t{UINT32_MAX} ? int64_t{UINT32_MAX} : ms);
+  timeout_ms_ = timeout_in_milliseconds_ ? int64_t{value} : int64_t{value} * 1000;
   return kOk;
 }
 
@@ -140,9 +138,13 @@ uint64_t SocketCore::NowMs() {
   return static_cast<uint64_t>(now.tv_sec) * 1000 + static_cast<uint64_t>(now.tv_nsec) / 1000000;
 }
 
-void SocketCore::StartDeadline() { deadline_ms_ = timeout_ms_ == 0 ? 0 : NowMs() + timeout_ms_; }
+void SocketCore::StartDeadline() {
+  deadline_ms_ = timeout_ms_ <= 0 ? 0 : NowMs() + static_cast<uint64_t>(timeout_ms_);
+}
 
-bool SocketCore::DeadlinePassed() const { return deadline_ms_ != 0 && NowMs() >= deadline_ms_; }
+// The tick drops the fraction of the millisecond in which the deadline was
+// started; only a tick past the deadline guarantees the whole time-out passed.
+bool SocketCore::DeadlinePassed() const { return deadline_ms_ != 0 && NowMs() > deadline_ms_; }
 
 int SocketCore::Stop(const char* text) {
   SetErrorText(text);

@@ -41,8 +41,10 @@ class SocketCore : public ComponentCore {
   int ProcessEvents(long timeout_ms) override;
 
   // The component's Timeout property: seconds, or milliseconds while
-  // TimeoutInMilliseconds is on; held in milliseconds. 0 means no time-out;
-  // a negative value counts as 0.
+  // TimeoutInMilliseconds is on; held in milliseconds. 0 means no time-out.
+  // A negative value also sets no deadline, and makes the HTTP layer work
+  // asynchronously: a request returns at once and its exchange goes on as
+  // the host pumps the socket's events.
   int32_t Timeout() const;
   int SetTimeout(int32_t value);
 
@@ -79,7 +81,7 @@ class SocketCore : public ComponentCore {
   Transcript transcript_;
   ByteString transcript_path_;
   uint64_t deadline_ms_ = 0;  // monotonic; 0 = none
-  uint32_t timeout_ms_ = 0;
+  int64_t timeout_ms_ = 0;  // negative: asynchronous, no deadline
   int32_t select_wait_ms_ = 20;
   int64_t in_buffer_size_ = 65536;
   int64_t out_buffer_size_ = 65536;

@@ -79,8 +79,9 @@ class TcpClient : public SocketCore {
   // An address or name to bind to; empty means any.
   const char* LocalHost();
   int SetLocalHost(const char* host);
-  bool AcceptData() const { return accept_data_; }
-  int SetAcceptData(bool on);
+  // Off holds received data back (buffered) until switched on again.
+  virtual bool AcceptData() const { return accept_data_; }
+  virtual int SetAcceptData(bool on);
   // The line end that cuts received data; empty hands data up as it comes.
   virtual int SetEOL(std::string_view marker);
   bool Linger() const { return linger_; }

@@ -3,15 +3,19 @@
 #include <openssl/err.h>
 #include <openssl/pem.h>
 #include <openssl/rand.h>
+#include <openssl/param_build.h>
 #include <openssl/x509v3.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <mutex>
+#include <vector>
 
 #include "core/error_text_table.h"
+#include "net/pem_block.h"
 
 namespace orvelan {
 namespace {
@@ -85,6 +89,137 @@ bool TakeSeedingChance() {
   bool first = false;
   std::call_once(once, [&first] { first = true; });
   return first;
+}
+
+bool ReadWholeFile(const char* path, std::string* text) {
+  BioPtr bio(BIO_new_file(path, "rb"));
+  if (bio == nullptr) return false;
+  char buffer[4096];
+  int n;
+  while ((n = BIO_read(bio.get(), buffer, sizeof buffer)) > 0) text->append(buffer, static_cast<size_t>(n));
+  return true;
+}
+
+// The key of an "SSH2 ENCRYPTED PRIVATE KEY" block: DER (PKCS#1, PKCS#8 or
+// SEC1) once decrypted.
+EvpPkeyPtr ReadSsh2PrivateKey(std::string_view text, std::string_view password) {
+  PemBlock block;
+  if (!block.Read(text, "SSH2 ENCRYPTED PRIVATE KEY") || !block.Decrypt(password)) return nullptr;
+  const auto* der = reinterpret_cast<const unsigned char*>(block.Body().Data());
+  return EvpPkeyPtr(d2i_AutoPrivateKey(nullptr, &der, block.Body().Length()));
+}
+
+// SSH wire format: a 32-bit big-endian length and that many bytes.
+bool TakeSshString(std::string_view& data, std::string_view* out) {
+  if (data.size() < 4) return false;
+  const uint32_t length = (uint32_t{static_cast<uint8_t>(data[0])} << 24) |
+                          (uint32_t{static_cast<uint8_t>(data[1])} << 16) |
+                          (uint32_t{static_cast<uint8_t>(data[2])} << 8) | uint32_t{static_cast<uint8_t>(data[3])};
+  if (data.size() - 4 < length) return false;
+  *out = data.substr(4, length);
+  data.remove_prefix(4 + length);
+  return true;
+}
+
+// An "SSH2 PUBLIC KEY" block: "ssh-rsa" with e and n, or "ssh-dss" with p, q, g and y.
+EvpPkeyPtr ReadSsh2PublicKey(std::string_view text) {
+  PemBlock block;
+  if (!block.Read(text, "SSH2 PUBLIC KEY")) return nullptr;
+  std::string_view data = block.Body().View();
+  std::string_view type;
+  if (!TakeSshString(data, &type)) return nullptr;
+  std::vector<const char*> names;
+  const char* key_type;
+  if (type == "ssh-rsa") {
+    names = {"e", "n"};
+    key_type = "RSA";
+  } else if (type == "ssh-dss") {
+    names = {"p", "q", "g", "pub"};
+    key_type = "DSA";
+  } else {
+    return nullptr;
+  }
+  std::unique_ptr<OSSL_PARAM_BLD, FreeWith<OSSL_PARAM_BLD_free>> build(OSSL_PARAM_BLD_new());
+  std::vector<std::unique_ptr<BIGNUM, FreeWith<BN_free>>> numbers;
+  if (build == nullptr) return nullptr;
+  for (const char* name : names) {
+    std::string_view mpint;
+    if (!TakeSshString(data, &mpint)) return nullptr;
+    numbers.emplace_back(BN_bin2bn(reinterpret_cast<const unsigned char*>(mpint.data()),
+                                   static_cast<int>(mpint.size()), nullptr));
+    if (numbers.back() == nullptr || OSSL_PARAM_BLD_push_BN(build.get(), name, numbers.back().get()) != 1) {
+      return nullptr;
+    }
+  }
+  std::unique_ptr<OSSL_PARAM, FreeWith<OSSL_PARAM_free>> params(OSSL_PARAM_BLD_to_param(build.get()));
+  std::unique_ptr<EVP_PKEY_CTX, FreeWith<EVP_PKEY_CTX_free>> ctx(EVP_PKEY_CTX_new_from_name(nullptr, key_type, nullptr));
+  EVP_PKEY* key = nullptr;
+  if (params == nullptr || ctx == nullptr || EVP_PKEY_fromdata_init(ctx.get()) != 1 ||
+      EVP_PKEY_fromdata(ctx.get(), &key, EVP_PKEY_PUBLIC_KEY, params.get()) != 1) {
+    return nullptr;
+  }
+  return EvpPkeyPtr(key);
+}
+
+// The first public key in `text`: PEM "PUBLIC KEY", "RSA PUBLIC KEY" or
+// "DSA PUBLIC KEY", or an SSH2 block.
+EvpPkeyPtr ReadPublicKey(std::string_view text) {
+  if (text.find("SSH2 PUBLIC KEY") != std::string_view::npos) return ReadSsh2PublicKey(text);
+  BioPtr bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
+  if (bio == nullptr) return nullptr;
+  for (;;) {
+    char* name = nullptr;
+    char* header = nullptr;
+    unsigned char* der = nullptr;
+    long length = 0;
+    if (PEM_read_bio(bio.get(), &name, &header, &der, &length) != 1) return nullptr;
+    const std::string kind(name);
+    const unsigned char* p = der;
+    EVP_PKEY* key = nullptr;
+    if (kind == "PUBLIC KEY") {
+      key = d2i_PUBKEY(nullptr, &p, length);
+    } else if (kind == "RSA PUBLIC KEY") {
+      key = d2i_PublicKey(EVP_PKEY_RSA, nullptr, &p, length);
+    } else if (kind == "DSA PUBLIC KEY") {
+      key = d2i_PublicKey(EVP_PKEY_DSA, nullptr, &p, length);
+    }
+    OPENSSL_free(name);
+    OPENSSL_free(header);
+    OPENSSL_free(der);
+    if (key != nullptr) return EvpPkeyPtr(key);
+    if (kind == "PUBLIC KEY" || kind == "RSA PUBLIC KEY" || kind == "DSA PUBLIC KEY") return nullptr;
+  }
+}
+
+// The certificates of the system's default CA file (SSL_CERT_FILE, else
+// OpenSSL's default), read once per process. Letting every context parse the
+// bundle again cost about 25 ms per connection, more than decrypting 50 MB.
+// Kept until exit, reachable through this pointer.
+STACK_OF(X509)* DefaultFileCertificates() {
+  static STACK_OF(X509)* const certs = [] {
+    STACK_OF(X509)* out = nullptr;
+    const char* file = std::getenv(X509_get_default_cert_file_env());
+    if (file == nullptr) file = X509_get_default_cert_file();
+    std::unique_ptr<X509_STORE, FreeWith<X509_STORE_free>> store(X509_STORE_new());
+    if (store != nullptr && X509_STORE_load_file(store.get(), file) == 1) out = X509_STORE_get1_all_certs(store.get());
+    ERR_clear_error();  // no default file is no error, as with OpenSSL's own default paths
+    return out != nullptr ? out : sk_X509_new_null();
+  }();
+  return certs;
+}
+
+// What SSL_CTX_set_default_verify_paths does, with the default file's
+// certificates shared: the default directory (SSL_CERT_DIR, else OpenSSL's
+// default) is looked up on demand, the file's certificates are in the store.
+bool UseDefaultVerifyPaths(SSL_CTX* ctx) {
+  X509_STORE* store = SSL_CTX_get_cert_store(ctx);
+  X509_LOOKUP* dir = X509_STORE_add_lookup(store, X509_LOOKUP_hash_dir());
+  if (dir == nullptr || X509_LOOKUP_add_dir(dir, nullptr, X509_FILETYPE_DEFAULT) != 1) return false;
+  STACK_OF(X509)* certs = DefaultFileCertificates();
+  if (certs == nullptr) return false;
+  for (int i = 0; i < sk_X509_num(certs); ++i) X509_STORE_add_cert(store, sk_X509_value(certs, i));
+  ERR_clear_error();  // a certificate the store holds already is no failure
+  return true;
 }
 
 }  // namespace
@@ -193,7 +328,7 @@ int TlsChannel::EnsureContext() {
   SslCtxPtr ctx(SSL_CTX_new(TLS_client_method()));
   if (ctx == nullptr) return ReportTlsProblem(true, "Cannot enable SSL", kErrTlsSetup);
   SSL_CTX_set_min_proto_version(ctx.get(), TLS1_2_VERSION);
-  if (SSL_CTX_set_default_verify_paths(ctx.get()) != 1) {
+  if (!UseDefaultVerifyPaths(ctx.get())) {
     ReportTlsProblem(false, "SSL unable to set default verify paths.", kErrTlsSetup);
   }
   if (ca_file_.Length() > 0 && SSL_CTX_load_verify_locations(ctx.get(), ca_file_.Data(), nullptr) != 1) {
@@ -309,6 +444,7 @@ void TlsChannel::OnConnected(int code) {
   }
   handshake_pending_ = true;
   tls_lines_.Clear();
+  overflow_.clear();
   FireSSLStatus("Starting to establish secure channel.");
   ContinueHandshake();
 }
@@ -375,6 +511,8 @@ void TlsChannel::AbortTls(int code, const char* text) {
   const bool was_handshaking = handshake_pending_ || code == kErrCertRejected;
   handshake_pending_ = false;
   session_.Close();
+  tls_accept_data_ = true;
+  overflow_.clear();
   FireSSLStatus("SSL connection closed.");
   if (was_handshaking) FireConnected(code, description.c_str());
   SetErrorText(description.c_str());
@@ -420,25 +558,36 @@ void TlsChannel::ReadPlaintext() {
 }
 
 void TlsChannel::DeliverPlaintext(std::string_view plaintext) {
+  if (tls_accept_data_ && tls_lines_.Marker().empty() && tls_lines_.Unread() == 0 && overflow_.empty()) {
+    FireDataIn(plaintext.data(), static_cast<int32_t>(plaintext.size()), false);  // bulk data: no copy
+    return;
+  }
+  overflow_.append(plaintext.data(), plaintext.size());
+  HandOut();
+}
+
+void TlsChannel::HandOut() {
   // Below this much room a partial line goes up as a piece, so a line longer
   // than the buffer still moves.
   constexpr uint32_t kMinLineRoom = 256;
-  if (tls_lines_.Marker().empty()) {
-    FireDataIn(plaintext.data(), static_cast<int32_t>(plaintext.size()), false);
-    return;
-  }
-  // A hook may disconnect; what is left of the block then goes nowhere.
-  while (!plaintext.empty() && session_.IsOpen()) {
-    const LineBuffer::Room room = tls_lines_.FreeRoom();
-    const size_t n = std::min<size_t>(room.size, plaintext.size());
-    std::memcpy(room.data, plaintext.data(), n);
-    tls_lines_.Commit(static_cast<uint32_t>(n));
-    plaintext.remove_prefix(n);
+  // A hook may disconnect or switch accept data off; what is left then waits.
+  const auto may_deliver = [this] { return session_.IsOpen() && tls_accept_data_; };
+  while (may_deliver()) {
+    if (!overflow_.empty()) {
+      const LineBuffer::Room room = tls_lines_.FreeRoom();
+      const size_t n = std::min<size_t>(room.size, overflow_.size());
+      std::memcpy(room.data, overflow_.data(), n);
+      tls_lines_.Commit(static_cast<uint32_t>(n));
+      overflow_.erase(0, n);
+    }
+    const bool cutting = !tls_lines_.Marker().empty();
     std::string_view line;
-    while (session_.IsOpen() && tls_lines_.NextLine(&line)) {
+    while (cutting && may_deliver() && tls_lines_.NextLine(&line)) {
       FireDataIn(line.data(), static_cast<int32_t>(line.size()), true);
     }
-    if (session_.IsOpen() && tls_lines_.Capacity() - tls_lines_.Unread() < kMinLineRoom) DeliverRest();
+    if (!may_deliver()) return;
+    if (!cutting || tls_lines_.Capacity() - tls_lines_.Unread() < kMinLineRoom) DeliverRest();
+    if (overflow_.empty()) return;
   }
 }
 
@@ -446,6 +595,14 @@ void TlsChannel::DeliverRest() {
   if (tls_lines_.Unread() == 0) return;
   const std::string_view rest = tls_lines_.TakeAll();
   FireDataIn(rest.data(), static_cast<int32_t>(rest.size()), false);
+}
+
+int TlsChannel::SetAcceptData(bool on) {
+  if (!tls_enabled_) return TcpClient::SetAcceptData(on);
+  tls_accept_data_ = on;
+  if (on) TcpClient::SetAcceptData(true);
+  HandOut();
+  return kOk;
 }
 
 void TlsChannel::OnReadyToSend() {
@@ -458,8 +615,11 @@ void TlsChannel::OnReadyToSend() {
 
 void TlsChannel::OnDisconnected(int code) {
   OnConnectionStatus("Remote host disconnected.", code);
-  if (session_.IsOpen()) {
+  if (session_.IsOpen() && tls_accept_data_) {
+    HandOut();
     DeliverRest();  // a last line without its line end is still data
+  }
+  if (session_.IsOpen()) {
     // Best effort close_notify: the socket is about to close.
     session_.Shutdown();
     const std::string& out = session_.Outgoing();
@@ -471,6 +631,8 @@ void TlsChannel::OnDisconnected(int code) {
     FireSSLStatus("SSL connection closed.");
   }
   handshake_pending_ = false;
+  tls_accept_data_ = true;  // as the TCP layer's flag after a disconnect
+  overflow_.clear();
   FireDisconnected(code, CodeText(code));
 }
 
@@ -561,16 +723,20 @@ int TlsChannel::LoadClientCertificate() {
     }
     case 6:
     case 7: {
-      BioPtr bio(cert_store_type_ == 6 ? BIO_new_file(cert_store_.Data(), "r")
-                                       : BIO_new_mem_buf(cert_store_.Data(), cert_store_.Length()));
-      if (bio == nullptr) return ReportError(kErrTlsSetup, "Cannot open store file.");
       std::string text;
-      char buffer[4096];
-      int n;
-      while ((n = BIO_read(bio.get(), buffer, sizeof buffer)) > 0) text.append(buffer, static_cast<size_t>(n));
-      BioPtr key_bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
-      client_key_.reset(PEM_read_bio_PrivateKey(key_bio.get(), nullptr, PasswordCallback, password));
-      if (client_key_ == nullptr) return ReportError(kErrTlsSetup, "Unable to read the private key from the store.");
+      if (cert_store_type_ == 7) {
+        text.assign(cert_store_.View());
+      } else if (!ReadWholeFile(cert_store_.Data(), &text)) {
+        return ReportError(kErrTlsSetup, "Cannot open store file.");
+      }
+      if (text.find("SSH2") != std::string::npos) {
+        client_key_ = ReadSsh2PrivateKey(text, cert_store_password_.View());
+        if (client_key_ == nullptr) return ReportError(kErrTlsSetup, "Cannot decode SSH2 private encrypted key.");
+      } else {
+        BioPtr key_bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
+        client_key_.reset(PEM_read_bio_PrivateKey(key_bio.get(), nullptr, PasswordCallback, password));
+        if (client_key_ == nullptr) return ReportError(kErrTlsSetup, "Unable to read the private key from the store.");
+      }
       if (text.find("CERTIFICATE") != std::string::npos) {
         BioPtr cert_bio(BIO_new_mem_buf(text.data(), static_cast<int>(text.size())));
         client_cert_.reset(PEM_read_bio_X509(cert_bio.get(), nullptr, PasswordCallback, password));
@@ -578,9 +744,29 @@ int TlsChannel::LoadClientCertificate() {
           client_key_.reset();
           return ReportError(kErrTlsSetup, "Unable to read the certificate from the store.");
         }
-      } else if (int rc = MakePlaceholderCertificate(); rc != kOk) {
+      } else if (int rc = MakePlaceholderCertificate(client_key_.get(), true); rc != kOk) {
         return rc;
       }
+      break;
+    }
+    case 8:
+    case 9:
+    case 10: {
+      // Type 10 tells a file name from key text by its length.
+      constexpr int32_t kShortestKeyText = 512;
+      const bool is_file =
+          cert_store_type_ == 8 || (cert_store_type_ == 10 && cert_store_.Length() < kShortestKeyText);
+      std::string text;
+      if (!is_file) {
+        text.assign(cert_store_.View());
+      } else if (!ReadWholeFile(cert_store_.Data(), &text)) {
+        return ReportError(kErrTlsSetup, "The public key file could not be opened.");
+      }
+      EvpPkeyPtr key = ReadPublicKey(text);
+      if (key == nullptr) return ReportError(kErrTlsSetup, "Unable to read the public key from the store.");
+      // Only a public key: the certificate can be shown and selected, but
+      // without a private key it is never offered to a server.
+      if (int rc = MakePlaceholderCertificate(key.get(), false); rc != kOk) return rc;
       break;
     }
     case 3:
@@ -603,12 +789,12 @@ int TlsChannel::UseLoadedCertificate() {
   return kOk;
 }
 
-int TlsChannel::MakePlaceholderCertificate() {
+int TlsChannel::MakePlaceholderCertificate(EVP_PKEY* key, bool can_sign) {
   X509Ptr cert(X509_new());
   if (cert == nullptr) return ReportError(287, "Unable to create empty certificate.");
   X509_set_version(cert.get(), 2);
   ASN1_INTEGER_set(X509_get_serialNumber(cert.get()), 0);
-  X509_set_pubkey(cert.get(), client_key_.get());
+  X509_set_pubkey(cert.get(), key);
   X509_NAME* name = X509_NAME_new();
   if (name == nullptr) return ReportError(287, "Unable to create empty X509_NAME.");
   if (X509_NAME_add_entry_by_NID(name, NID_commonName, MBSTRING_ASC,
@@ -626,10 +812,12 @@ int TlsChannel::MakePlaceholderCertificate() {
     return ReportError(287, "Could not set notAfter.");
   }
   // An unsigned certificate cannot be encoded at all, so the key signs its own
-  // placeholder; nothing checks that signature.
-  if (X509_sign(cert.get(), client_key_.get(), EVP_sha256()) <= 0) {
-    return ReportTlsProblem(false, "Unable to create empty certificate.", 287);
-  }
+  // placeholder, or for a bare public key a throwaway key does; nothing checks
+  // that signature.
+  EvpPkeyPtr throwaway(can_sign ? nullptr : EVP_PKEY_Q_keygen(nullptr, nullptr, "ED25519"));
+  const int signed_ok = can_sign ? X509_sign(cert.get(), key, EVP_sha256())
+                                 : throwaway != nullptr ? X509_sign(cert.get(), throwaway.get(), nullptr) : 0;
+  if (signed_ok <= 0) return ReportTlsProblem(false, "Unable to create empty certificate.", 287);
   client_cert_ = std::move(cert);
   return kOk;
 }

@@ -52,6 +52,11 @@ class TlsChannel : public TcpClient {
   // GracefullyShutDownSSL says.
   int Disconnect(long event_word = 0) override;
   bool TlsEnabled() const { return tls_enabled_; }
+  // While TLS is on the flag holds plaintext back; the TCP layer keeps
+  // reading, since the handshake and the records still need its bytes.
+  // Switching on hands out what waited (lines first, as data arrives).
+  bool AcceptData() const override { return tls_enabled_ ? tls_accept_data_ : TcpClient::AcceptData(); }
+  int SetAcceptData(bool on) override;
 
   // A server certificate trusted without further checks: the base64 body of
   // its PEM form (armour lines and line breaks are ignored).
@@ -66,7 +71,9 @@ class TlsChannel : public TcpClient {
   int SetSSLCertStore(const char* data, int32_t length);
   const char* SSLCertStorePassword() const { return cert_store_password_.Data(); }
   int SetSSLCertStorePassword(const char* password) { return cert_store_password_.Assign(password); }
-  // 2 PKCS#12 file, 6 PEM file, 7 PEM text; 3, 11 and 12 answer 306.
+  // 2 PKCS#12 file, 6 PEM file, 7 PEM text (an SSH2 encrypted private key
+  // too), 8 public-key file, 9 public-key text, 10 either (by length); 3, 11
+  // and 12 answer 306.
   int32_t SSLCertStoreType() const { return cert_store_type_; }
   int SetSSLCertStoreType(int32_t type);
   // Selecting a subject loads the store: "*" or the start of the loaded
@@ -114,19 +121,27 @@ class TlsChannel : public TcpClient {
   void ContinueHandshake();
   bool CheckServerCertificate();
   void ReadPlaintext();
-  // Cuts plaintext into lines when a line end is set, else hands it up as it comes.
+  // Cuts plaintext into lines when a line end is set, else hands it up as it
+  // comes; while accept data is off it waits.
   void DeliverPlaintext(std::string_view plaintext);
+  // Hands up what waits in the line buffer and the overflow, while accept
+  // data stays on: complete lines, then a partial one when no line end is set
+  // or the buffer is nearly full.
+  void HandOut();
   // Hands up what is left of the last line, as a piece without line end.
   void DeliverRest();
   int FlushOutgoing();
   void AbortTls(int code, const char* text);
   int LoadClientCertificate();
-  int MakePlaceholderCertificate();
+  // The placeholder certificate for `key`, signed by the key itself when it
+  // is a private key.
+  int MakePlaceholderCertificate(EVP_PKEY* key, bool can_sign);
   int UseLoadedCertificate();
 
   SslCtxPtr ctx_;
   TlsSession session_;
   LineBuffer tls_lines_{2048};
+  std::string overflow_;  // plaintext that did not fit into tls_lines_
   X509Ptr client_cert_;
   EvpPkeyPtr client_key_;
   ByteString code_text_;
@@ -146,6 +161,7 @@ class TlsChannel : public TcpClient {
   int32_t cert_store_type_ = 0;
   int32_t tls_accepted_ = 0;
   bool tls_enabled_ = false;
+  bool tls_accept_data_ = true;
   bool handshake_pending_ = false;
   bool verify_ok_ = true;
   bool client_cert_selected_ = false;

@@ -4,7 +4,9 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <algorithm>
 #include <fstream>
+#include <functional>
 #include <mutex>
 #include <sstream>
 #include <string>
@@ -68,8 +70,8 @@ class Client : public HttpClient {
 // written in the given pieces with a pause between them.
 struct Canned {
   std::vector<std::vector<std::string>> replies;
-  std::vector<std::string> requests;
-  std::mutex mutex;
+  std::vector<std::string> requests{};
+  std::mutex mutex{};
   bool close_after = true;
 
   std::function<void(int)> Script() {
@@ -130,6 +132,8 @@ struct ReplyCase {
   std::string body;
 };
 
+// Split CR LF, close-delimited bodies, stalls, closes mid-body and bad gzip
+// headers come from the separate fault server (fault_server_test.cc).
 TEST(HttpClientTest, ResponseFormsAndFailures) {
   const std::string gzip_body = Compress("compressed OFX body", true);
   const ReplyCase cases[] = {
@@ -139,19 +143,11 @@ TEST(HttpClientTest, ResponseFormsAndFailures) {
        "HTTP protocol error. 500 Broken.", ""},
       {"3xx is not followed", {"HTTP/1.1 302 Found\r\nLocation: /x\r\nContent-Length: 0\r\n\r\n"}, 151,
        "HTTP protocol error. 302 Found.", ""},
-      {"close-delimited", {"HTTP/1.0 200 OK\r\n\r\nbody until", " the close"}, 0, "", "body until the close"},
-      {"chunked, CR LF split across writes",
-       {"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r", "\nhello\r", "\n6\r\n world\r\n0\r", "\n\r\n"},
-       0, "", "hello world"},
       {"interim 100", {"HTTP/1.1 100 Continue\r\n\r\n", "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok"}, 0, "",
        "ok"},
       {"gzip", {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" + gzip_body}, 0, "", "compressed OFX body"},
-      {"bad gzip header",
-       {"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" + std::string("\x1f\x8b\x09\0\0\0\0\0\0\x03xx", 12)},
-       102, "The GZIP header is invalid.", ""},
       {"broken deflate stream", {"HTTP/1.1 200 OK\r\nContent-Encoding: deflate\r\n\r\n\xff\xff\xff\xff"}, 151,
        "Could not decompress content.", ""},
-      {"closed mid-body", {"HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\npartial"}, 0, "", "partial"},
       {"closed without a response", {""}, 0, "", ""},
   };
   for (const ReplyCase& rc : cases) {
@@ -380,6 +376,42 @@ TEST(HttpClientTest, ResetForgetsTheRequest) {
   EXPECT_EQ(c.DoAction(HttpClient::kPost), 152);
 }
 
+// With a negative Timeout a request returns at once; the exchange runs while
+// the host pumps the events, the request leaving from the connected hook.
+TEST(HttpClientTest, NegativeTimeoutExchangesAsTheHostPumpsEvents) {
+  const auto pump = [](Client& c, const std::function<bool()>& done) {
+    for (int i = 0; i < 2000 && !done(); ++i) {
+      c.ProcessEvents(0);
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  };
+  Canned canned{{{"HTTP/1.1 200 OK\r\nContent-Length: 4\r\n\r\n", "done"}}};
+  LoopbackServer server(canned.Script());
+  Client c;
+  c.SetTimeout(-1);
+  c.SetPostData("ping", 4);
+  ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << c.GetLastError();
+  EXPECT_EQ(c.hooks, "");  // nothing sent or received yet
+  EXPECT_NE(c.SocketHandle(), -1);
+  pump(c, [&] { return c.hooks.find(">1") != std::string::npos; });
+  EXPECT_EQ(c.hooks, "<0>0S200H<1>1");
+  EXPECT_EQ(c.Body(), "done");
+  const std::string request = canned.Request(0);
+  EXPECT_EQ(request.substr(0, 20), "POST /ofx HTTP/1.1\r\n");
+  EXPECT_EQ(request.substr(request.size() - std::min<size_t>(request.size(), 25)), "Content-Length: 4\r\n\r\nping");
+  EXPECT_EQ(c.Timeout(), -1);  // the sending's own time-out is gone again
+  EXPECT_EQ(c.SocketHandle(), -1);
+
+  // A refused connect reaches the host as events; no request is left behind.
+  Client refused;
+  refused.SetTimeout(-1);
+  const std::string url = "http://127.0.0.1:" + std::to_string(UnusedPort()) + "/ofx";
+  ASSERT_EQ(refused.PostToURL(url.c_str()), 0);
+  pump(refused, [&] { return refused.SocketHandle() == -1; });
+  EXPECT_TRUE(refused.events.Saw("Status(Remote host connection failed.,111)"));
+  EXPECT_EQ(refused.hooks, "");
+}
+
 int OpenDescriptors() {
   int count = 0;
   if (DIR* dir = opendir("/proc/self/fd")) {
@@ -394,16 +426,16 @@ TEST(HttpClientTest, ThousandExchangesLeaveNoDescriptorBehind) {
   LoopbackServer server(canned.Script());
   Client c;
   ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0);  // the first exchange may open lasting descriptors
+  // The server thread closes its end a moment after answering; count only
+  // once it has, or its descriptor passes for one of ours.
+  ASSERT_TRUE(server.WaitUntilIdle());
   const int before = OpenDescriptors();
   for (int i = 0; i < 1000; ++i) {
     c.SetPostData("ping", 4);
     ASSERT_EQ(c.PostToURL(Url(server).c_str()), 0) << i << ": " << c.GetLastError();
     ASSERT_EQ(c.Body(), "done");
   }
-  // The server thread closes its end a moment after answering.
-  for (int i = 0; i < 400 && OpenDescriptors() != before; ++i) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(5));
-  }
+  ASSERT_TRUE(server.WaitUntilIdle());
   EXPECT_EQ(OpenDescriptors(), before);
 }
 

@@ -1,8 +1,10 @@
 // Exchanges with a real server: nginx on loopback, plain and TLS.
 #include <dirent.h>
 
+#include <chrono>
 #include <cstdio>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -196,6 +198,25 @@ TEST(NginxExchangeTest, LargeBodyOverTls) {
   c.SetPostData("x", 1);
   ASSERT_EQ(c.PostToURL(HttpsUrl(nginx->https_port, "/files/1m.bin").c_str()), 0) << c.GetLastError();
   EXPECT_EQ(c.Body().size(), 1048576u);
+}
+
+// A negative Timeout over TLS: the request returns at once, the handshake,
+// the request and the body follow as the host pumps the events.
+TEST(NginxExchangeTest, AsynchronousExchangeOverTls) {
+  ORVELAN_REQUIRE_NGINX(nginx);
+  Client c(true);
+  c.SetTimeout(-1);
+  c.SetPostData("x", 1);
+  ASSERT_EQ(c.PostToURL(HttpsUrl(nginx->https_port, "/files/1m.bin").c_str()), 0) << c.GetLastError();
+  EXPECT_EQ(c.Body(), "");
+  for (int i = 0; i < 5000 && c.SocketHandle() != -1; ++i) {
+    c.ProcessEvents(0);
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  EXPECT_EQ(c.SocketHandle(), -1);
+  EXPECT_EQ(c.StatusCode(), 200);
+  EXPECT_EQ(c.Body().size(), 1048576u);
+  EXPECT_TRUE(c.events.Saw("SSLStatus(SSL connection established.)"));
 }
 
 TEST(NginxExchangeTest, ClientCertificateIsPresented) {

@@ -1,9 +1,12 @@
 #include "net/tls_channel.h"
 
+#include <openssl/pem.h>
 #include <openssl/ssl.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <chrono>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <thread>
@@ -82,6 +85,126 @@ TEST(TlsChannelTest, ClientCertificateStores) {
   }
 }
 
+// Key files derived from the test client key, made once with openssl.
+bool MakeKeyFiles(const TestPki& pki) {
+  static const bool made = RunQuietly(
+      "cd '" + pki.dir() + "' && "
+      "openssl rsa -in client.key -traditional -des3 -passout pass:secret -out client_3des.key && "
+      "openssl rsa -in client.key -traditional -out client_plain.key && "
+      "openssl rsa -in client.key -pubout -out client_pub.pem && "
+      "openssl rsa -in client.key -RSAPublicKey_out -out client_rsapub.pem");
+  return made;
+}
+
+std::string Replace(std::string text, const std::string& from, const std::string& to) {
+  for (size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+    text.replace(at, from.size(), to);
+  }
+  return text;
+}
+
+// A traditional PEM key re-armoured as an SSH2 private key block.
+std::string AsSsh2(const std::string& pem) {
+  return Replace(Replace(pem, "BEGIN RSA PRIVATE KEY", "BEGIN SSH2 ENCRYPTED PRIVATE KEY"), "END RSA PRIVATE KEY",
+                 "END SSH2 ENCRYPTED PRIVATE KEY");
+}
+
+// The RFC 4716 form of an RSA public key: "ssh-rsa", e and n in SSH wire format.
+std::string Ssh2PublicKey(EVP_PKEY* key) {
+  std::string wire;
+  const auto put = [&wire](const std::string& bytes) {
+    for (int shift = 24; shift >= 0; shift -= 8) wire += static_cast<char>((bytes.size() >> shift) & 0xFF);
+    wire += bytes;
+  };
+  put("ssh-rsa");
+  for (const char* name : {"e", "n"}) {
+    BIGNUM* number = nullptr;
+    EVP_PKEY_get_bn_param(key, name, &number);
+    std::string bytes(static_cast<size_t>(BN_num_bytes(number)) + 1, '\0');  // a leading 0: mpints are signed
+    BN_bn2bin(number, reinterpret_cast<unsigned char*>(&bytes[1]));
+    BN_free(number);
+    put(bytes);
+  }
+  ByteString base64;
+  base64.AppendBase64(wire.data(), static_cast<int32_t>(wire.size()), false);
+  std::string text = "---- BEGIN SSH2 PUBLIC KEY ----\nComment: \"orvelan test \\\nkey\"\n";
+  for (size_t at = 0; at < static_cast<size_t>(base64.Length()); at += 70) {
+    text += std::string(base64.View().substr(at, 70)) + "\n";
+  }
+  return text + "---- END SSH2 PUBLIC KEY ----\n";
+}
+
+// SSH2 private keys and public keys of every form end in a placeholder
+// certificate that carries the key; the failures say which step failed.
+TEST(TlsChannelTest, Ssh2AndPublicKeyStores) {
+  REQUIRE_PKI(pki);
+  ASSERT_TRUE(MakeKeyFiles(pki));
+  BioPtr key_bio(BIO_new_file(pki.Path("client.key").c_str(), "r"));
+  EvpPkeyPtr client_key(PEM_read_bio_PrivateKey(key_bio.get(), nullptr, nullptr, nullptr));
+  ASSERT_NE(client_key, nullptr);
+
+  const std::string ssh2 = AsSsh2(pki.Read("client_3des.key"));
+  const size_t iv_at = ssh2.find("DES-EDE3-CBC,") + 13;
+  // The IV continued on a second line, a comment header before it, the other cipher name.
+  const std::string ssh2_continued = Replace(
+      ssh2.substr(0, iv_at + 6) + "\\\n" + ssh2.substr(iv_at + 6), "Proc-Type:", "Comment: made by a test\nProc-Type:");
+  const std::string ssh2_file = pki.Path("client_ssh2.key");
+  {
+    std::ofstream(ssh2_file) << ssh2;
+  }
+  const std::string public_pem = pki.Read("client_pub.pem");
+  const std::string long_public_pem = std::string(120, '#') + "\n" + public_pem;  // 512 bytes and more: key text
+  ASSERT_LT(public_pem.size(), 512u);
+  ASSERT_GE(long_public_pem.size(), 512u);
+  const char* const kCannotDecode = "Cannot decode SSH2 private encrypted key.";
+  const char* const kNoPublicKey = "Unable to read the public key from the store.";
+  const char* const kNoPublicFile = "The public key file could not be opened.";
+  const struct {
+    const char* name;
+    int type;
+    std::string store;
+    const char* password;
+    int rc;
+    const char* error;
+  } cases[] = {
+      {"SSH2 encrypted key", 7, ssh2, "secret", 0, ""},
+      {"SSH2, continued header, 3des-cbc", 7, Replace(ssh2_continued, "DES-EDE3-CBC", "3des-cbc"), "secret", 0, ""},
+      {"SSH2, not encrypted", 7, AsSsh2(pki.Read("client_plain.key")), "", 0, ""},
+      {"SSH2 key file", 6, ssh2_file, "secret", 0, ""},
+      {"SSH2, wrong password", 7, ssh2, "wrong", 282, kCannotDecode},
+      {"SSH2, other cipher", 7, Replace(ssh2, "DES-EDE3-CBC", "AES-128-CBC"), "secret", 282, kCannotDecode},
+      {"SSH2, no block", 7, "SSH2 but nothing else", "secret", 282, kCannotDecode},
+      {"PUBLIC KEY text", 9, public_pem, "", 0, ""},
+      {"RSA PUBLIC KEY text", 9, pki.Read("client_rsapub.pem"), "", 0, ""},
+      {"SSH2 PUBLIC KEY text", 9, Ssh2PublicKey(client_key.get()), "", 0, ""},
+      {"certificate is no public key", 9, pki.Read("client.pem"), "", 282, kNoPublicKey},
+      {"SSH2 public key of another type", 9, Replace(Ssh2PublicKey(client_key.get()), "AAAAB3NzaC1yc2", "AAAAB3NzaC1kc3"),
+       "", 282, kNoPublicKey},
+      {"public key file", 8, pki.Path("client_rsapub.pem"), "", 0, ""},
+      {"public key file missing", 8, pki.Path("missing.pem"), "", 282, kNoPublicFile},
+      {"public key file of no key", 8, pki.Path("ca.pem"), "", 282, kNoPublicKey},
+      {"either: short is a file name", 10, pki.Path("client_pub.pem"), "", 0, ""},
+      {"either: long is key text", 10, long_public_pem, "", 0, ""},
+      {"either: short key text is a file name", 10, public_pem, "", 282, kNoPublicFile},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Channel channel;
+    ASSERT_EQ(channel.Store(c.type, c.store, c.password), c.rc) << channel.GetLastError();
+    if (c.rc != 0) {
+      EXPECT_STREQ(channel.GetLastError(), c.error);
+      continue;
+    }
+    EXPECT_EQ(channel.SetSSLCertSubject("/CN=CN=pem_cert"), 0);
+    ByteString der(channel.Encoded().c_str());
+    ASSERT_EQ(der.DecodeBase64(), 0);
+    const auto* p = reinterpret_cast<const unsigned char*>(der.Data());
+    X509Ptr cert(d2i_X509(nullptr, &p, der.Length()));
+    ASSERT_NE(cert, nullptr);
+    EXPECT_EQ(EVP_PKEY_eq(X509_get0_pubkey(cert.get()), client_key.get()), 1);
+  }
+}
+
 TEST(TlsChannelTest, SubjectSelectsOrRefuses) {
   REQUIRE_PKI(pki);
   Channel channel;
@@ -143,10 +266,10 @@ class TlsLoopback {
 // A client over TLS whose upper hooks record what arrives.
 class TlsProbe : public TransferChannel {
  public:
-  explicit TlsProbe(const TestPki& pki) {
+  explicit TlsProbe(const TestPki& pki, bool trust_test_ca = true) {
     InitDefaults();
     const char* out = nullptr;
-    Config(("OpenSSLCAFile=" + pki.Path("ca.pem")).c_str(), out);
+    if (trust_test_ca) Config(("OpenSSLCAFile=" + pki.Path("ca.pem")).c_str(), out);
   }
   int Open(int port) {
     if (int rc = SetRemoteHost("127.0.0.1"); rc != 0) return rc;
@@ -167,7 +290,11 @@ class TlsProbe : public TransferChannel {
   void FireDataIn(const char* data, int32_t length, bool end_of_line) override {
     received.append(data, static_cast<size_t>(length));
     if (end_of_line) received += '|';
+    if (on_data) on_data();
   }
+
+ public:
+  std::function<void()> on_data;
 };
 
 // Blocks until `flag` is set, for at most five seconds.
@@ -259,6 +386,109 @@ TEST(TlsChannelTest, LineEndCutsThePlaintext) {
     ASSERT_EQ(probe.WaitUntil([&] { return !probe.IsConnected(); }), 0);
     EXPECT_EQ(probe.received, c.received);
   }
+}
+
+// With accept data off the plaintext waits (beyond the line buffer too) while
+// the TLS records keep being read; switching on hands it out at once, cut as
+// it would have been.
+TEST(TlsChannelTest, AcceptDataHoldsThePlaintextBack) {
+  REQUIRE_PKI(pki);
+  const std::string long_line(5000, 'y');
+  const struct {
+    const char* name;
+    const char* eol;
+    std::string first;   // written while accept data is off
+    bool off_in_hook;    // accept data is switched off by the first delivery instead
+    std::string on;      // received once switched on
+    std::string second;  // written after that
+    std::string last;    // received in the end
+  } cases[] = {
+      {"lines and a partial line", "\r\n", "one\r\ntwo\r\nthr", false, "one|two|", "ee\r\n", "one|two|three|"},
+      {"no line end", "", "one\r\ntwo", false, "one\r\ntwo", "!", "one\r\ntwo!"},
+      {"more than the line buffer", "\r\n", long_line + "\r\nz", false, long_line + "|", "\r\n",
+       long_line + "|z|"},
+      {"off from a hook", "\r\n", "one\r\ntwo\r\n", true, "one|two|", "x\r\n", "one|two|x|"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    std::atomic<bool> written{false};
+    std::atomic<bool> go{false};
+    TlsLoopback server(pki, [&](SSL* ssl) {
+      SSL_write(ssl, c.first.data(), static_cast<int>(c.first.size()));
+      written = true;
+      AwaitFlag(go);
+      SSL_write(ssl, c.second.data(), static_cast<int>(c.second.size()));
+      SSL_shutdown(ssl);
+    });
+    TlsProbe probe(pki);
+    probe.SetEOL(c.eol);
+    ASSERT_EQ(probe.Open(server.port()), 0) << probe.GetLastError();
+    if (c.off_in_hook) {
+      probe.on_data = [&] { probe.SetAcceptData(false); };
+    } else {
+      probe.SetAcceptData(false);
+    }
+    EXPECT_TRUE(probe.IsConnected());
+    AwaitFlag(written);
+    int cycles = 0;
+    ASSERT_EQ(probe.WaitUntil([&] { return ++cycles > 10; }), 0);  // the records arrive meanwhile
+    EXPECT_FALSE(probe.AcceptData());
+    EXPECT_EQ(probe.received, c.off_in_hook ? "one|" : "");
+    probe.on_data = nullptr;
+    ASSERT_EQ(probe.SetAcceptData(true), 0);
+    EXPECT_EQ(probe.received, c.on);
+    go = true;
+    ASSERT_EQ(probe.WaitUntil([&] { return !probe.IsConnected(); }), 0);
+    EXPECT_EQ(probe.received, c.last);
+    EXPECT_TRUE(probe.AcceptData());
+  }
+}
+
+// The system's default CA file is read once per process and shared; each
+// case runs in a fresh process so that its SSL_CERT_FILE is the one read.
+TEST(TlsChannelTest, DefaultCaFileDecidesTrust) {
+  REQUIRE_PKI(pki);
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  const auto connect_trusting = [&](const std::string& ca_file) {
+    setenv("SSL_CERT_FILE", ca_file.c_str(), 1);
+    int status = 0;
+    {
+      TlsLoopback server(pki, [](SSL* ssl) { SSL_shutdown(ssl); });
+      for (int round = 0; round < 2 && status == 0; ++round) {  // the second context uses the shared copy
+        TlsProbe probe(pki, false);
+        const int rc = probe.Open(server.port());
+        status = rc == 0 ? 0 : rc == 276 ? 2 : 3;
+        probe.Disconnect();
+      }
+    }  // the server's thread is joined before exit runs the process's clean-up
+    std::exit(status);
+  };
+  EXPECT_EXIT(connect_trusting(pki.Path("ca.pem")), ::testing::ExitedWithCode(0), "");
+  EXPECT_EXIT(connect_trusting(pki.Path("no-such-ca.pem")), ::testing::ExitedWithCode(2), "");
+}
+
+// Decrypted data never waits for the next wait cycle: 50 ping-pongs over TLS
+// with a 1 s select wait would take 50 s if one did.
+TEST(TlsChannelTest, ReadyPlaintextIsDeliveredWithoutWaitingACycle) {
+  REQUIRE_PKI(pki);
+  TlsLoopback server(pki, [](SSL* ssl) {
+    char buffer[64];
+    for (int i = 0; i < 50 && SSL_read(ssl, buffer, sizeof buffer) > 0; ++i) SSL_write(ssl, "pong\n", 5);
+  });
+  TlsProbe probe(pki);
+  const char* out = nullptr;
+  ASSERT_EQ(probe.Config("SelectWaitMillis=1000", out), 0);
+  probe.SetTimeout(10);
+  ASSERT_EQ(probe.Open(server.port()), 0) << probe.GetLastError();
+  probe.SetEOL("\n");
+  const auto start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 50; ++i) {
+    const size_t want = probe.received.size() + 5;
+    ASSERT_EQ(probe.SendAll("ping\n", 5, false), 0);
+    ASSERT_EQ(probe.WaitUntil([&] { return probe.received.size() >= want; }), 0);
+  }
+  const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
+  EXPECT_LT(ms.count(), 900);
 }
 
 TEST(TlsChannelTest, LingerOffDropsQueuedRecords) {

@@ -6,6 +6,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 
@@ -41,6 +42,7 @@ LoopbackServer::LoopbackServer(Script script, bool ipv6) : script_(std::move(scr
       ++connections_;
       script_(fd);
       close(fd);
+      ++finished_;
     }
   });
 }
@@ -49,6 +51,14 @@ LoopbackServer::~LoopbackServer() {
   stopping_ = true;
   thread_.join();
   close(listener_);
+}
+
+bool LoopbackServer::WaitUntilIdle() const {
+  for (int i = 0; i < 1000; ++i) {
+    if (finished_.load() == connections_.load()) return true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+  }
+  return false;
 }
 
 std::string LoopbackServer::ReadUntil(int fd, const std::string& marker) {

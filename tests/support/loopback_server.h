@@ -20,6 +20,11 @@ class LoopbackServer {
 
   int port() const { return port_; }
   int connections() const { return connections_.load(); }
+  // Connections whose script has returned and whose descriptor is closed.
+  int finished() const { return finished_.load(); }
+  // Waits (at most 5 s) until every accepted connection is closed, so a test
+  // counting the process's descriptors does not count the server's.
+  bool WaitUntilIdle() const;
 
   // Helpers for scripts: read until `marker` (or end), write all of `bytes`.
   static std::string ReadUntil(int fd, const std::string& marker);
@@ -31,6 +36,7 @@ class LoopbackServer {
   Script script_;
   std::thread thread_;
   std::atomic<int> connections_{0};
+  std::atomic<int> finished_{0};
   std::atomic<bool> stopping_{false};
   int listener_ = -1;
   int port_ = 0;
