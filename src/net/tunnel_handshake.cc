@@ -352,7 +352,9 @@ TunnelHandshake::Result TunnelHandshake::NtlmLine(std::string_view line) {
         return kPending;
       }
       if (HasPrefixNoCase(line, "Content-Length:")) {
-        body_length_ = ParseInt64(ByteString(line.substr(15)).Data());
+        std::string_view number = line.substr(15);
+        while (!number.empty() && (number.front() == ' ' || number.front() == '\t')) number.remove_prefix(1);
+        body_length_ = ParseInt64(ByteString(number).Data());
         if (body_length_ < 0) body_length_ = 0;
       } else if (HasPrefixNoCase(line, "Proxy-Authenticate:")) {
         std::string_view value = line.substr(19);
