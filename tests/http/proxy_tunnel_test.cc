@@ -8,7 +8,9 @@
 #include <gtest/gtest.h>
 
 #include "http/http_client.h"
+#include "http/https_client.h"
 #include "support/loopback_server.h"
+#include "support/nginx_server.h"
 #include "support/proxy_servers.h"
 #include "support/recording_events.h"
 #include "support/test_bytes.h"
@@ -166,6 +168,37 @@ TEST(ProxyTunnelTest, ProxySslTunnelIsConfiguredFromTheProxySettings) {
   client.Disconnect(0);
   EXPECT_EQ(client.Post(Url(origin.port()), body), 153);
   EXPECT_STREQ(client.GetLastError(), "Unknown proxy authentication scheme.");
+}
+
+// TLS runs inside the tunnel, to the server named in the URL.
+TEST(ProxyTunnelTest, TlsThroughConnectAndSocks) {
+  ORVELAN_REQUIRE_NGINX(nginx);
+  struct Case {
+    const char* name;
+    std::function<std::unique_ptr<ProxyServer>()> start;
+    int type;
+  } cases[] = {
+      {"CONNECT", [] { return ProxyServer::Tinyproxy(false); }, 1},
+      {"SOCKS 5", [] { return ProxyServer::Dante(1); }, 3},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    auto proxy = c.start();
+    ORVELAN_REQUIRE_PROXY(proxy);
+    HttpsClient client;
+    client.InitDefaults();
+    client.SetTimeout(10);
+    const char* out = nullptr;
+    client.Config(("OpenSSLCAFile=" + TestPki::Get().Path("ca.pem")).c_str(), out);
+    for (const std::string setting : {"FirewallType=" + std::to_string(c.type), std::string("FirewallHost=127.0.0.1"),
+                                      "FirewallPort=" + std::to_string(proxy->port())}) {
+      client.Config(setting.c_str(), out);
+    }
+    client.SetPostData("<OFX/>", 6);
+    const std::string url = "https://localhost:" + std::to_string(nginx->https_port) + "/post4k";
+    ASSERT_EQ(client.PostToURL(url.c_str()), 0) << client.GetLastError() << proxy->Log();
+    EXPECT_EQ(client.TransferredData(), std::string(4096, 'r'));
+  }
 }
 
 struct RefusalCase {
