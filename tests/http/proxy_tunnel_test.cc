@@ -118,7 +118,9 @@ TEST(ProxyTunnelTest, OfxPostGoesThroughEveryFirewallType) {
     EXPECT_EQ(client.Body().size(), body.size());
     EXPECT_TRUE(client.Body() == body);
     EXPECT_TRUE(client.events.Saw("Status(Firewall connection complete.,0)"));
-    if (c.logged != nullptr) EXPECT_NE(proxy->Log().find(c.logged), std::string::npos) << proxy->Log();
+    if (c.logged != nullptr) {
+      EXPECT_NE(proxy->Log().find(c.logged), std::string::npos) << proxy->Log();
+    }
   }
 }
 
@@ -190,7 +192,7 @@ TEST(ProxyTunnelTest, TlsThroughConnectAndSocks) {
     client.SetTimeout(10);
     const char* out = nullptr;
     client.Config(("OpenSSLCAFile=" + TestPki::Get().Path("ca.pem")).c_str(), out);
-    for (const std::string setting : {"FirewallType=" + std::to_string(c.type), std::string("FirewallHost=127.0.0.1"),
+    for (const std::string& setting : {"FirewallType=" + std::to_string(c.type), std::string("FirewallHost=127.0.0.1"),
                                       "FirewallPort=" + std::to_string(proxy->port())}) {
       client.Config(setting.c_str(), out);
     }
@@ -299,7 +301,9 @@ TEST(ProxyTunnelTest, NtlmProxyGetsOneRetry) {
       EXPECT_STREQ(client.GetLastError(), "HTTP protocol error. 407 Proxy Authentication Required.");
     }
     const std::string log = proxy->Log();
-    if (c.logged != nullptr) EXPECT_NE(log.find(c.logged), std::string::npos) << log;
+    if (c.logged != nullptr) {
+      EXPECT_NE(log.find(c.logged), std::string::npos) << log;
+    }
     const std::string request = "POST " + Url(origin.port(), c.host);
     EXPECT_NE(log.find(request + " body=0 proxy-authorization=NTLM "), std::string::npos) << log;
     const std::string second = request + " body=" + std::to_string(body.size()) + " proxy-authorization=";

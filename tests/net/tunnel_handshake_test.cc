@@ -86,7 +86,9 @@ TEST(TunnelHandshakeTest, ConnectRepliesOpenOrRefuseTheTunnel) {
       d.Start(1, "h");
       EXPECT_EQ(d.Feed(c.reply, piecewise), c.result);
       EXPECT_STREQ(d.h.ErrorText(), c.text);
-      if (c.result == TunnelHandshake::kEstablished) EXPECT_EQ(d.after, c.leftover);
+      if (c.result == TunnelHandshake::kEstablished) {
+        EXPECT_EQ(d.after, c.leftover);
+      }
       EXPECT_EQ(d.sent, "");
     }
   }
