@@ -100,7 +100,7 @@ int TcpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
     return kOk;
   }
   if (argument.NameIs("FirewallAutoDetect")) {
-    if (query) return ReturnBool(*this, out, tunnel_.auto_detect());
+    if (query) return ReturnBool(*this, out, false);
     return SetFirewallAutoDetect(argument.ValueAsBool());
   }
   if (argument.NameIs("FirewallType")) {

@@ -43,8 +43,8 @@ class TcpClient : public SocketCore {
   int OnSocketEvent(int message, unsigned long socket, long event_bits) override;
 
   // The firewall settings, kept by the tunnel (see FirewallTunnel).
-  bool FirewallAutoDetect() const { return tunnel_.auto_detect(); }
-  // Accepted and without effect on this platform.
+  // Accepted and without effect on this platform: always reads false.
+  bool FirewallAutoDetect() const { return false; }
   int SetFirewallAutoDetect(bool on);
   int32_t FirewallType() const { return tunnel_.type(); }
   // Also sets FirewallPort to the type's default port.

@@ -338,6 +338,8 @@ TEST(ProxyTunnelTest, FirewallSettings) {
   EXPECT_EQ(client.Get("FirewallPort"), "1080");
   client.Set("FirewallUser=" + std::string(300, 'u'));
   EXPECT_EQ(client.Get("FirewallUser"), std::string(255, 'u'));
+  client.Set("FirewallAutoDetect=true");
+  EXPECT_EQ(client.Get("FirewallAutoDetect"), "False");
   client.Set("UseSystemSSPI=true");
   EXPECT_EQ(client.Get("UseSystemSSPI"), "False");
   client.Set("KerberosSPN=HTTP/proxy.corp");
