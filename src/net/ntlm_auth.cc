@@ -95,8 +95,9 @@ std::string_view Clip(const uint8_t* bytes, int32_t length, SecurityBuffer sb) {
   return {reinterpret_cast<const char*>(bytes) + sb.offset, static_cast<size_t>(n)};
 }
 
+// One generator per thread: components on different threads share nothing.
 uint8_t NextClientByte() {
-  static std::minstd_rand generator(static_cast<uint32_t>(
+  thread_local std::minstd_rand generator(static_cast<uint32_t>(
       std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
           .count()));
   return static_cast<uint8_t>(1 + generator() % 255);
