@@ -321,6 +321,11 @@ int HttpClient::Route() {
     SetFirewallPort(proxy_port_);
     SetFirewallUser(proxy_user_.Data());
     SetFirewallPassword(proxy_password_.Data());
+    tunnel_from_proxy_ = true;
+  } else if (tunnel_from_proxy_ && !socket_.is_valid() && (proxy_server_.Length() == 0 || proxy_ssl_ != 3)) {
+    // The proxy settings no longer ask for the tunnel they made.
+    SetFirewallType(0);
+    tunnel_from_proxy_ = false;
   }
   if (!socket_.is_valid()) {
     if (host != RemoteHostText()) {

@@ -143,6 +143,7 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   int32_t proxy_port_ = 80;
   int32_t proxy_auth_attempts_ = 0;  // 407 retries done for this request
   bool retry_request_ = false;       // the 407 answer asks for one more attempt
+  bool tunnel_from_proxy_ = false;   // the firewall settings were made from ProxySSL 3
   int status_code_ = 0;
   int response_error_ = 0;
   uint8_t busy_action_ = 0;

@@ -332,7 +332,11 @@ int TcpClient::Connect(bool on) {
     if (!use_ipv6_ && tunnel_.address() == 0) return ReportError(kErrInvalidAddress, kTextInvalidFirewallAddress);
     if (tunnel_.port() == 0) return ReportError(kErrZeroPort, kTextZeroFirewallPort);
   } else if (!use_ipv6_ && IsZeroIPv4(remote_address_)) {
-    return ReportError(kErrInvalidAddress, kTextInvalidRemoteAddress);
+    // A name set while a firewall was configured has not been resolved yet.
+    if (remote_host_.Length() > 0) {
+      if (int rc = Resolve(remote_host_.Data(), &remote_address_, true); rc != kOk) return rc;
+    }
+    if (IsZeroIPv4(remote_address_)) return ReportError(kErrInvalidAddress, kTextInvalidRemoteAddress);
   }
   if (remote_port_ == 0) return ReportError(kErrZeroPort, kTextZeroPort);
   connected_ = false;

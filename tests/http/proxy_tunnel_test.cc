@@ -165,6 +165,11 @@ TEST(ProxyTunnelTest, ProxySslTunnelIsConfiguredFromTheProxySettings) {
   EXPECT_TRUE(client.Body() == body);
   EXPECT_EQ(client.Get("FirewallType"), "1");
   EXPECT_EQ(client.Get("FirewallPort"), std::to_string(proxy->port()));
+  client.Set("ProxySSL=0");  // plain proxying again: the tunnel goes
+  client.Disconnect(0);
+  ASSERT_EQ(client.Post(Url(origin.port()), body), 0) << client.GetLastError();
+  EXPECT_EQ(client.Get("FirewallType"), "0");
+  client.Set("ProxySSL=3");
   client.Set("ProxyAuthScheme=1");
   client.Set("ProxyUser=proxyuser");
   client.Disconnect(0);
