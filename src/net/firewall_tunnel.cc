@@ -12,6 +12,7 @@ namespace orvelan {
 namespace {
 
 constexpr int32_t kMaxCredential = 255;
+constexpr char kTextClosedEarly[] = "Firewall host disconnected before the tunnel was open.";
 
 int AssignCut(ByteString& target, const char* text) {
   const size_t length = text == nullptr ? 0 : std::strlen(text);
@@ -163,9 +164,16 @@ void FirewallTunnel::Fail(const char* text) {
 }
 
 void FirewallTunnel::Disconnected(int code) {
+  const bool was_negotiating = negotiating_ && type_ >= 1 && type_ <= 5;
   negotiating_ = false;
   out_.Clear();
   RestoreMarker();
+  if (was_negotiating) {
+    // The connect is still waiting for the handshake: end it now, not at the time-out.
+    owner_.OnError(kErrTunnel, kTextClosedEarly);
+    owner_.SetErrorText(kTextClosedEarly);
+    owner_.OnConnected(kErrTunnel);
+  }
   if (IsSet()) owner_.OnConnectionStatus("Firewall host disconnected.", code);
   owner_.OnDisconnected(code);
 }

@@ -221,6 +221,8 @@ TEST(ProxyTunnelTest, RefusalsGiveCode118AndTheirTexts) {
   LoopbackServer origin(Echo());
   const RefusalCase cases[] = {
       {"CONNECT 403", 1, {}, "refuse403.test", 0, "Firewall error. HTTP/1.0 403 Refused by script."},
+      {"proxy closes without a reply", 1, {}, "close.test", 0,
+       "Firewall host disconnected before the tunnel was open."},
       {"NTLM CONNECT 403", 4, {"--ntlm"}, "refuse403.test", 0, "Firewall error: 403 Refused by script"},
       {"SOCKS 4 code 91", 2, {}, "127.0.0.1", 9091, "firewall request rejected or failed"},
       {"SOCKS 4 code 92", 2, {}, "127.0.0.1", 9092, "firewall request rejected because identd is not available"},

@@ -5,6 +5,7 @@ HTTP (CONNECT and absolute-URI requests, kept alive), SOCKS 4 and SOCKS 5 on
 one port. Targets choose the behaviour:
   CONNECT/URL host "refuseNNN.test"  the proxy answers status NNN
   CONNECT/URL host "badsig.test"     the NTLM challenge has a wrong signature
+  CONNECT/URL host "close.test"      the proxy closes the connection
   SOCKS target port 9000 + N         the SOCKS reply code is N
 With --ntlm every HTTP request must pass an NTLM exchange (under "NTLM" or
 "Negotiate") whose NT response is recomputed here from --password; a wrong one
@@ -293,6 +294,8 @@ class Handler(socketserver.BaseRequestHandler):
                 path = slash + path
             self.log('%s %s body=%d proxy-authorization=%s' % (method, target, len(body),
                                                                  lookup.get('proxy-authorization', '')))
+            if host.startswith('close'):
+                return
             if host.startswith('refuse'):
                 code = host[6:9]
                 sock.sendall(('HTTP/1.0 %s Refused by script\r\n\r\n' % code).encode())
