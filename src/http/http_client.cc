@@ -125,25 +125,64 @@ int HttpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
   }
   if (argument.NameIs("ProxyAuthScheme")) {
     if (query) return ReturnConfigValue(out, int64_t{proxy_auth_scheme_});
-    proxy_auth_scheme_ = static_cast<uint8_t>(argument.ValueAsInt());
-    ComputeProxyAuthorization();
-    return kOk;
+    return SetProxyAuthScheme(argument.ValueAsInt());
   }
   return TransferChannel::HandleConfig(argument, out);
 }
 
-void HttpClient::ComputeAuthorization() {
-  if (auth_scheme_ == 2) return;  // the value is used as set
-  authorization_.Clear();
-  if (!url_.user.empty() || !url_.password.empty()) AppendBasic(authorization_, url_.user, url_.password);
+int HttpClient::SetProxyAuthScheme(int scheme) {
+  const auto value = static_cast<uint8_t>(scheme);
+  proxy_challenge_.Clear();
+  if (value != proxy_auth_scheme_) {
+    proxy_user_.Clear();
+    proxy_password_.Clear();
+    proxy_authorization_.Clear();
+  }
+  proxy_auth_scheme_ = value;
+  if (value == 4) keep_alive_ = true;  // the NTLM handshake needs one connection
+  return ComputeProxyAuthorization();
 }
 
-void HttpClient::ComputeProxyAuthorization() {
-  if (proxy_auth_scheme_ == 2) return;
+int HttpClient::ComputeAuthorization() {
+  if (auth_scheme_ == 2) return kOk;  // the value is used as set
+  authorization_.Clear();
+  if (!url_.user.empty() || !url_.password.empty()) AppendBasic(authorization_, url_.user, url_.password);
+  return kOk;
+}
+
+int HttpClient::ComputeProxyAuthorization() {
+  if (proxy_auth_scheme_ == 2) return kOk;
   proxy_authorization_.Clear();
-  if (proxy_auth_scheme_ == 0 && (proxy_user_.Length() > 0 || proxy_password_.Length() > 0)) {
+  if (proxy_user_.Length() == 0 && proxy_password_.Length() == 0) return kOk;
+  if (proxy_auth_scheme_ == 0) {
     AppendBasic(proxy_authorization_, proxy_user_.View(), proxy_password_.View());
+    return kOk;
   }
+  if (proxy_auth_scheme_ != 4) return kOk;
+  const char* proxy = proxy_server_.Length() > 0 ? proxy_server_.Data() : url_.host.c_str();
+  if (proxy_challenge_.Length() == 0) {
+    ntlm_.Reset(false);
+    if (int rc = ntlm_.SetCredentials("NTLM", proxy_user_.Data(), proxy_password_.Data()); rc != kOk) return rc;
+  }
+  ByteString token;
+  if (int rc = CreateAuthToken(token, "NTLM", proxy, proxy_challenge_); rc != kOk) return rc;
+  proxy_authorization_.Assign("NTLM ");
+  return proxy_authorization_.Append(token);
+}
+
+int HttpClient::CreateAuthToken(ByteString& out, const char* mechanism, const char* target,
+                                const ByteString& challenge) {
+  out.Clear();
+  ByteString decoded(challenge);
+  decoded.DecodeBase64();
+  ByteString token;
+  const int rc = ntlm_.CreateToken(mechanism, target, decoded.Data(), decoded.Length(), token);
+  if (rc != kOk) {
+    const char* text = ntlm_.ErrorText();
+    SetErrorText(*text != '\0' ? text : rc == kErrOutOfMemory ? kTextOutOfMemory : "");
+    return rc;
+  }
+  return out.AppendBase64(token.Data(), token.Length(), false);
 }
 
 void HttpClient::Reset() {
@@ -156,6 +195,8 @@ void HttpClient::Reset() {
   proxy_user_.Clear();
   proxy_password_.Clear();
   proxy_authorization_.Clear();
+  proxy_challenge_.Clear();
+  proxy_auth_attempts_ = 0;
   if_modified_since_.Clear();
   status_line_.clear();
   local_file_path_.Clear();
@@ -190,10 +231,13 @@ int HttpClient::SetURL(const char* url) {
     HandleConfig(on, ignored);
   }
   url_ = parsed;
-  ComputeAuthorization();
-  ComputeProxyAuthorization();
+  proxy_challenge_.Clear();
+  proxy_auth_attempts_ = 0;
   if (moved && dont_clear_cookies_) cookies_.RemoveReceived();
-  return kOk;
+  int rc = ComputeAuthorization();
+  if (rc == kOk) rc = ComputeProxyAuthorization();
+  if (rc != kOk) Disconnect(0);
+  return rc;
 }
 
 int HttpClient::PostToURL(const char* url) {
@@ -254,6 +298,8 @@ int HttpClient::Route() {
   if (plain_proxy) {
     host = proxy_server_.Data();
     port = proxy_port_;
+    // The NTLM answer must go over the connection that got the challenge.
+    if (proxy_auth_attempts_ > 0 && socket_.is_valid()) return kOk;
   } else if (!SameNoCase(url_.scheme, default_scheme_) && !SameNoCase(url_.scheme, "http")) {
     return ReportError(kErrBadScheme, kTextBadScheme);
   }
@@ -262,6 +308,26 @@ int HttpClient::Route() {
   bool tls = SameNoCase(url_.scheme, "https");
   if (proxy_server_.Length() > 0 && proxy_ssl_ == 1) tls = true;
   if (proxy_server_.Length() > 0 && proxy_ssl_ == 2) tls = false;
+  if (proxy_server_.Length() > 0 && proxy_ssl_ == 3 && !socket_.is_valid()) {
+    // A tunnel through the proxy: CONNECT, authenticated as the scheme says.
+    int type = 0;
+    switch (proxy_auth_scheme_) {
+      case 0: type = 1; break;
+      case 4: type = 4; break;
+      case 5: type = 5; break;
+      default: return ReportError(kErrBadScheme, kTextUnknownProxyScheme);
+    }
+    SetFirewallType(type);
+    if (int rc = SetFirewallHost(proxy_server_.Data()); rc != kOk) return rc;
+    SetFirewallPort(proxy_port_);
+    SetFirewallUser(proxy_user_.Data());
+    SetFirewallPassword(proxy_password_.Data());
+    tunnel_from_proxy_ = true;
+  } else if (tunnel_from_proxy_ && !socket_.is_valid() && (proxy_server_.Length() == 0 || proxy_ssl_ != 3)) {
+    // The proxy settings no longer ask for the tunnel they made.
+    SetFirewallType(0);
+    tunnel_from_proxy_ = false;
+  }
   if (!socket_.is_valid()) {
     if (host != RemoteHostText()) {
       if (int rc = SetRemoteHost(host.c_str()); rc != kOk) return rc;
@@ -295,7 +361,8 @@ std::string HttpClient::BuildHead(const char* method, int64_t content_length) {
   head += port_suffix;
   const std::pair<const char*, const ByteString*> optional[] = {
       {"\r\nAuthorization: ", &authorization_},
-      {"\r\nProxy-Authorization: ", &proxy_authorization_},
+      // Through a tunnel the proxy never sees this head.
+      {"\r\nProxy-Authorization: ", proxy_ssl_ == 3 && proxy_server_.Length() > 0 ? nullptr : &proxy_authorization_},
       {"\r\nAccept-Encoding: ", allow_compression_ ? &accept_encoding_ : nullptr},
       {"\r\nUser-Agent: ", &user_agent_},
       {"\r\nIf-Modified-Since: ", &if_modified_since_},
@@ -347,10 +414,27 @@ int HttpClient::Request(const char* method, bool with_body) {
       pending_with_body_ = with_body;
       return kOk;
     }
-    if (int rc = ConnectAndWait(); rc != kOk) return rc;
+    if (int rc = ConnectAndWait(); rc != kOk) {
+      // A proxy that refused the tunnel may leave its connection open.
+      if (rc == kErrTunnel) {
+        const ByteString text(GetLastError());
+        DropConnection(0);
+        SetErrorText(text.Data());
+      }
+      return rc;
+    }
   }
   if (int rc = SendRequest(method, with_body); rc != kOk && status_code_ == 0) return rc;
-  return EvaluateResponse(WaitForResponse());
+  const int rc = EvaluateResponse(WaitForResponse());
+  if (!retry_request_) return rc;
+  // One more round on the same connection: the proxy asked for credentials.
+  retry_request_ = false;
+  status_code_ = 0;
+  status_line_.clear();
+  status_version_.clear();
+  status_description_.clear();
+  response_complete_ = false;
+  return Request(method, with_body);
 }
 
 int HttpClient::SendRequest(const char* method, bool with_body) {
@@ -358,7 +442,10 @@ int HttpClient::SendRequest(const char* method, bool with_body) {
   response_error_ = 0;
   SetEOL("");  // the parser cuts the response itself
   parser_.Begin(allow_compression_, std::strcmp(method, "HEAD") == 0);
-  const int32_t body_length = with_body ? post_data_.Length() : 0;
+  // The first leg of a proxy NTLM handshake only fetches the challenge.
+  const bool withhold = proxy_auth_scheme_ == 4 && proxy_auth_attempts_ == 0 && proxy_server_.Length() > 0 &&
+                        proxy_ssl_ != 3 && proxy_authorization_.Length() > 0;
+  const int32_t body_length = with_body && !withhold ? post_data_.Length() : 0;
   std::string head = BuildHead(method, with_body ? body_length : -1);
   if (record_request_) {
     recorded_request_ = head;
@@ -406,6 +493,16 @@ int HttpClient::EvaluateResponse(int wait_result) {
   std::string text = "HTTP protocol error. " + std::to_string(status_code_) + " " + status_description_;
   if (text.back() != '.') text += '.';
   SetErrorText(text.c_str());
+  if (status_code_ == 407 && (proxy_auth_scheme_ == 4 || proxy_auth_scheme_ == 5)) {
+    if (proxy_auth_attempts_ == 0) {
+      ++proxy_auth_attempts_;
+      // A token failure leaves the header out; the proxy's answer ends it.
+      ComputeProxyAuthorization();
+      retry_request_ = true;
+      return kOk;
+    }
+    proxy_auth_attempts_ = 0;
+  }
   return kErrHttp;
 }
 
@@ -476,6 +573,10 @@ void HttpClient::OnHeader(std::string_view line, std::string_view name, std::str
     authorization_.Clear();
   } else if (SameNoCase(name, "Proxy-Authenticate")) {
     proxy_authorization_.Clear();
+    const size_t blank = value.find(' ');
+    if (value.substr(0, blank) == "NTLM") {
+      proxy_challenge_.Assign(blank == std::string_view::npos ? std::string_view() : value.substr(blank + 1));
+    }
   }
 }
 

@@ -33,6 +33,7 @@ inline constexpr int kErrHttp = 151;
 inline constexpr int kErrNoServer = 152;
 inline constexpr int kErrBadScheme = 153;
 inline constexpr int kErrLocalFile = 302;
+inline constexpr char kTextUnknownProxyScheme[] = "Unknown proxy authentication scheme.";
 
 class HttpClient : public TransferChannel, private HttpResponseSink {
  public:
@@ -103,8 +104,15 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   std::string BuildHead(const char* method, int64_t content_length);
   int WaitForResponse();
   int EvaluateResponse(int wait_result);
-  void ComputeAuthorization();
-  void ComputeProxyAuthorization();
+  // The Authorization and Proxy-Authorization values from the URL's user
+  // information and the proxy settings (Basic, or NTLM for the proxy). A token
+  // failure leaves the value empty and returns its code with the last error set.
+  int ComputeAuthorization();
+  int ComputeProxyAuthorization();
+  // Base64 NTLM token for `target` into `out`; an empty challenge asks for
+  // the Negotiate message.
+  int CreateAuthToken(ByteString& out, const char* mechanism, const char* target, const ByteString& challenge);
+  int SetProxyAuthScheme(int scheme);
   void Reset();
   void FailResponse(int code, const char* text);
 
@@ -132,10 +140,14 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   ByteString proxy_user_;
   ByteString proxy_password_;
   ByteString proxy_authorization_;
+  ByteString proxy_challenge_;  // NTLM parameters of the last Proxy-Authenticate
   ByteString local_file_path_;
   FileHandle local_file_;
   int64_t bytes_received_ = 0;
   int32_t proxy_port_ = 80;
+  int32_t proxy_auth_attempts_ = 0;  // 407 retries done for this request
+  bool retry_request_ = false;       // the 407 answer asks for one more attempt
+  bool tunnel_from_proxy_ = false;   // the firewall settings were made from ProxySSL 3
   int status_code_ = 0;
   int response_error_ = 0;
   // The request waiting for an asynchronous connect (negative Timeout).

@@ -109,7 +109,7 @@ int SocketCore::HandleConfig(ConfigArgument& argument, const char*& out) {
     return kerberos_spn_.Assign(argument.Value());
   }
   if (argument.NameIs("UseSystemSSPI")) {
-    if (query) return ReturnBool(*this, out, use_system_sspi_);
+    if (query) return ReturnBool(*this, out, false);  // no system security provider here
     use_system_sspi_ = argument.ValueAsBool();
     return kOk;
   }

@@ -4,6 +4,7 @@
 #include "base/byte_string.h"
 #include "base/unique_fd.h"
 #include "core/component_core.h"
+#include "net/ntlm_auth.h"
 #include "net/transcript.h"
 
 // What every network service shares beneath its connection: the socket
@@ -78,6 +79,7 @@ class SocketCore : public ComponentCore {
   static uint64_t NowMs();
 
   UniqueFd socket_;
+  NtlmAuth ntlm_;  // proxy authentication, for the HTTP layer and the tunnel
   Transcript transcript_;
   ByteString transcript_path_;
   uint64_t deadline_ms_ = 0;  // monotonic; 0 = none

@@ -100,7 +100,7 @@ int TcpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
     return kOk;
   }
   if (argument.NameIs("FirewallAutoDetect")) {
-    if (query) return ReturnBool(*this, out, tunnel_.auto_detect());
+    if (query) return ReturnBool(*this, out, false);
     return SetFirewallAutoDetect(argument.ValueAsBool());
   }
   if (argument.NameIs("FirewallType")) {
@@ -325,24 +325,30 @@ int TcpClient::Connect(bool on) {
   if (socket_.is_valid()) return ReportError(kErrAlreadyConnected, kTextAlreadyConnected);
   disconnect_pending_ = false;
   line_buffer_.Clear();
-  // Tunnels are not built yet: the connection goes straight to RemoteHost,
-  // but a configured firewall is checked as the target and names itself in
-  // the texts.
+  // Through a firewall the connection goes to it; the tunnel names RemoteHost
+  // to the firewall, which resolves it unless a SOCKS request needs the address.
   const bool firewall = tunnel_.IsSet();
-  if (firewall && remote_host_.Length() > 0) {
-    if (int rc = Resolve(remote_host_.Data(), &remote_address_, true); rc != kOk) return rc;
-  }
   if (firewall) {
     if (!use_ipv6_ && tunnel_.address() == 0) return ReportError(kErrInvalidAddress, kTextInvalidFirewallAddress);
     if (tunnel_.port() == 0) return ReportError(kErrZeroPort, kTextZeroFirewallPort);
+  } else if (!use_ipv6_ && IsZeroIPv4(remote_address_)) {
+    // A name set while a firewall was configured has not been resolved yet.
+    if (remote_host_.Length() > 0) {
+      if (int rc = Resolve(remote_host_.Data(), &remote_address_, true); rc != kOk) return rc;
+    }
+    if (IsZeroIPv4(remote_address_)) return ReportError(kErrInvalidAddress, kTextInvalidRemoteAddress);
   }
-  if (!use_ipv6_ && IsZeroIPv4(remote_address_)) {
-    return ReportError(kErrInvalidAddress, firewall ? kTextInvalidFirewallAddress : kTextInvalidRemoteAddress);
-  }
-  if (remote_port_ == 0) return ReportError(kErrZeroPort, firewall ? kTextZeroFirewallPort : kTextZeroPort);
+  if (remote_port_ == 0) return ReportError(kErrZeroPort, kTextZeroPort);
   connected_ = false;
   sockaddr_storage target = remote_address_;
   SetPort(target, remote_port_);
+  if (firewall) {
+    target = sockaddr_storage{};
+    auto& v4 = reinterpret_cast<sockaddr_in&>(target);
+    v4.sin_family = AF_INET;
+    v4.sin_addr.s_addr = tunnel_.address();
+    v4.sin_port = htons(static_cast<uint16_t>(tunnel_.port()));
+  }
   const bool v6 = target.ss_family == AF_INET6;
   socket_.reset(socket(v6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
   if (!socket_.is_valid()) return errno;
@@ -403,7 +409,7 @@ int TcpClient::Disconnect(long event_word) {
   if (accept_data_) ReceiveData(1);
   if (connected_) {
     connected_ = false;
-    OnDisconnected(static_cast<int>(static_cast<unsigned long>(event_word) >> 16));
+    tunnel_.Disconnected(static_cast<int>(static_cast<unsigned long>(event_word) >> 16));
     transcript_.Close();
   }
   const int fd = socket_.release();
@@ -442,7 +448,7 @@ int TcpClient::OnSocketEvent(int message, unsigned long socket, long event_bits)
   const int error = static_cast<int>(word >> 16);
   switch (word & 0xFFFF) {
     case kEventRead:
-      if (accept_data_ && !in_receive_) {
+      if ((accept_data_ || tunnel_.Negotiating()) && !in_receive_) {
         in_receive_ = true;
         ReceiveData(0);
         in_receive_ = false;
@@ -454,12 +460,12 @@ int TcpClient::OnSocketEvent(int message, unsigned long socket, long event_bits)
       break;
     case kEventWrite:
       ready_to_send_ = true;
-      OnReadyToSend();
+      tunnel_.ReadyToSend();
       break;
     case kEventConnect:
       if (error != 0) {
         connected_ = false;
-        OnConnected(error);
+        tunnel_.Connected(error);
         ResetConnection();
         break;
       }
@@ -469,7 +475,7 @@ int TcpClient::OnSocketEvent(int message, unsigned long socket, long event_bits)
         setsockopt(socket_.get(), SOL_SOCKET, SO_OOBINLINE, &one, sizeof one);
       }
       if (transcript_path_.Length() > 0) transcript_.Open(transcript_path_.Data());
-      OnConnected(0);
+      tunnel_.Connected(0);
       break;
     case kEventClose:
       ReceiveData(2);
@@ -483,7 +489,7 @@ int TcpClient::OnSocketEvent(int message, unsigned long socket, long event_bits)
 
 bool TcpClient::Deliver(const char* data, int32_t length, bool end_of_line) {
   RestartDeadline();
-  OnDataIn(data, length, end_of_line);
+  tunnel_.DataIn(data, length, end_of_line);
   return MayDeliver() && socket_.is_valid();
 }
 

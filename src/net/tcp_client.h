@@ -17,8 +17,8 @@
 //
 // Layers above override the transport hooks (OnConnected, OnDisconnected,
 // OnDataIn, OnError, OnReadyToSend, OnConnectionStatus) and pass on what they
-// do not handle. The firewall settings live in the FirewallTunnel, which does
-// not tunnel yet, so connections always go straight to RemoteHost.
+// do not handle. With a firewall type set the connection goes to the firewall,
+// and the FirewallTunnel's handshake runs before the hooks hear of it.
 // Not thread-safe.
 namespace orvelan {
 
@@ -43,8 +43,8 @@ class TcpClient : public SocketCore {
   int OnSocketEvent(int message, unsigned long socket, long event_bits) override;
 
   // The firewall settings, kept by the tunnel (see FirewallTunnel).
-  bool FirewallAutoDetect() const { return tunnel_.auto_detect(); }
-  // Accepted and without effect on this platform.
+  // Accepted and without effect on this platform: always reads false.
+  bool FirewallAutoDetect() const { return false; }
   int SetFirewallAutoDetect(bool on);
   int32_t FirewallType() const { return tunnel_.type(); }
   // Also sets FirewallPort to the type's default port.
@@ -100,9 +100,12 @@ class TcpClient : public SocketCore {
   // connected, or the system error.
   int Send(const char* data, int32_t length);
   int32_t BytesLastSent() const { return bytes_last_sent_; }
-  bool IsConnected() const { return connected_; }
+  // TCP is up and no tunnel handshake is still running.
+  bool IsConnected() const { return connected_ && !tunnel_.Negotiating(); }
 
  protected:
+  friend class FirewallTunnel;  // sits between the socket and the hooks
+
   // Transport hooks; the defaults do nothing.
   virtual void OnConnected(int code) { (void)code; }
   virtual void OnDisconnected(int code) { (void)code; }
@@ -138,7 +141,7 @@ class TcpClient : public SocketCore {
   bool MayDeliver() const { return (accept_data_ || tunnel_.Negotiating()) && !interrupt_requested_; }
   int ApplyOptions();
 
-  FirewallTunnel tunnel_;
+  FirewallTunnel tunnel_{*this};
   ByteString remote_host_;
   ByteString local_host_;
   ByteString address_text_;  // what RemoteHost/LocalHost return

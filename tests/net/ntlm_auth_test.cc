@@ -1,0 +1,245 @@
+#include "net/ntlm_auth.h"
+
+#include <cstring>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "support/test_bytes.h"
+
+namespace orvelan {
+namespace {
+
+using test::Hex;
+using test::Unhex;
+
+// The published NTLMv1 example: user "User", domain "Domain", password
+// "Password", server challenge 0123456789abcdef, client challenge aa x 8.
+const std::string kServerChallenge = Unhex("0123456789abcdef");
+const uint8_t kClientChallenge[8] = {0xaa, 0xaa, 0xaa, 0xaa, 0xaa, 0xaa, 0xaa, 0xaa};
+
+uint32_t Le32(const std::string& m, size_t at) {
+  return static_cast<uint8_t>(m[at]) | static_cast<uint8_t>(m[at + 1]) << 8 |
+         static_cast<uint8_t>(m[at + 2]) << 16 | static_cast<uint32_t>(static_cast<uint8_t>(m[at + 3])) << 24;
+}
+uint32_t Le16(const std::string& m, size_t at) { return static_cast<uint8_t>(m[at]) | static_cast<uint8_t>(m[at + 1]) << 8; }
+
+// The payload a security buffer at `at` points to; checks that both lengths agree.
+std::string Field(const std::string& m, size_t at) {
+  EXPECT_EQ(Le16(m, at), Le16(m, at + 2)) << "length and maximum length differ at " << at;
+  const uint32_t length = Le16(m, at);
+  const uint32_t offset = Le32(m, at + 4);
+  if (length == 0) {
+    EXPECT_EQ(offset, 0u) << "an empty field keeps a zero buffer at " << at;
+    return "";
+  }
+  EXPECT_LE(offset + length, m.size());
+  return m.substr(offset, length);
+}
+
+void PutLe(std::string& m, size_t at, uint32_t value, int width) {
+  for (int i = 0; i < width; ++i) m[at + static_cast<size_t>(i)] = static_cast<char>(value >> (8 * i));
+}
+
+// A challenge message: the fixed 48-byte part, a target name and, with the
+// target-info flag, one AV pair and the terminator.
+std::string Challenge(uint32_t flags, const std::string& challenge = kServerChallenge) {
+  std::string m(48, '\0');
+  std::memcpy(&m[0], "NTLMSSP", 8);
+  PutLe(m, 8, 2, 4);
+  const std::string target = std::string("D\0O\0M\0", 6);
+  PutLe(m, 12, static_cast<uint32_t>(target.size()), 2);
+  PutLe(m, 14, static_cast<uint32_t>(target.size()), 2);
+  PutLe(m, 16, 48, 4);
+  PutLe(m, 20, flags, 4);
+  m.replace(24, 8, challenge);
+  const std::string info = std::string("\x02\x00\x06\x00" "D\0O\0M\0" "\x00\x00\x00\x00", 14);
+  PutLe(m, 40, static_cast<uint32_t>(info.size()), 2);
+  PutLe(m, 42, static_cast<uint32_t>(info.size()), 2);
+  PutLe(m, 44, static_cast<uint32_t>(48 + target.size()), 4);
+  return m + target + info;
+}
+
+std::string Token(NtlmAuth& ntlm, const std::string& challenge, int* rc) {
+  ByteString token;
+  *rc = ntlm.CreateToken("NTLM", "proxy.test", challenge.data(), static_cast<int32_t>(challenge.size()), token);
+  return std::string(token.View());
+}
+
+TEST(NtlmAuthTest, HashesAndDeslMatchThePublishedValues) {
+  uint8_t nt[16];
+  uint8_t lm[16];
+  NtlmAuth::NtHash("Password", nt);
+  NtlmAuth::LmHash("Password", lm);
+  EXPECT_EQ(Hex(nt, 16), "a4f49c406510bdcab6824ee7c30fd852");
+  EXPECT_EQ(Hex(lm, 16), "e52cac67419a9a224a3b108f3fa6cb6d");
+  uint8_t response[24];
+  const auto* challenge = reinterpret_cast<const uint8_t*>(kServerChallenge.data());
+  NtlmAuth::Desl(nt, challenge, response);
+  EXPECT_EQ(Hex(response, 24), "67c43011f30298a2ad35ece64f16331c44bdbed927841f94");
+  NtlmAuth::Desl(lm, challenge, response);
+  EXPECT_EQ(Hex(response, 24), "98def7b87f88aa5dafe2df779688a172def11c7d5ccdef13");
+  // Lower case is folded, and a password longer than 14 bytes is cut.
+  NtlmAuth::LmHash("password", lm);
+  EXPECT_EQ(Hex(lm, 16), "e52cac67419a9a224a3b108f3fa6cb6d");
+  uint8_t long_lm[16];
+  uint8_t cut_lm[16];
+  NtlmAuth::LmHash("ABCDEFGHIJKLMNOPQ", long_lm);
+  NtlmAuth::LmHash("ABCDEFGHIJKLMN", cut_lm);
+  EXPECT_EQ(Hex(long_lm, 16), Hex(cut_lm, 16));
+}
+
+TEST(NtlmAuthTest, NegotiateMessageCarriesFlagsVersionAndDomain) {
+  struct Case {
+    const char* user;
+    uint32_t flags;
+    std::string domain;
+  } cases[] = {
+      {"User", 0xa2088207, ""},
+      {"Domain\\User", 0xa2089207, "Domain"},
+      {"A\\B\\C", 0xa2089207, "A"},  // only the first backslash splits
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.user);
+    NtlmAuth ntlm;
+    ASSERT_EQ(ntlm.SetCredentials("NTLM", c.user, "Password"), 0);
+    int rc = 0;
+    const std::string m = Token(ntlm, "", &rc);
+    ASSERT_EQ(rc, 0);
+    ASSERT_EQ(m.size(), 40 + c.domain.size());
+    EXPECT_EQ(m.substr(0, 8), std::string("NTLMSSP\0", 8));
+    EXPECT_EQ(Le32(m, 8), 1u);
+    EXPECT_EQ(Le32(m, 12), c.flags);
+    EXPECT_EQ(Hex(m.substr(32, 8)), "000000000000000f");
+    EXPECT_EQ(Field(m, 16), c.domain);
+    EXPECT_EQ(Field(m, 24), "");
+    EXPECT_EQ(ntlm.Flags(), c.flags);
+  }
+}
+
+// Authenticate messages for the published example, with and without extended
+// session security, and the layout around them.
+TEST(NtlmAuthTest, AuthenticateMessageMatchesThePublishedResponses) {
+  constexpr uint32_t kServerBase = 0x1 | 0x200 | 0x8000;  // Unicode, NTLM, always sign
+  struct Case {
+    const char* name;
+    uint32_t server_flags;
+    uint32_t our_flags;
+    const char* lm;
+    const char* nt;
+  } cases[] = {
+      {"extended session security", kServerBase | 0x80000, 0xa2089205,
+       "aaaaaaaaaaaaaaaa00000000000000000000000000000000", "7537f803ae367128ca458204bde7caf81e97ed2683267232"},
+      {"plain NTLMv1", kServerBase, 0xa2009205, "98def7b87f88aa5dafe2df779688a172def11c7d5ccdef13",
+       "67c43011f30298a2ad35ece64f16331c44bdbed927841f94"},
+      {"target requested", kServerBase | 0x80000 | 0x4 | 0x800000, 0xa2889205,
+       "aaaaaaaaaaaaaaaa00000000000000000000000000000000", "7537f803ae367128ca458204bde7caf81e97ed2683267232"},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    NtlmAuth ntlm;
+    ntlm.SetCredentials("NTLM", "Domain\\User", "Password");
+    int rc = 0;
+    Token(ntlm, "", &rc);
+    ntlm.SetClientChallenge(kClientChallenge);
+    const std::string m = Token(ntlm, Challenge(c.server_flags), &rc);
+    ASSERT_EQ(rc, 0) << ntlm.ErrorText();
+    EXPECT_EQ(m.substr(0, 8), std::string("NTLMSSP\0", 8));
+    EXPECT_EQ(Le32(m, 8), 3u);
+    EXPECT_EQ(Le32(m, 60), c.our_flags);
+    EXPECT_EQ(Hex(m.substr(64, 8)), "000000000000000f");
+    EXPECT_EQ(Hex(Field(m, 12)), c.lm);
+    EXPECT_EQ(Hex(Field(m, 20)), c.nt);
+    EXPECT_EQ(Field(m, 28), std::string("D\0o\0m\0a\0i\0n\0", 12));
+    EXPECT_EQ(Field(m, 36), std::string("U\0s\0e\0r\0", 8));
+    EXPECT_EQ(Field(m, 44), "");
+    EXPECT_EQ(Field(m, 52), "");
+    // Payload order: domain, user, workstation, LM, NT, from offset 72 on.
+    EXPECT_EQ(Le32(m, 32), 72u);
+    EXPECT_EQ(Le32(m, 40), 84u);
+    EXPECT_EQ(Le32(m, 16), 92u);
+    EXPECT_EQ(Le32(m, 24), 116u);
+    EXPECT_EQ(m.size(), 140u);
+  }
+}
+
+TEST(NtlmAuthTest, RandomClientChallengesAreNeverZeroAndDiffer) {
+  NtlmAuth ntlm;
+  ntlm.SetCredentials("NTLM", "u", "p");
+  std::string seen;
+  for (int i = 0; i < 20; ++i) {
+    int rc = 0;
+    Token(ntlm, "", &rc);
+    const std::string m = Token(ntlm, Challenge(0x1 | 0x200 | 0x80000), &rc);
+    ASSERT_EQ(rc, 0);
+    const std::string client = Field(m, 12).substr(0, 8);
+    EXPECT_EQ(client.find('\0'), std::string::npos);
+    EXPECT_NE(client, seen);
+    seen = client;
+  }
+}
+
+TEST(NtlmAuthTest, UserTextIsSentAsUtf16) {
+  struct Case {
+    const char* text;
+    std::string utf16;
+  } cases[] = {
+      {"J\xc3\xbcrgen", std::string("J\0\xfc\0r\0g\0e\0n\0", 12)},
+      {"\xe2\x82\xac", std::string("\xac\x20", 2)},
+      {"\xf0\x9f\x98\x80", std::string("\x3d\xd8\x00\xde", 4)},
+      {"\xff" "a", std::string("\xff\0a\0", 4)},  // not UTF-8: taken as Latin-1
+      {"\xc3", std::string("\xc3\0", 2)},
+  };
+  for (const Case& c : cases) {
+    ByteString out;
+    ASSERT_EQ(NtlmAuth::AppendUtf16(out, c.text, static_cast<int32_t>(std::strlen(c.text))), 0);
+    EXPECT_EQ(Hex(out.View()), Hex(c.utf16)) << c.text;
+  }
+}
+
+TEST(NtlmAuthTest, BadChallengesGiveTheirTextsAndNoToken) {
+  std::string bad_signature = Challenge(0x1 | 0x200);
+  bad_signature[3] = 'X';
+  std::string bad_type = Challenge(0x1 | 0x200);
+  bad_type[8] = 3;
+  struct Case {
+    std::string challenge;
+    const char* text;
+  } cases[] = {
+      {bad_signature, NtlmAuth::kTextBadSignature},
+      {"NTLMSSP", NtlmAuth::kTextBadSignature},
+      {bad_type, NtlmAuth::kTextBadType},
+      {Challenge(0x200), NtlmAuth::kTextNoCharset},
+      {Challenge(0x1), NtlmAuth::kTextNoVersion},
+      {std::string("NTLMSSP\0\x02\0\0\0", 12), NtlmAuth::kTextNoCharset},  // cut short: flags read as 0
+  };
+  for (const Case& c : cases) {
+    NtlmAuth ntlm;
+    ntlm.SetCredentials("NTLM", "u", "p");
+    int rc = 0;
+    Token(ntlm, "", &rc);
+    EXPECT_EQ(Token(ntlm, c.challenge, &rc), "");
+    EXPECT_EQ(rc, -1);
+    EXPECT_STREQ(ntlm.ErrorText(), c.text);
+  }
+  EXPECT_STREQ(NtlmAuth::kTextBadSignature,
+               "Could not process server's NTLM authentication token: invalid signature.");
+}
+
+// Security buffers that point outside the message are clipped, never followed.
+TEST(NtlmAuthTest, ChallengeBuffersPointingOutsideAreClipped) {
+  std::string m = Challenge(0x1 | 0x200 | 0x4 | 0x800000);
+  PutLe(m, 16, 0xfffffff0, 4);
+  PutLe(m, 40, 0xffff, 2);
+  NtlmAuth ntlm;
+  ntlm.SetCredentials("NTLM", "u", "p");
+  int rc = 0;
+  EXPECT_NE(Token(ntlm, m, &rc), "");
+  EXPECT_EQ(rc, 0);
+  ntlm.Reset(true);
+  EXPECT_EQ(Token(ntlm, "", &rc), "");
+  EXPECT_EQ(rc, -1);
+}
+
+}  // namespace
+}  // namespace orvelan
