@@ -3,7 +3,10 @@
 // through the component's property ids as a host would.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 #include "services/bank_statement_component.h"
@@ -145,6 +148,38 @@ TEST_F(BankStatementBankTest, ServerStatusesAndTransportFailures) {
     EXPECT_EQ(component_.Do(3, 0, nullptr, nullptr), 301);
     EXPECT_STREQ(component_.GetLastError(), "Timeout.");
   }
+}
+
+// The images a statement refers to, through the method's parameter slots.
+TEST_F(BankStatementBankTest, ImagesOfTheStatement) {
+  ORVELAN_REQUIRE_TEST_BANK(bank);
+  ORVELAN_REQUIRE_TLS_BANK(bank);
+  Prepare(bank.TlsUrl(), "user", "211");
+  ASSERT_EQ(component_.Set(33, 0, reinterpret_cast<void*>(1), 0), 0);
+  ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
+  EXPECT_NE(bank.Requests().back().body.find("<INCTRANIMG>Y</INCTRANIMG>\r\n</STMTRQ>"), std::string::npos);
+  ASSERT_GT(GetInt(53), 0);
+  const std::string reference = s_.Transactions().Item(0)->Text(StatementTransaction::kImageRef);
+  ASSERT_FALSE(reference.empty()) << Get(54);
+
+  // The engine keeps an image only when it has a file to write it to.
+  const std::string base = ::testing::TempDir() + "statement_image_" + std::to_string(getpid());
+  ASSERT_EQ(Set(32, base), 0);
+  void* params[3] = {const_cast<char*>(reference.c_str()), const_cast<char*>("OPAQUE"), nullptr};
+  int lengths[3] = {0, 0, 0};
+  ASSERT_EQ(component_.Do(4, 3, params, lengths), 0) << component_.GetLastError();
+  ASSERT_GT(lengths[2], 8);
+  EXPECT_EQ(std::string(static_cast<const char*>(params[2]), 8), "\x89PNG\r\n\x1a\n");
+  // The image travels in the PNG's comment, so the right one came back.
+  EXPECT_NE(std::string(static_cast<const char*>(params[2]), static_cast<size_t>(lengths[2])).find(reference),
+            std::string::npos);
+
+  std::remove((base + ".png").c_str());
+
+  params[0] = const_cast<char*>("missing");
+  EXPECT_EQ(component_.Do(4, 3, params, lengths), 16512);
+  EXPECT_STREQ(component_.GetLastError(), "Image Reference Identifier not found.");
+  EXPECT_EQ(lengths[2], 0);
 }
 
 }  // namespace
