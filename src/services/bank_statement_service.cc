@@ -210,7 +210,8 @@ int BankStatementService::ParseTransactions() {
   if (int rc = ReadResponseValue(currency_code_, doc, "STMTRS/CURDEF", true); rc != kOk) return rc;
 
   ByteString type;
-  const char* type_path = doc.HasPath("../BANKACCTFROM/ACCTTYPE2") ? "../BANKACCTFROM/ACCTTYPE2" : "../BANKACCTFROM/ACCTTYPE";
+  const char* type_path =
+      doc.HasPath("../BANKACCTFROM/ACCTTYPE2") ? "../BANKACCTFROM/ACCTTYPE2" : "../BANKACCTFROM/ACCTTYPE";
   if (int rc = ReadResponseValue(type, doc, type_path, true); rc != kOk) return rc;
   // Exact names only: a bank's lower-case code is not trusted to mean the same.
   for (int32_t i = 0; i < kAccountTypeCount; ++i) {

@@ -105,10 +105,18 @@ class BankStatementService : public OFXClient {
   const char* ClosingInfoBalanceOpen(int32_t index) {
     return ClosingAmount(kShowBalanceOpen, index, ClosingInfo::kBalanceOpen);
   }
-  const char* ClosingInfoDateClose(int32_t index) { return ClosingDate(kShowDateClose, index, ClosingInfo::kDateClose); }
-  const char* ClosingInfoDateEnd(int32_t index) { return ClosingDate(kShowDateEnd, index, ClosingInfo::kDateEnd); }
-  const char* ClosingInfoDateOpen(int32_t index) { return ClosingDate(kShowDateOpen, index, ClosingInfo::kDateOpen); }
-  const char* ClosingInfoDateStart(int32_t index) { return ClosingDate(kShowDateStart, index, ClosingInfo::kDateStart); }
+  const char* ClosingInfoDateClose(int32_t index) {
+    return ClosingDate(kShowDateClose, index, ClosingInfo::kDateClose);
+  }
+  const char* ClosingInfoDateEnd(int32_t index) {
+    return ClosingDate(kShowDateEnd, index, ClosingInfo::kDateEnd);
+  }
+  const char* ClosingInfoDateOpen(int32_t index) {
+    return ClosingDate(kShowDateOpen, index, ClosingInfo::kDateOpen);
+  }
+  const char* ClosingInfoDateStart(int32_t index) {
+    return ClosingDate(kShowDateStart, index, ClosingInfo::kDateStart);
+  }
   const char* ClosingInfoFITID(int32_t index) { return Closing(index).Text(ClosingInfo::kFITID); }
   const char* ClosingInfoImageRef(int32_t index) { return Closing(index).Text(ClosingInfo::kImageRef); }
   const char* ClosingInfoImageRefType(int32_t index) { return Closing(index).Text(ClosingInfo::kImageRefType); }

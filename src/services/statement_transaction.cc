@@ -10,8 +10,19 @@ namespace {
 
 // Where each field comes from, relative to the record's element.
 constexpr const char* kPaths[StatementTransaction::kFieldCount] = {
-    "TRNAMT",   "CHECKNUM",           "DTUSER", "DTPOSTED", "FITID", "MEMO", "IMAGEDATA/IMAGEREF", "IMAGEDATA/IMAGEREFTYPE",
-    "NAME",     "TRNTYPE",            "LOANTRNAMT/PRINAMT", "LOANTRNAMT/INTAMT", "LOANTRNAMT/ESCRWAMT/ESCRWTOTAL"};
+    "TRNAMT",
+    "CHECKNUM",
+    "DTUSER",
+    "DTPOSTED",
+    "FITID",
+    "MEMO",
+    "IMAGEDATA/IMAGEREF",
+    "IMAGEDATA/IMAGEREFTYPE",
+    "NAME",
+    "TRNTYPE",
+    "LOANTRNAMT/PRINAMT",
+    "LOANTRNAMT/INTAMT",
+    "LOANTRNAMT/ESCRWAMT/ESCRWTOTAL"};
 
 // ReadField's failure for `name` below the cursor, which it leaves in place.
 int Missing(OFXClient& client, const char* name) {

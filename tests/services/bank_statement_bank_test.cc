@@ -59,12 +59,11 @@ TEST_F(BankStatementBankTest, StatementInBothDialects) {
     ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
     const std::string body = bank.Requests().back().body;
     const bool xml = version[0] == '2';
-    EXPECT_NE(body.find(xml ? "<BANKMSGSRQV1>\r\n<STMTTRNRQ>\r\n<TRNUID>" : "<BANKMSGSRQV1>\r\n<STMTTRNRQ>\r\n<TRNUID>"),
-              std::string::npos);
+    EXPECT_NE(body.find("<BANKMSGSRQV1>\r\n<STMTTRNRQ>\r\n<TRNUID>"), std::string::npos);
     EXPECT_NE(body.find(xml ? "<ACCTTYPE>SAVINGS</ACCTTYPE>\r\n" : "<ACCTTYPE>SAVINGS\r\n</BANKACCTFROM>"),
               std::string::npos)
         << body;
-    EXPECT_NE(body.find(xml ? "<DTSTART>20260101" : "<DTSTART>20260101"), std::string::npos);
+    EXPECT_NE(body.find("<DTSTART>20260101"), std::string::npos);
 
     EXPECT_EQ(Get(21), "USD");
     EXPECT_EQ(Get(1), "4412345678");
