@@ -3,6 +3,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
+#include <string>
 
 #include "services/bank_statement_component.h"
 
@@ -25,9 +26,15 @@ BENCHMARK(BM_SetText);
 
 void BM_GetIndexedText(benchmark::State& state) {
   BankStatementComponent component(nullptr, nullptr);
-  orvelan::StatementTransaction tx;
-  tx.amount.Assign("-42.17");
-  for (int i = 0; i < 1000; ++i) component.service().Transactions().Add(tx);
+  std::string response =
+      "<OFX><BANKMSGSRSV1><STMTTRNRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><STMTRS><CURDEF>USD"
+      "<BANKACCTFROM><BANKID>1<ACCTID>2<ACCTTYPE>CHECKING</BANKACCTFROM><BANKTRANLIST><DTSTART>20260101"
+      "<DTEND>20260131";
+  for (int i = 0; i < 1000; ++i) {
+    response += "<STMTTRN><TRNTYPE>DEBIT<DTPOSTED>20260105<TRNAMT>-42.17<FITID>" + std::to_string(i) + "</STMTTRN>";
+  }
+  response += "</BANKTRANLIST><LEDGERBAL><BALAMT>1<DTASOF>20260131</LEDGERBAL></STMTRS></STMTTRNRS></BANKMSGSRSV1></OFX>";
+  if (component.service().SetOFXResponse(response.c_str()) != 0) state.SkipWithError("response not read");
   int index = 0;
   for (auto _ : state) {
     benchmark::DoNotOptimize(component.Get(55, index, nullptr));

@@ -1,123 +1,213 @@
-// A host program that drives a BankStatement through the public C interface
-// only: it prepares a statement request, reads the settings back, talks to the
-// Config method, and shows how failures and events reach the host.
+// The library's main job, end to end, through the public C interface only:
+//   1. a bank statement downloaded over HTTPS from the scripted test bank,
+//      started here on loopback with a certificate made on the fly, which this
+//      host accepts through SSLAcceptServerCertEncoded;
+//   2. the same statement view of an OFX file shipped beside this program.
+// Run it with `make demo`; `orvelan-demo FILE.ofx` shows another file instead.
+#include <openssl/evp.h>
+#include <openssl/pem.h>
+#include <openssl/x509.h>
+#include <openssl/x509v3.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <thread>
 
 #include "orvelan.h"
+#include "statement_printer.h"
 
 namespace {
 
+template <typename T, void (*Free)(T*)>
+struct Deleter {
+  void operator()(T* p) const { Free(p); }
+};
+using KeyPtr = std::unique_ptr<EVP_PKEY, Deleter<EVP_PKEY, EVP_PKEY_free>>;
+using CertPtr = std::unique_ptr<X509, Deleter<X509, X509_free>>;
+
+// A self-signed certificate for 127.0.0.1 and localhost, valid for a day.
+bool MakeCertificate(const std::string& cert_path, const std::string& key_path) {
+  KeyPtr key(EVP_RSA_gen(2048));
+  CertPtr cert(X509_new());
+  if (key == nullptr || cert == nullptr) return false;
+  X509_set_version(cert.get(), 2);
+  ASN1_INTEGER_set(X509_get_serialNumber(cert.get()), static_cast<long>(std::time(nullptr)));
+  X509_gmtime_adj(X509_getm_notBefore(cert.get()), -60);
+  X509_gmtime_adj(X509_getm_notAfter(cert.get()), 86400);
+  X509_set_pubkey(cert.get(), key.get());
+  X509_NAME* name = X509_get_subject_name(cert.get());
+  X509_NAME_add_entry_by_txt(name, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char*>("Orvelan Test Bank"), -1,
+                             -1, 0);
+  X509_set_issuer_name(cert.get(), name);
+  X509V3_CTX context;
+  X509V3_set_ctx_nodb(&context);
+  X509V3_set_ctx(&context, cert.get(), cert.get(), nullptr, nullptr, 0);
+  X509_EXTENSION* san = X509V3_EXT_conf_nid(nullptr, &context, NID_subject_alt_name, "IP:127.0.0.1,DNS:localhost");
+  if (san == nullptr) return false;
+  X509_add_ext(cert.get(), san, -1);
+  X509_EXTENSION_free(san);
+  if (X509_sign(cert.get(), key.get(), EVP_sha256()) == 0) return false;
+  std::FILE* out = std::fopen(cert_path.c_str(), "w");
+  if (out == nullptr) return false;
+  PEM_write_X509(out, cert.get());
+  std::fclose(out);
+  out = std::fopen(key_path.c_str(), "w");
+  if (out == nullptr) return false;
+  PEM_write_PrivateKey(out, key.get(), nullptr, nullptr, 0, nullptr, nullptr);
+  std::fclose(out);
+  return true;
+}
+
+std::string Slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+// The scripted test bank in a child process, stopped when this goes away.
+class TestBank {
+ public:
+  explicit TestBank(const std::string& dir) : dir_(dir) {}
+  TestBank(const TestBank&) = delete;
+  TestBank& operator=(const TestBank&) = delete;
+  ~TestBank() {
+    if (pid_ > 0) {
+      kill(pid_, SIGTERM);
+      waitpid(pid_, nullptr, 0);
+    }
+  }
+
+  // Returns the port it listens on, or 0.
+  int Start(const std::string& cert, const std::string& key) {
+    const std::string port_file = dir_ + "/port";
+    const std::string script = std::string(ORVELAN_SOURCE_DIR) + "/tests/support/test_bank.py";
+    std::fflush(stdout);  // or the child writes our buffered output again
+    pid_ = fork();
+    if (pid_ == 0) {
+      // The bank announces its port on stdout too; the port file is enough here.
+      if (std::FILE* quiet = std::freopen("/dev/null", "w", stdout); quiet == nullptr) std::_Exit(127);
+      execlp("python3", "python3", script.c_str(), "--port-file", port_file.c_str(), "--tls-cert", cert.c_str(),
+             "--tls-key", key.c_str(), "--log", (dir_ + "/requests.log").c_str(), static_cast<char*>(nullptr));
+      std::_Exit(127);
+    }
+    for (int waited = 0; pid_ > 0 && waited < 100; ++waited) {
+      const std::string port = Slurp(port_file);
+      if (!port.empty() && port.back() == '\n') return std::atoi(port.c_str());
+      if (waitpid(pid_, nullptr, WNOHANG) == pid_) {
+        pid_ = 0;
+        break;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    }
+    return 0;
+  }
+
+ private:
+  std::string dir_;
+  pid_t pid_ = 0;
+};
+
 int OnEvent(void* /*user_data*/, int event_id, int /*count*/, void** params, int* /*lengths*/) {
-  switch (event_id) {
-    case ORVELAN_EVENT_ERROR:
-      std::printf("  event Error: %d %s\n", static_cast<int>(reinterpret_cast<intptr_t>(params[0])),
-                  static_cast<const char*>(params[1]));
-      break;
-    case ORVELAN_EVENT_CONNECTION_STATUS:
-      std::printf("  event ConnectionStatus: %s (%d) %s\n", static_cast<const char*>(params[0]),
-                  static_cast<int>(reinterpret_cast<intptr_t>(params[1])), static_cast<const char*>(params[2]));
-      break;
-    default:
-      std::printf("  event %d\n", event_id);
-      break;
+  if (event_id == ORVELAN_EVENT_ERROR) {
+    std::printf("  (server notice %d: %s)\n", static_cast<int>(reinterpret_cast<intptr_t>(params[0])),
+                static_cast<const char*>(params[1]));
   }
   return 0;
 }
 
-const char* Text(void* st, int id, int index = 0) {
-  const char* text = static_cast<const char*>(BankStatement_Get(st, id, index, nullptr));
-  return text == nullptr ? "" : text;
+int Report(void* st, const char* what) {
+  std::printf("%s failed: %d %s\n", what, BankStatement_GetLastErrorCode(st), BankStatement_GetLastError(st));
+  return 1;
 }
 
-long Integer(void* st, int id) { return static_cast<long>(reinterpret_cast<intptr_t>(BankStatement_Get(st, id, 0, nullptr))); }
-
-const char* Config(void* st, const char* setting, int* rc) {
-  void* params[2] = {const_cast<char*>(setting), nullptr};
-  int lengths[2] = {0, 0};
-  *rc = BankStatement_Do(st, BANKSTATEMENT_METHOD_CONFIG, 2, params, lengths);
-  return params[1] == nullptr ? "" : static_cast<const char*>(params[1]);
+int SetText(void* st, int id, const std::string& value) {
+  return BankStatement_Set(st, id, 0, value.c_str(), static_cast<int>(value.size()));
 }
 
-void Report(void* st, const char* what, int rc) {
-  std::printf("  %-38s -> %d", what, rc);
-  if (rc == -1) {
-    std::printf("  (unknown or read-only id: the last error is left as it was)");
-  } else if (rc != 0) {
-    std::printf("  [%d] \"%s\"", BankStatement_GetLastErrorCode(st), BankStatement_GetLastError(st));
+int Download(const std::string& dir) {
+  const std::string cert = dir + "/bank.pem", key = dir + "/bank.key";
+  if (!MakeCertificate(cert, key)) {
+    std::printf("could not make the test certificate\n");
+    return 1;
   }
-  std::printf("\n");
+  TestBank bank(dir);
+  const int port = bank.Start(cert, key);
+  if (port == 0) {
+    std::printf("could not start the test bank (python3 is needed)\n");
+    return 1;
+  }
+  const std::string url = "https://127.0.0.1:" + std::to_string(port) + "/ofx";
+  std::printf("== Downloading a statement from the test bank at %s (OFX 2.1.1 over TLS)\n\n", url.c_str());
+  void* st = BankStatement_Create(OnEvent, nullptr, nullptr);
+  const struct {
+    int id;
+    std::string value;
+  } settings[] = {
+      {BANKSTATEMENT_PROP_FIURL, url},
+      {BANKSTATEMENT_PROP_FIORGANIZATION, "Orvelan Test Bank"},
+      {BANKSTATEMENT_PROP_FIID, "9999"},
+      {BANKSTATEMENT_PROP_OFXUSER, "user"},
+      {BANKSTATEMENT_PROP_OFXPASSWORD, "secret"},
+      {BANKSTATEMENT_PROP_OFXAPPID, "QWIN"},
+      {BANKSTATEMENT_PROP_OFXAPPVERSION, "2700"},
+      {BANKSTATEMENT_PROP_OFXVERSION, "211"},
+      {BANKSTATEMENT_PROP_BANKID, "121000248"},
+      {BANKSTATEMENT_PROP_ACCOUNTID, "4412345678"},
+      {BANKSTATEMENT_PROP_STARTDATE, "01/01/2026 00:00:00"},
+      {BANKSTATEMENT_PROP_ENDDATE, "01/31/2026 00:00:00"},
+      {BANKSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED, Slurp(cert)},
+  };
+  int status = 0;
+  for (const auto& setting : settings) {
+    if (SetText(st, setting.id, setting.value) != 0) status = Report(st, "setting a property");
+  }
+  if (status == 0 && BankStatement_Do(st, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, nullptr, nullptr) != 0) {
+    status = Report(st, "GetStatement");
+  }
+  if (status == 0) StatementPrinter(StatementPrinter::Format::kTable).Print(st, stdout);
+  BankStatement_Destroy(st);
+  return status;
+}
+
+int ReadFile(const std::string& path) {
+  std::printf("\n== Reading %s\n\n", path.c_str());
+  void* st = BankStatement_Create(nullptr, nullptr, nullptr);
+  void* params[1] = {const_cast<char*>(path.c_str())};
+  int lengths[1] = {0};
+  int status = 0;
+  if (BankStatement_Do(st, BANKSTATEMENT_METHOD_READOFXDATAFILE, 1, params, lengths) != 0) {
+    status = Report(st, "ReadOFXDataFile");
+  } else {
+    StatementPrinter(StatementPrinter::Format::kTable).Print(st, stdout);
+  }
+  BankStatement_Destroy(st);
+  return status;
 }
 
 }  // namespace
 
-int main() {
-  void* st = BankStatement_Create(OnEvent, nullptr, nullptr);
-  if (st == nullptr) {
-    std::fprintf(stderr, "BankStatement_Create failed\n");
+int main(int argc, char** argv) {
+  void* probe = BankStatement_Create(nullptr, nullptr, nullptr);
+  std::printf("Library: %s\n\n", static_cast<const char*>(BankStatement_Get(probe, ORVELAN_PROP_VERSION, 0, nullptr)));
+  BankStatement_Destroy(probe);
+
+  char dir_template[] = "/tmp/orvelan-demo-XXXXXX";
+  const char* dir = mkdtemp(dir_template);
+  if (dir == nullptr) {
+    std::perror("mkdtemp");
     return 1;
   }
-  std::printf("Library: %s\n", Text(st, ORVELAN_PROP_VERSION));
-
-  std::printf("\nDefaults of a new BankStatement:\n");
-  int length = 0;
-  const char* store = static_cast<const char*>(BankStatement_Get(st, BANKSTATEMENT_PROP_SSLCERTSTORE, 0, &length));
-  std::printf("  OFXVersion \"%s\", Timeout %ld s, SSLCertStore \"%.*s\" (%d bytes), TxCount %ld\n",
-              Text(st, BANKSTATEMENT_PROP_OFXVERSION), Integer(st, BANKSTATEMENT_PROP_TIMEOUT), length, store, length,
-              Integer(st, BANKSTATEMENT_PROP_TXCOUNT));
-
-  std::printf("\nPreparing a statement request:\n");
-  struct {
-    int id;
-    const char* name;
-    const char* value;
-  } const texts[] = {
-      {BANKSTATEMENT_PROP_FIURL, "FIUrl", "https://ofx.example-bank.test/ofx"},
-      {BANKSTATEMENT_PROP_FIORGANIZATION, "FIOrganization", "Example Bank"},
-      {BANKSTATEMENT_PROP_FIID, "FIId", "1001"},
-      {BANKSTATEMENT_PROP_OFXUSER, "OFXUser", "demo-user"},
-      {BANKSTATEMENT_PROP_OFXPASSWORD, "OFXPassword", "demo-pass"},
-      {BANKSTATEMENT_PROP_OFXAPPID, "OFXAppId", "ORVELAN"},
-      {BANKSTATEMENT_PROP_OFXAPPVERSION, "OFXAppVersion", "0300"},
-      {BANKSTATEMENT_PROP_BANKID, "BankId", "021000021"},
-      {BANKSTATEMENT_PROP_ACCOUNTID, "AccountId", "000123456789"},
-      {BANKSTATEMENT_PROP_OFXVERSION, "OFXVersion", "211"},
-  };
-  for (const auto& t : texts) {
-    Report(st, t.name, BankStatement_Set(st, t.id, 0, t.value, 0));
-  }
-  Report(st, "AccountType = 1 (savings)",
-         BankStatement_Set(st, BANKSTATEMENT_PROP_ACCOUNTTYPE, 0, reinterpret_cast<void*>(intptr_t{1}), 0));
-  Report(st, "FirewallType = 3 (SOCKS 5)",
-         BankStatement_Set(st, BANKSTATEMENT_PROP_FIREWALLTYPE, 0, reinterpret_cast<void*>(intptr_t{3}), 0));
-  std::printf("  FirewallPort now reads %ld\n", Integer(st, BANKSTATEMENT_PROP_FIREWALLPORT));
-  for (const auto& t : texts) std::printf("  %-16s = \"%s\"\n", t.name, Text(st, t.id));
-
-  std::printf("\nWhat the library refuses:\n");
-  Report(st, "AccountType = 7",
-         BankStatement_Set(st, BANKSTATEMENT_PROP_ACCOUNTTYPE, 0, reinterpret_cast<void*>(intptr_t{7}), 0));
-  Report(st, "SSLCertStore = (empty)", BankStatement_Set(st, BANKSTATEMENT_PROP_SSLCERTSTORE, 0, "", 0));
-  Report(st, "OFXRequest (read-only)", BankStatement_Set(st, BANKSTATEMENT_PROP_OFXREQUEST, 0, "x", 0));
-  BankStatement_Get(st, BANKSTATEMENT_PROP_TXAMOUNT, 0, nullptr);
-  Report(st, "TxAmount[0] of an empty statement", BankStatement_GetLastErrorCode(st));
-  Report(st, "CheckIndex(TxAmount, 0)", BankStatement_CheckIndex(st, BANKSTATEMENT_PROP_TXAMOUNT, 0));
-
-  std::printf("\nConfig:\n");
-  const char* const settings[] = {"CodePage", "CodePage=65001", "CodePage", "CharsetMode=300", "CharsetMode",
-                                  "BankIdPresent", "BankIdPresent=false", "BankIdPresent", "NoSuchSetting"};
-  for (const char* setting : settings) {
-    int rc = 0;
-    const char* answer = Config(st, setting, &rc);
-    std::printf("  %-22s -> %2d  \"%s\"", setting, rc, answer);
-    if (rc != 0) std::printf("  (%s)", BankStatement_GetLastError(st));
-    std::printf("\n");
-  }
-
-  std::printf("\nDownloading needs the OFX engine, which this build does not have yet:\n");
-  Report(st, "GetStatement", BankStatement_Do(st, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, nullptr, nullptr));
-
-  BankStatement_Destroy(st);
-  std::printf("\nDone.\n");
-  return 0;
+  int status = Download(dir);
+  std::system((std::string("rm -rf '") + dir + "'").c_str());
+  const std::string file = argc > 1 ? argv[1] : std::string(ORVELAN_SOURCE_DIR) + "/examples/statement.ofx";
+  status |= ReadFile(file);
+  return status;
 }

@@ -6,7 +6,10 @@
 //                     --bank-id B --account A [--type checking|savings|moneymrkt|creditline]
 //                     [--from MM/DD/YYYY] [--to MM/DD/YYYY] [--format table|csv|json]
 //                     [--ofx-version 102|211] [--accept-cert FILE] [--timeout SECONDS]
+//                     [--app-id ID] [--app-version VERSION]
 //
+// The application id and version default to "QWIN" and "2700", which most
+// servers accept.
 // Exit status: 0 on success, 1 when the library reports an error (its code and
 // text go to standard error), 2 for a bad command line.
 #include <cstdint>
@@ -27,10 +30,12 @@ const char kUsage[] =
     "       orvelan-statement --url URL --org ORG --fid FID --user U --password P\n"
     "                         --bank-id B --account A [--type checking|savings|moneymrkt|creditline]\n"
     "                         [--from MM/DD/YYYY] [--to MM/DD/YYYY] [--format table|csv|json]\n"
-    "                         [--ofx-version 102|211] [--accept-cert FILE] [--timeout SECONDS]\n";
+    "                         [--ofx-version 102|211] [--accept-cert FILE] [--timeout SECONDS]\n"
+    "                         [--app-id ID] [--app-version VERSION]\n";
 
 struct Options {
   std::string file, url, org, fid, user, password, bank_id, account, from, to, ofx_version, accept_cert;
+  std::string app_id = "QWIN", app_version = "2700";
   int account_type = 0;
   long timeout = -1;
   StatementPrinter::Format format = StatementPrinter::Format::kTable;
@@ -63,6 +68,7 @@ int ParseOptions(int argc, char** argv, Options* options) {
       {"--user", &options->user},         {"--password", &options->password}, {"--bank-id", &options->bank_id},
       {"--account", &options->account},   {"--from", &options->from},       {"--to", &options->to},
       {"--ofx-version", &options->ofx_version}, {"--accept-cert", &options->accept_cert},
+      {"--app-id", &options->app_id},     {"--app-version", &options->app_version},
   };
   for (int i = 1; i < argc; ++i) {
     const char* arg = argv[i];
@@ -135,6 +141,8 @@ int Download(void* st, const Options& options) {
       {BANKSTATEMENT_PROP_FIID, "FIId", options.fid},
       {BANKSTATEMENT_PROP_OFXUSER, "OFXUser", options.user},
       {BANKSTATEMENT_PROP_OFXPASSWORD, "OFXPassword", options.password},
+      {BANKSTATEMENT_PROP_OFXAPPID, "OFXAppId", options.app_id},
+      {BANKSTATEMENT_PROP_OFXAPPVERSION, "OFXAppVersion", options.app_version},
       {BANKSTATEMENT_PROP_BANKID, "BankId", options.bank_id},
       {BANKSTATEMENT_PROP_ACCOUNTID, "AccountId", options.account},
       {BANKSTATEMENT_PROP_STARTDATE, "StartDate", options.from.empty() ? "" : WithTime(options.from)},

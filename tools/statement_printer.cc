@@ -127,10 +127,10 @@ void StatementPrinter::PrintTable(void* st, std::FILE* out) const {
                  available_date.c_str());
   }
   std::vector<Row> rows = Rows(st);
-  std::fprintf(out, "\n%-19s  %-15s  %12s  %-20s  %s\n", "Posted", "Type", "Amount", "FITID", "Payee / memo");
-  std::fprintf(out, "%s\n", std::string(100, '-').c_str());
+  std::fprintf(out, "\n%-19s  %-15s  %12s  %-26s  %s\n", "Posted", "Type", "Amount", "FITID", "Payee / memo");
+  std::fprintf(out, "%s\n", std::string(106, '-').c_str());
   for (const Row& row : rows) {
-    std::fprintf(out, "%-19s  %-15.15s  %12s  %-20s  %s\n", row.date_posted.c_str(), row.type.c_str(),
+    std::fprintf(out, "%-19s  %-15.15s  %12s  %-26s  %s\n", row.date_posted.c_str(), row.type.c_str(),
                  row.amount.c_str(), row.fitid.c_str(), Description(row).c_str());
   }
   std::fprintf(out, "%zu transaction%s\n", rows.size(), rows.size() == 1 ? "" : "s");

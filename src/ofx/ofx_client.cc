@@ -1,6 +1,7 @@
 #include "ofx/ofx_client.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
 
@@ -148,6 +149,8 @@ void OFXClient::ClearRequestState() {
 }
 
 void OFXClient::ResetDocument() {
+  document_parsed_ = false;
+  file_response_.Clear();
   document_.Reset();
   document_.SetBuildDOM(true);
   document_.SetValidate(true);
@@ -401,6 +404,8 @@ int OFXClient::ProcessResponse(std::string_view text) {
   const std::string_view body = TransferredData();
   if (!text.empty() && text.data() == body.data() && text.size() == body.size()) {
     parsed_ = body;
+  } else if (!text.empty() && text.data() == file_text_.Data() && text.size() == file_text_.View().size()) {
+    parsed_ = file_text_.View();
   } else {
     if (text.data() != retained_.Data()) {
       response_is_set_ = false;
@@ -411,6 +416,7 @@ int OFXClient::ProcessResponse(std::string_view text) {
   if (int rc = document_.RegisterAggregates(); rc != kOk) return ReportError(rc, document_.GetLastError());
   if (int rc = document_.ParseRetained(parsed_); rc != kOk) return ReportError(rc, document_.GetLastError());
   if (int rc = document_.SelectPath("/"); rc != kOk) return ReportError(rc, document_.GetLastError());
+  document_parsed_ = true;
 
   if (document_.HasPath("SIGNONMSGSRSV1")) {
     if (int rc = CheckStatus("SIGNONMSGSRSV1/SONRS/", true); rc != kOk) return rc;
@@ -542,6 +548,23 @@ int OFXClient::ReadOFXDataFile(const char* path) {
   UniqueFd fd(::open(path == nullptr ? "" : path, O_RDONLY | O_CLOEXEC));
   if (!fd.is_valid()) return ReportError(kErrCannotOpen, "Cannot open OFX data file for reading.");
   ClearResponse();
+  // Read straight into a block of the file's size: a large statement is not
+  // copied through a series of growths. A file that grows meanwhile, or that
+  // has no size (a pipe), is read on in chunks.
+  struct stat info {};
+  int32_t have = 0;
+  if (::fstat(fd.get(), &info) == 0 && S_ISREG(info.st_mode) && info.st_size > 0 && info.st_size < 0x7FFFFFF0) {
+    const int32_t size = static_cast<int32_t>(info.st_size);
+    if (int rc = file_text_.SetLength(size); rc != kOk) return ReportError(rc, nullptr);
+    while (have < size) {
+      const ssize_t n = ::read(fd.get(), file_text_.MutableData() + have, static_cast<size_t>(size - have));
+      if (n < 0 && errno == EINTR) continue;
+      if (n < 0) return ReportError(kErrCannotRead, "Cannot read from OFX data file.");
+      if (n == 0) break;
+      have += static_cast<int32_t>(n);
+    }
+    file_text_.SetLength(have);
+  }
   char chunk[4096];
   for (;;) {
     const ssize_t n = ::read(fd.get(), chunk, sizeof chunk);
@@ -551,17 +574,24 @@ int OFXClient::ReadOFXDataFile(const char* path) {
     if (int rc = file_text_.Append(chunk, static_cast<int32_t>(n)); rc != kOk) return ReportError(rc, nullptr);
   }
   raw_source_ = RawSource::kFile;
-  // A first parse finds the top element, which drops the OFX 1.x header lines
-  // and writes in the end tags that SGML leaves out.
-  if (int rc = document_.Parse(file_text_.View()); rc != kOk) {
-    return MapParseFailure(ReportError(rc, document_.GetLastError()));
+  // Parsed in place: the parser skips the OFX 1.x header lines and keeps the
+  // end tags SGML leaves out beside the text rather than in a second copy.
+  const int rc = ProcessResponse(file_text_.View());
+  response_is_set_ = document_parsed_;
+  return MapParseFailure(rc);
+}
+
+const char* OFXClient::OFXResponse() {
+  if (!response_is_set_) return "";
+  if (raw_source_ != RawSource::kFile) return parsed_.data();
+  if (file_response_.IsEmpty()) {
+    DocumentTree& tree = document_.Tree();
+    const uint32_t cursor = tree.Cursor();
+    tree.SetCursor(tree.Top());
+    file_response_.Assign(document_.ElementSubtree());
+    tree.SetCursor(cursor);
   }
-  if (int rc = document_.SelectPath("/"); rc != kOk) {
-    return MapParseFailure(ReportError(rc, document_.GetLastError()));
-  }
-  if (int rc = retained_.Assign(document_.ElementSubtree()); rc != kOk) return ReportError(rc, nullptr);
-  response_is_set_ = true;
-  return MapParseFailure(ProcessResponse(retained_.View()));
+  return file_response_.Data();
 }
 
 int OFXClient::WriteOFXDataFile(const char* path) {

@@ -187,7 +187,9 @@ class OFXClient : public HttpsClient {
   const char* OFXRequest();
   // The last response. Writing clears the request state as Reset does, then
   // processes the text; an empty text fails with 508.
-  const char* OFXResponse() const { return response_is_set_ ? parsed_.data() : ""; }
+  // A data file reads back as its top element, with the end tags that SGML
+  // leaves out written in and without the header lines.
+  const char* OFXResponse();
   int SetOFXResponse(const char* value);
   // The IMAGEREF of the pending image request; the body of the next request
   // is the image request while it is set (OFX "211" only).
@@ -253,7 +255,9 @@ class OFXClient : public HttpsClient {
   ByteString retained_;           // a response that did not come over HTTP
   std::string_view parsed_;       // what the document refers to: retained_ or the HTTP body
   bool response_is_set_ = false;  // parsed_ is OFXResponse (both end in a NUL)
-  ByteString file_text_;          // a data file as read, for RawResponse
+  ByteString file_text_;          // a data file as read, parsed in place
+  ByteString file_response_;      // OFXResponse of a data file, made when first read
+  bool document_parsed_ = false;  // the last response parsed as markup
   RawSource raw_source_ = RawSource::kNone;
   bool posted_ = false;  // the last Exchange reached the post
   int post_result_ = 0;

@@ -80,21 +80,30 @@ std::vector<PropertyDef<S>> Properties() {
 }
 
 int RunReset(S& s, MethodCall<S>&) { return s.Reset(); }
+int RunGetStatement(S& s, MethodCall<S>&) { return s.GetStatement(); }
+int RunGetClosingInfo(S& s, MethodCall<S>&) { return s.GetClosingInfo(); }
+int RunReadOFXDataFile(S& s, MethodCall<S>& call) { return s.ReadOFXDataFile(call.Text(0)); }
+int RunWriteOFXDataFile(S& s, MethodCall<S>& call) { return s.WriteOFXDataFile(call.Text(0)); }
 
-// Downloads, images and data files need the OFX engine and the transport;
-// until they exist these methods say so instead of pretending to succeed.
-constexpr int kErrNotAvailable = 38;  // "Function not implemented."
-int RunNotAvailable(S&, MethodCall<S>&) { return kErrNotAvailable; }
+// params: reference, reference type; out: the image bytes in the third slot
+// with their length.
+int RunGetImage(S& s, MethodCall<S>& call) {
+  const char* data = "";
+  int32_t length = 0;
+  const int rc = s.GetImage(call.Text(0), call.Text(1), data, length);
+  call.SetBytes(2, data, length);
+  return rc;
+}
 
 std::vector<MethodDef<S>> Methods() {
   return {
       MethodDef<S>{2, "Config", RunConfigMethod<S>},
-      MethodDef<S>{3, "GetClosingInfo", RunNotAvailable},
-      MethodDef<S>{4, "GetImage", RunNotAvailable},
-      MethodDef<S>{5, "GetStatement", RunNotAvailable},
-      MethodDef<S>{6, "ReadOFXDataFile", RunNotAvailable},
+      MethodDef<S>{3, "GetClosingInfo", RunGetClosingInfo},
+      MethodDef<S>{4, "GetImage", RunGetImage},
+      MethodDef<S>{5, "GetStatement", RunGetStatement},
+      MethodDef<S>{6, "ReadOFXDataFile", RunReadOFXDataFile},
       MethodDef<S>{7, "Reset", RunReset},
-      MethodDef<S>{8, "WriteOFXDataFile", RunNotAvailable},
+      MethodDef<S>{8, "WriteOFXDataFile", RunWriteOFXDataFile},
   };
 }
 

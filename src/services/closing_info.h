@@ -1,32 +1,52 @@
 #pragma once
+#include <cstdint>
 
 #include "base/byte_string.h"
+#include "ofx/ofx_client.h"
+#include "services/record_source.h"
 
-// One closed statement period of a bank, credit-card or loan statement, kept
-// as the raw element texts of its CLOSING element.
+// One closed statement period of a bank, credit-card or loan statement. Like
+// StatementTransaction it refers to its CLOSING element in the parsed
+// response and reads the raw texts from there when asked.
 namespace orvelan {
 
 struct ClosingInfo {
-  // A heap copy for ItemList; null when memory runs out.
+  enum Field : int8_t {
+    kFITID,
+    kDateOpen,
+    kDateClose,
+    kBalanceOpen,
+    kBalanceClose,
+    kDateStart,
+    kDateEnd,
+    kImageRef,
+    kImageRefType,
+    kTotalFees,
+    kTotalCredits,
+    kTotalDebits,
+    kDateDue,
+    kPaymentDue,
+    kCreditLimit,
+    kTotalInterest,
+    kFieldCount
+  };
+
+  // A heap copy for ItemList; null when memory runs out. The copy has no
+  // engine, so its amounts and dates read as "".
   ClosingInfo* Clone() const;
 
-  ByteString aggregate;
-  ByteString fitid;
-  ByteString date_open;
-  ByteString date_close;
-  ByteString balance_open;
-  ByteString balance_close;
-  ByteString total_fees;
-  ByteString total_credits;
-  ByteString total_debits;
-  ByteString image_ref;
-  ByteString image_ref_type;
-  ByteString date_start;
-  ByteString date_end;
-  ByteString date_due;
-  ByteString payment_due;
-  ByteString credit_limit;
-  ByteString total_interest;
+  // Reads the record at the document's cursor; 202 with ReadField's text for
+  // a required element that is missing. The cursor is back on the record's
+  // element on success.
+  int Parse(OFXClient& client);
+
+  // The raw text of `field`; "" for a field the parse did not reach.
+  const char* Text(Field field) const;
+  const char* Aggregate(ByteString& out) const { return source.Markup(out); }
+
+  OFXClient* engine = nullptr;  // not owned; null until parsed
+  RecordSource source;
+  int8_t filled = 0;  // fields read so far, in Field order
 };
 
 }  // namespace orvelan

@@ -2,7 +2,35 @@
 
 #include <new>
 
+#include "base/error_codes.h"
+#include "base/text_util.h"
+
 namespace orvelan {
+namespace {
+
+// Where each field comes from, relative to the record's element.
+constexpr const char* kPaths[StatementTransaction::kFieldCount] = {
+    "TRNAMT",
+    "CHECKNUM",
+    "DTUSER",
+    "DTPOSTED",
+    "FITID",
+    "MEMO",
+    "IMAGEDATA/IMAGEREF",
+    "IMAGEDATA/IMAGEREFTYPE",
+    "NAME",
+    "TRNTYPE",
+    "LOANTRNAMT/PRINAMT",
+    "LOANTRNAMT/INTAMT",
+    "LOANTRNAMT/ESCRWAMT/ESCRWTOTAL"};
+
+// ReadField's failure for `name` below the cursor, which it leaves in place.
+int Missing(OFXClient& client, const char* name) {
+  ByteString unused;
+  return client.ReadField(client.Document(), name, unused, true);
+}
+
+}  // namespace
 
 const char* const StatementTransaction::kTypeCodes[kTypeCount] = {
     "CREDIT", "DEBIT",   "INT",  "DIV",       "FEE",         "SRVCHG",    "DEP",  "ATM",     "POS",    "XFER",
@@ -34,11 +62,56 @@ const char* StatementTransaction::TypeDescription(int32_t type_index) {
   return kTypeDescriptions[type_index];
 }
 
+int32_t StatementTransaction::TypeIndexOf(const char* code) {
+  if (code == nullptr || CompareNoCase(code, "OTHER") == 0) return kTypeOther;
+  for (int32_t i = 0; i < kTypeCount; ++i) {
+    if (CompareNoCase(code, kTypeCodes[i]) == 0) return i;
+  }
+  return kTypeOther;
+}
+
 StatementTransaction* StatementTransaction::Clone() const {
   auto* copy = new (std::nothrow) StatementTransaction();
   if (copy == nullptr) return nullptr;
   *copy = *this;
+  copy->engine = nullptr;
   return copy;
+}
+
+const char* StatementTransaction::Text(Field field) const {
+  if (field < 0 || field >= filled) return "";
+  if (field == kPayeeName) {
+    const char* name = source.Text("NAME");
+    return *name != '\0' ? name : source.Text("PAYEE/NAME");
+  }
+  if (field == kTypeCode) return source.Has("TRNTYPE") ? source.Text("TRNTYPE") : source.Text("LOANTRNTYPE");
+  return source.Text(kPaths[field]);
+}
+
+int StatementTransaction::Parse(OFXClient& client) {
+  MarkupDocument& document = client.Document();
+  engine = &client;
+  source.Attach(&document, document.Tree().Cursor());
+  type_index = kTypeOther;
+  filled = 0;
+  for (int8_t field = kAmount; field <= kPayeeName; ++field) {
+    const bool required = field == kAmount || field == kDatePosted || field == kFITID;
+    if (required && !source.Has(kPaths[field])) return Missing(client, kPaths[field]);
+    filled = static_cast<int8_t>(field + 1);
+  }
+  filled = kTypeCode + 1;
+  type_index = TypeIndexOf(Text(kTypeCode));
+  if (source.Has("LOANTRNAMT")) {
+    if (!source.Has(kPaths[kPrincipalAmount])) return Missing(client, kPaths[kPrincipalAmount]);
+    filled = kPrincipalAmount + 1;
+    if (!source.Has(kPaths[kInterestAmount])) {
+      // Named as the parse names it: from inside LOANTRNAMT.
+      if (int rc = document.SelectPath("LOANTRNAMT"); rc != kOk) return client.ReportError(rc, document.GetLastError());
+      return Missing(client, "INTAMT");
+    }
+  }
+  filled = kFieldCount;
+  return kOk;
 }
 
 }  // namespace orvelan

@@ -2,10 +2,13 @@
 #include <cstdint>
 
 #include "base/byte_string.h"
+#include "ofx/ofx_client.h"
+#include "services/record_source.h"
 
-// One transaction of a bank, credit-card or loan statement, kept as the raw
-// element texts of its STMTTRN (or loan transaction) element. Amounts and
-// dates are converted for display only when a host reads them.
+// One transaction of a bank, credit-card or loan statement. The record refers
+// to its STMTTRN (or loan transaction) element in the parsed response and
+// reads each field's raw text from there when asked; amounts and dates are
+// converted for display by the service that owns the record.
 namespace orvelan {
 
 struct StatementTransaction {
@@ -17,24 +20,46 @@ struct StatementTransaction {
   static const char* const kTypeDescriptions[kTypeCount];
   // "Other" for kTypeOther and for any index outside the rows.
   static const char* TypeDescription(int32_t type_index);
+  // The row of `code` (ASCII case ignored), kTypeOther for "OTHER" and for a
+  // code that is missing or not in the table.
+  static int32_t TypeIndexOf(const char* code);
 
-  // A heap copy for ItemList; null when memory runs out.
+  // The fields in the order the parse reads them.
+  enum Field : int8_t {
+    kAmount,
+    kCheckNumber,
+    kDateInitiated,
+    kDatePosted,
+    kFITID,
+    kMemo,
+    kImageRef,
+    kImageRefType,
+    kPayeeName,
+    kTypeCode,
+    kPrincipalAmount,
+    kInterestAmount,
+    kEscrowTotal,
+    kFieldCount
+  };
+
+  // A heap copy for ItemList; null when memory runs out. The copy reads the
+  // same element but has no engine, so its amounts and dates read as "".
   StatementTransaction* Clone() const;
 
-  ByteString aggregate;
-  ByteString amount;
-  ByteString check_number;
-  ByteString date_initiated;
-  ByteString date_posted;
-  ByteString fitid;
-  ByteString memo;
-  ByteString payee_name;
-  ByteString image_ref;
-  ByteString image_ref_type;
-  ByteString principal_amount;
-  ByteString interest_amount;
-  ByteString escrow_total;
+  // Reads the record at the document's cursor: checks the required elements
+  // (202 with ReadField's text for the first one missing) and works out the
+  // type. The cursor is back on the record's element on success.
+  int Parse(OFXClient& client);
+
+  // The raw text of `field`; "" for a field the parse did not reach.
+  const char* Text(Field field) const;
+  // The element's markup; "" before a parse.
+  const char* Aggregate(ByteString& out) const { return source.Markup(out); }
+
+  OFXClient* engine = nullptr;  // not owned; null until parsed
+  RecordSource source;
   int32_t type_index = kTypeOther;
+  int8_t filled = 0;  // fields read so far, in Field order
 };
 
 }  // namespace orvelan

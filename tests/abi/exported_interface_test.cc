@@ -162,8 +162,8 @@ TEST_F(BankStatementAbiTest, ReservedAndEngineMethods) {
   // An id that names no method succeeds and clears the code.
   EXPECT_EQ(BankStatement_Do(obj_, 99, 0, nullptr, nullptr), 0);
   EXPECT_EQ(LastCode(), 0);
-  EXPECT_EQ(BankStatement_Do(obj_, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, nullptr, nullptr), 38);
-  EXPECT_EQ(LastError(), "[38] Function not implemented.");
+  EXPECT_EQ(BankStatement_Do(obj_, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, nullptr, nullptr), 2000);
+  EXPECT_EQ(LastError(), "Missing required field: Bank Id is missing in the request.");
   EXPECT_EQ(BankStatement_Do(obj_, BANKSTATEMENT_METHOD_RESET, 0, nullptr, nullptr), 0);
   EXPECT_EQ(LastError(), "");
 }

@@ -42,8 +42,8 @@ TEST(BankStatementComponentTest, ResetRestoresInputsAndBankIdPresent) {
   auto& s = component.service();
   s.SetAccountId("1");
   s.SetBankId("2");
-  s.SetStartDate("20260101");
-  s.SetEndDate("20260131");
+  ASSERT_EQ(s.SetStartDate("01/01/2026 00:00:00"), 0);
+  ASSERT_EQ(s.SetEndDate("01/31/2026 00:00:00"), 0);
   ASSERT_EQ(s.SetAccountType(3), 0);
   const char* out = nullptr;
   ASSERT_EQ(s.Config("BankIdPresent=0", out), 0);
@@ -70,31 +70,6 @@ TEST(BankStatementComponentTest, TransactionTypeDescriptions) {
   for (const auto& [index, text] : cases) {
     EXPECT_STREQ(StatementTransaction::TypeDescription(index), text) << index;
   }
-}
-
-TEST(BankStatementComponentTest, IndexedReadsSeeTheRecords) {
-  BankStatementComponent component(nullptr, nullptr);
-  auto& s = component.service();
-  StatementTransaction tx;
-  tx.amount.Assign("-12.50");
-  tx.fitid.Assign("T1");
-  tx.type_index = 6;
-  ASSERT_EQ(s.Transactions().Add(tx), 0);
-  tx.fitid.Assign("T2");
-  ASSERT_EQ(s.Transactions().Add(tx), 0);
-
-  EXPECT_EQ(reinterpret_cast<intptr_t>(component.Get(53, 0, nullptr)), 2);
-  EXPECT_STREQ(static_cast<const char*>(component.Get(59, 1, nullptr)), "T2");
-  EXPECT_EQ(reinterpret_cast<intptr_t>(component.Get(62, 0, nullptr)), 6);
-  EXPECT_STREQ(static_cast<const char*>(component.Get(63, 0, nullptr)), "Deposit");
-  EXPECT_EQ(component.GetLastErrorCode(), 0);
-  EXPECT_STREQ(static_cast<const char*>(component.Get(59, 2, nullptr)), "");
-  EXPECT_EQ(component.GetLastErrorCode(), 432);
-  EXPECT_EQ(component.CheckIndex(62, 2), 280);
-  EXPECT_EQ(component.CheckIndex(62, 1), 0);
-  // The closing list is separate.
-  EXPECT_EQ(component.CheckIndex(14, 0), 280);
-  EXPECT_STREQ(component.GetLastError(), "Invalid ClosingInfoIndex (out of bounds).");
 }
 
 }  // namespace

@@ -497,7 +497,8 @@ class Bank:
         account_tag, account = self.account(rq)
         account_id = dict(account).get("ACCTID", "")
         seed = sum(account_id.encode()) + sum(dict(account).get("BANKID", "").encode())
-        images = rq.text("INCTRAN/INCTRANIMG") == "Y"
+        # INCTRANIMG belongs to STMTRQ, after INCTRAN; inside INCTRAN is accepted too.
+        images = "Y" in (rq.text("INCTRANIMG"), rq.text("INCTRAN/INCTRANIMG"))
         transactions = []
         total = 0
         count = self.scenario.transactions

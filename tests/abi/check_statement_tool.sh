@@ -1,0 +1,49 @@
+#!/bin/sh
+# orvelan-statement as a user meets it: exit 0 with the statement printed,
+# 1 with the library's code and text when the library fails, 2 for a bad
+# command line.
+#   check_statement_tool.sh TOOL SOURCE_DIR
+tool=$1
+source_dir=$2
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+failures=0
+
+# expect STATUS EXPECTED_STDERR_TEXT ARGS...: runs the tool, checks the exit
+# status and that standard error holds the text ("" for none expected).
+expect() {
+  want_status=$1
+  want_text=$2
+  shift 2
+  "$tool" "$@" >"$scratch/out" 2>"$scratch/err"
+  status=$?
+  if [ "$status" -ne "$want_status" ]; then
+    echo "FAIL: $* exited $status, expected $want_status"; cat "$scratch/err"; failures=$((failures + 1))
+  elif [ -n "$want_text" ] && ! grep -qF -e "$want_text" "$scratch/err"; then
+    echo "FAIL: $*: stderr lacks '$want_text':"; cat "$scratch/err"; failures=$((failures + 1))
+  fi
+}
+
+expect 0 "" "$source_dir/examples/statement.ofx" --format csv
+rows=$(wc -l <"$scratch/out")
+[ "$rows" -eq 5 ] || { echo "FAIL: csv has $rows lines, expected a header and 4 rows"; failures=$((failures + 1)); }
+grep -q '^01/20/2026 00:00:00,Transfer,-500.00,HCB202601200003,' "$scratch/out" ||
+  { echo "FAIL: csv row"; cat "$scratch/out"; failures=$((failures + 1)); }
+expect 0 "" "$source_dir/examples/statement.ofx" --format json
+grep -q '"fitid": "HCB202601310004"' "$scratch/out" || { echo "FAIL: json"; failures=$((failures + 1)); }
+
+expect 1 "ReadOFXDataFile failed: 302 Cannot open OFX data file for reading." "$scratch/none.ofx"
+printf 'OFXHEADER:100\r\n\r\n<OFX><BANKMSGSRSV1><STMTTRNRS><STATUS><CODE>0<SEVERITY>INFO</STATUS></STMTTRNRS></BANKMSGSRSV1></OFX>' \
+  >"$scratch/short.ofx"
+expect 1 "ReadOFXDataFile failed: 2000 Expected element missing from server response." "$scratch/short.ofx"
+expect 1 "GetStatement failed: 2000 Missing required field: Bank Id is missing in the request." \
+  --url http://127.0.0.1:9/ofx --org O --fid 1 --user u --password p --account 1
+expect 1 "GetStatement failed: 2000 Missing required field: OFX Application Id is missing in the request." \
+  --url http://127.0.0.1:9/ofx --org O --fid 1 --user u --password p --account 1 --bank-id 2 --app-id ""
+
+expect 2 "give either a file or --url"
+expect 2 "unknown format" "$source_dir/examples/statement.ofx" --format xml
+expect 2 "--org is required with --url" --url http://127.0.0.1:9/ofx --fid 1 --user u --password p --account 1
+
+[ "$failures" -eq 0 ] && echo "orvelan-statement: all exit codes as expected"
+exit "$failures"

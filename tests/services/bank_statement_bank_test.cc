@@ -1,0 +1,185 @@
+// The bank statement component end to end: requests built by the service,
+// posted over TLS to the scripted test bank (behind nginx), answers read back
+// through the component's property ids as a host would.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include "services/bank_statement_component.h"
+#include "support/recording_events.h"
+#include "support/test_bank_server.h"
+
+namespace orvelan {
+namespace {
+
+class BankStatementBankTest : public ::testing::Test {
+ protected:
+  BankStatementBankTest() : component_(nullptr, nullptr), s_(component_.service()) {}
+
+  void Prepare(const std::string& url, const std::string& user, const char* version = "102") {
+    s_.SetEventSink(&events_);
+    ASSERT_EQ(Set(31, url), 0);
+    ASSERT_EQ(Set(42, user), 0);
+    ASSERT_EQ(Set(39, "secret"), 0);
+    ASSERT_EQ(Set(37, "QWIN"), 0);
+    ASSERT_EQ(Set(38, "2700"), 0);
+    ASSERT_EQ(Set(24, "Orvelan Bank"), 0);
+    ASSERT_EQ(Set(23, "1234"), 0);
+    ASSERT_EQ(Set(43, version), 0);
+    ASSERT_EQ(Set(5, "121000248"), 0);
+    ASSERT_EQ(Set(1, "4412345678"), 0);
+    ASSERT_EQ(component_.Set(2, 0, reinterpret_cast<void*>(1), 0), 0);
+    ASSERT_EQ(component_.Set(52, 0, reinterpret_cast<void*>(10), 0), 0);
+    const char* out = nullptr;
+    ASSERT_EQ(s_.Config(("OpenSSLCAFile=" + TestBankServer::CaFile()).c_str(), out), 0);
+  }
+  int Set(int id, const std::string& value) {
+    return component_.Set(id, 0, value.c_str(), static_cast<int>(value.size()));
+  }
+  std::string Get(int id, int index = 0) { return static_cast<const char*>(component_.Get(id, index, nullptr)); }
+  int64_t GetInt(int id, int index = 0) { return reinterpret_cast<intptr_t>(component_.Get(id, index, nullptr)); }
+
+  RecordingEvents events_;
+  BankStatementComponent component_;
+  BankStatementService& s_;
+};
+
+TEST_F(BankStatementBankTest, StatementInBothDialects) {
+  ORVELAN_REQUIRE_TEST_BANK(bank);
+  ORVELAN_REQUIRE_TLS_BANK(bank);
+  for (const char* version : {"102", "211"}) {
+    SCOPED_TRACE(version);
+    Prepare(bank.TlsUrl(), "user5", version);
+    ASSERT_EQ(Set(51, "01/01/2026 00:00:00"), 0);
+    ASSERT_EQ(Set(22, "01/31/2026 00:00:00"), 0);
+    ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
+    const std::string body = bank.Requests().back().body;
+    const bool xml = version[0] == '2';
+    EXPECT_NE(body.find("<BANKMSGSRQV1>\r\n<STMTTRNRQ>\r\n<TRNUID>"), std::string::npos);
+    EXPECT_NE(body.find(xml ? "<ACCTTYPE>SAVINGS</ACCTTYPE>\r\n" : "<ACCTTYPE>SAVINGS\r\n</BANKACCTFROM>"),
+              std::string::npos)
+        << body;
+    EXPECT_NE(body.find("<DTSTART>20260101"), std::string::npos);
+
+    EXPECT_EQ(Get(21), "USD");
+    EXPECT_EQ(Get(1), "4412345678");
+    EXPECT_EQ(GetInt(2), 1);
+    EXPECT_EQ(Get(51).substr(0, 10), "01/01/2026");
+    EXPECT_EQ(Get(22).substr(0, 10), "01/31/2026");
+    EXPECT_FALSE(Get(34).empty());
+    EXPECT_NE(Get(35), "");
+    EXPECT_NE(Get(4), "");
+    ASSERT_EQ(GetInt(53), 5);
+    for (int i = 0; i < 5; ++i) {
+      EXPECT_FALSE(Get(59, i).empty()) << i;
+      EXPECT_EQ(Get(58, i).substr(6, 4), "2026") << Get(58, i);
+      EXPECT_NE(Get(55, i), "0.00");
+      EXPECT_FALSE(Get(61, i).empty());
+    }
+    // The same request gets the same answer: FITIDs are derived, not random.
+    const std::string first = Get(59, 0);
+    ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0);
+    EXPECT_EQ(Get(59, 0), first);
+  }
+}
+
+// In OFX 2.x only: the dictionary counts DTOPEN among the aggregates, so an
+// OFX 1.x closing response, where DTOPEN has no end tag, does not parse.
+TEST_F(BankStatementBankTest, ClosingInformation) {
+  ORVELAN_REQUIRE_TEST_BANK(bank);
+  ORVELAN_REQUIRE_TLS_BANK(bank);
+  for (const char* version : {"211"}) {
+    SCOPED_TRACE(version);
+    Prepare(bank.TlsUrl(), "user", version);
+    ASSERT_EQ(Set(51, "01/01/2026 00:00:00"), 0);
+    ASSERT_EQ(Set(22, "03/31/2026 00:00:00"), 0);
+    ASSERT_EQ(component_.Do(3, 0, nullptr, nullptr), 0) << component_.GetLastError();
+    EXPECT_NE(bank.Requests().back().body.find("<STMTENDTRNRQ>"), std::string::npos);
+    EXPECT_EQ(GetInt(53), 0);
+    ASSERT_EQ(GetInt(6), 3);  // one per calendar month
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_FALSE(Get(14, i).empty());
+      EXPECT_EQ(Get(10, i).substr(0, 2), std::string("0") + static_cast<char>('1' + i)) << Get(10, i);
+      EXPECT_FALSE(Get(8, i).empty());
+    }
+    // A statement download afterwards leaves no closing records behind.
+    ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
+    EXPECT_EQ(GetInt(6), 0);
+    EXPECT_EQ(GetInt(53), 3);
+  }
+}
+
+TEST_F(BankStatementBankTest, ServerStatusesAndTransportFailures) {
+  ORVELAN_REQUIRE_TEST_BANK(bank);
+  ORVELAN_REQUIRE_TLS_BANK(bank);
+  {
+    SCOPED_TRACE("error status");
+    Prepare(bank.TlsUrl(), "error2001");
+    EXPECT_EQ(component_.Do(5, 0, nullptr, nullptr), 2001);
+    EXPECT_STREQ(component_.GetLastError(), "OFX server error (2001): Invalid account");
+    EXPECT_EQ(GetInt(53), 0);
+  }
+  {
+    SCOPED_TRACE("warning status");
+    Prepare(bank.TlsUrl(), "warn", "211");
+    ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
+    EXPECT_EQ(GetInt(53), 3);
+    bool warned = false;
+    for (const std::string& line : events_.log) warned |= line.rfind("Error(2028,WARN: ", 0) == 0;
+    EXPECT_TRUE(warned);
+  }
+  {
+    SCOPED_TRACE("HTTP 500 page");
+    Prepare(bank.TlsUrl(), "http500");
+    const int rc = component_.Do(5, 0, nullptr, nullptr);
+    EXPECT_EQ(rc, 151) << component_.GetLastError();
+    EXPECT_NE(std::string(component_.GetLastError()).find("500"), std::string::npos) << component_.GetLastError();
+    EXPECT_EQ(GetInt(53), 0);
+  }
+  {
+    SCOPED_TRACE("time-out");
+    Prepare(bank.TlsUrl(), "stall");
+    ASSERT_EQ(component_.Set(52, 0, reinterpret_cast<void*>(1), 0), 0);
+    EXPECT_EQ(component_.Do(3, 0, nullptr, nullptr), 301);
+    EXPECT_STREQ(component_.GetLastError(), "Timeout.");
+  }
+}
+
+// The images a statement refers to, through the method's parameter slots.
+TEST_F(BankStatementBankTest, ImagesOfTheStatement) {
+  ORVELAN_REQUIRE_TEST_BANK(bank);
+  ORVELAN_REQUIRE_TLS_BANK(bank);
+  Prepare(bank.TlsUrl(), "user", "211");
+  ASSERT_EQ(component_.Set(33, 0, reinterpret_cast<void*>(1), 0), 0);
+  ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
+  EXPECT_NE(bank.Requests().back().body.find("<INCTRANIMG>Y</INCTRANIMG>\r\n</STMTRQ>"), std::string::npos);
+  ASSERT_GT(GetInt(53), 0);
+  const std::string reference = s_.Transactions().Item(0)->Text(StatementTransaction::kImageRef);
+  ASSERT_FALSE(reference.empty()) << Get(54);
+
+  // The engine keeps an image only when it has a file to write it to.
+  const std::string base = ::testing::TempDir() + "statement_image_" + std::to_string(getpid());
+  ASSERT_EQ(Set(32, base), 0);
+  void* params[3] = {const_cast<char*>(reference.c_str()), const_cast<char*>("OPAQUE"), nullptr};
+  int lengths[3] = {0, 0, 0};
+  ASSERT_EQ(component_.Do(4, 3, params, lengths), 0) << component_.GetLastError();
+  ASSERT_GT(lengths[2], 8);
+  EXPECT_EQ(std::string(static_cast<const char*>(params[2]), 8), "\x89PNG\r\n\x1a\n");
+  // The image travels in the PNG's comment, so the right one came back.
+  EXPECT_NE(std::string(static_cast<const char*>(params[2]), static_cast<size_t>(lengths[2])).find(reference),
+            std::string::npos);
+
+  std::remove((base + ".png").c_str());
+
+  params[0] = const_cast<char*>("missing");
+  EXPECT_EQ(component_.Do(4, 3, params, lengths), 16512);
+  EXPECT_STREQ(component_.GetLastError(), "Image Reference Identifier not found.");
+  EXPECT_EQ(lengths[2], 0);
+}
+
+}  // namespace
+}  // namespace orvelan

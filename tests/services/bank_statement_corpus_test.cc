@@ -1,0 +1,132 @@
+// Reads every bank statement among the real-world OFX files and checks what
+// the component reports against values scanned from the raw text by a naive
+// reader that knows nothing of the library's parser.
+#include <dirent.h>
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "services/bank_statement_component.h"
+
+namespace orvelan {
+namespace {
+
+std::string CorpusDir() {
+  if (const char* dir = std::getenv("ORVELAN_CORPUS_DIR")) return dir;
+  const char* source = std::getenv("ORVELAN_SOURCE_DIR");
+  return std::string(source != nullptr ? source : ".") + "/../shared/corpus";
+}
+
+std::string Slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+// The text after <TAG> up to the next '<' or line end, trimmed; empty if absent.
+std::string ValueOf(const std::string& block, const std::string& tag) {
+  size_t at = block.find("<" + tag + ">");
+  if (at == std::string::npos) return "";
+  at += tag.size() + 2;
+  size_t end = block.find_first_of("<\r\n", at);
+  std::string value = block.substr(at, end == std::string::npos ? std::string::npos : end - at);
+  while (!value.empty() && (value.back() == ' ' || value.back() == '\t')) value.pop_back();
+  while (!value.empty() && (value.front() == ' ' || value.front() == '\t')) value.erase(0, 1);
+  return value;
+}
+
+struct ScannedTransaction {
+  std::string amount, fitid, date_posted;
+};
+
+struct ScannedStatement {
+  bool is_bank_statement = false;
+  std::string currency, account_id, ledger_balance;
+  std::vector<ScannedTransaction> transactions;
+};
+
+// Only the bank message set counts: a file may carry a card statement too.
+ScannedStatement Scan(const std::string& text) {
+  ScannedStatement s;
+  size_t begin = text.find("<STMTTRNRS>");
+  size_t bank = text.find("<BANKMSGSRSV1>");
+  if (begin == std::string::npos || bank == std::string::npos || begin < bank) return s;
+  size_t end = text.find("</BANKMSGSRSV1>", begin);
+  const std::string section = text.substr(begin, end == std::string::npos ? std::string::npos : end - begin);
+  if (section.find("<STMTRS>") == std::string::npos) return s;
+  s.is_bank_statement = true;
+  s.currency = ValueOf(section, "CURDEF");
+  s.account_id = ValueOf(section, "ACCTID");
+  size_t ledger = section.find("<LEDGERBAL>");
+  if (ledger != std::string::npos) s.ledger_balance = ValueOf(section.substr(ledger), "BALAMT");
+  for (size_t at = section.find("<STMTTRN>"); at != std::string::npos;) {
+    size_t next = section.find("<STMTTRN>", at + 1);
+    size_t list_end = section.find("</BANKTRANLIST>", at);
+    size_t stop = std::min(next, list_end);
+    const std::string block = section.substr(at, stop == std::string::npos ? std::string::npos : stop - at);
+    s.transactions.push_back({ValueOf(block, "TRNAMT"), ValueOf(block, "FITID"), ValueOf(block, "DTPOSTED")});
+    at = next;
+  }
+  return s;
+}
+
+// "MM/dd/YYYY HH:mm:ss" as shown to the host, against the raw YYYYMMDD[HHMMSS].
+void ExpectSameDay(const std::string& shown, const std::string& raw) {
+  ASSERT_GE(raw.size(), 8u) << raw;
+  ASSERT_EQ(shown.size(), 19u) << shown;
+  EXPECT_EQ(shown.substr(6, 4) + shown.substr(0, 2) + shown.substr(3, 2), raw.substr(0, 8)) << shown << " vs " << raw;
+  if (raw.size() >= 14 && std::isdigit(static_cast<unsigned char>(raw[13]))) {
+    EXPECT_EQ(shown.substr(11, 2) + shown.substr(14, 2) + shown.substr(17, 2), raw.substr(8, 6)) << shown;
+  }
+}
+
+void ExpectSameAmount(const std::string& shown, const std::string& raw) {
+  EXPECT_DOUBLE_EQ(std::strtod(shown.c_str(), nullptr), std::strtod(raw.c_str(), nullptr)) << shown << " vs " << raw;
+}
+
+std::string Text(BankStatementComponent& c, int id, int index = 0) {
+  const char* text = static_cast<const char*>(c.Get(id, index, nullptr));
+  return text == nullptr ? "" : text;
+}
+
+TEST(BankStatementCorpusTest, EveryBankStatementReadsAsScanned) {
+  DIR* dir = opendir(CorpusDir().c_str());
+  if (dir == nullptr) GTEST_SKIP() << "no corpus at " << CorpusDir();
+  int statements = 0;
+  while (const dirent* entry = readdir(dir)) {
+    const std::string name = entry->d_name;
+    if (name[0] == '.') continue;
+    const std::string path = CorpusDir() + "/" + name;
+    const ScannedStatement expected = Scan(Slurp(path));
+    if (!expected.is_bank_statement) continue;
+    SCOPED_TRACE(name);
+    ++statements;
+    BankStatementComponent c(nullptr, nullptr);
+    void* params[1] = {const_cast<char*>(path.c_str())};
+    int lengths[1] = {0};
+    ASSERT_EQ(c.Do(6, 1, params, lengths), 0) << c.service().GetLastError();
+    EXPECT_EQ(Text(c, 21), expected.currency);
+    EXPECT_EQ(Text(c, 1), expected.account_id);
+    ExpectSameAmount(Text(c, 34), expected.ledger_balance);
+    const intptr_t count = reinterpret_cast<intptr_t>(c.Get(53, 0, nullptr));
+    ASSERT_EQ(count, static_cast<intptr_t>(expected.transactions.size()));
+    for (int i = 0; i < count; ++i) {
+      const ScannedTransaction& t = expected.transactions[static_cast<size_t>(i)];
+      EXPECT_EQ(Text(c, 59, i), t.fitid) << i;
+      ExpectSameAmount(Text(c, 55, i), t.amount);
+      ExpectSameDay(Text(c, 58, i), t.date_posted);
+    }
+  }
+  closedir(dir);
+  EXPECT_GE(statements, 5) << "the corpus should hold several bank statements";
+}
+
+}  // namespace
+}  // namespace orvelan
