@@ -36,6 +36,14 @@ int CompareNoCase(const char* a, const char* b) {
   }
 }
 
+bool EqualsNoCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (ToLowerAscii(a[i]) != ToLowerAscii(b[i])) return false;
+  }
+  return true;
+}
+
 int32_t ParseInt32(const char* text) { return ParseSignedDecimal<int32_t>(text); }
 int64_t ParseInt64(const char* text) { return ParseSignedDecimal<int64_t>(text); }
 

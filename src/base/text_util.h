@@ -1,5 +1,6 @@
 #pragma once
 #include <cstdint>
+#include <string_view>
 
 // Free helpers on NUL-terminated text. None of them depends on the C locale,
 // and a null text pointer counts as the empty text wherever one is read.
@@ -8,6 +9,8 @@ namespace orvelan {
 // Compares byte by byte as unsigned values after folding A-Z to a-z; returns
 // the difference of the first unequal pair, 0 when the texts are equal.
 int CompareNoCase(const char* a, const char* b);
+// True when the two byte ranges are equal after folding A-Z to a-z.
+bool EqualsNoCase(std::string_view a, std::string_view b);
 
 // Optional "-" or "+", then decimal digits up to the first non-digit. No
 // leading white space is skipped; an empty digit run gives 0. Overflow wraps.

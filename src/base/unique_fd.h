@@ -1,6 +1,8 @@
 #pragma once
 #include <unistd.h>
 
+#include <cerrno>
+#include <string_view>
 #include <utility>
 
 namespace orvelan {
@@ -45,5 +47,19 @@ class UniqueFd {
  private:
   int fd_ = -1;
 };
+
+// Writes every byte, resuming after short writes and EINTR; false on any
+// other failure (errno tells which).
+inline bool WriteAll(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t n = ::write(fd, bytes.data(), bytes.size());
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    bytes.remove_prefix(static_cast<size_t>(n));
+  }
+  return true;
+}
 
 }  // namespace orvelan

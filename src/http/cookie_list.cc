@@ -5,14 +5,6 @@
 namespace orvelan {
 namespace {
 
-bool SameNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (ToLowerAscii(a[i]) != ToLowerAscii(b[i])) return false;
-  }
-  return true;
-}
-
 std::string_view SkipBlanks(std::string_view text) {
   while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
   return text;
@@ -38,13 +30,13 @@ Cookie CookieList::ParseSetCookie(std::string_view text) {
     const std::string_view name = attribute.substr(0, attr_eq);
     const std::string_view value =
         attr_eq == std::string_view::npos ? std::string_view() : attribute.substr(attr_eq + 1);
-    if (SameNoCase(name, "EXPIRES")) {
+    if (EqualsNoCase(name, "EXPIRES")) {
       cookie.expires = std::string(value);
-    } else if (SameNoCase(name, "DOMAIN")) {
+    } else if (EqualsNoCase(name, "DOMAIN")) {
       cookie.domain = std::string(value);
-    } else if (SameNoCase(name, "PATH")) {
+    } else if (EqualsNoCase(name, "PATH")) {
       cookie.path = std::string(value);
-    } else if (SameNoCase(name, "SECURE")) {
+    } else if (EqualsNoCase(name, "SECURE")) {
       cookie.secure = true;
     }
   }
@@ -53,8 +45,8 @@ Cookie CookieList::ParseSetCookie(std::string_view text) {
 
 void CookieList::Add(const Cookie& cookie) {
   for (Cookie& old : cookies_) {
-    if (SameNoCase(old.name, cookie.name) && SameNoCase(old.domain, cookie.domain) &&
-        SameNoCase(old.path, cookie.path)) {
+    if (EqualsNoCase(old.name, cookie.name) && EqualsNoCase(old.domain, cookie.domain) &&
+        EqualsNoCase(old.path, cookie.path)) {
       old.expires = cookie.expires;
       old.value = cookie.value;
       old.secure = cookie.secure;

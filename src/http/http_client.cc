@@ -15,14 +15,6 @@ constexpr char kTextNoServer[] = "No server specified in URL";
 constexpr char kTextBadScheme[] = "Specified URLScheme is invalid.";
 constexpr char kTextLocalFile[] = "Can't open local file for writing.";
 
-bool SameNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (ToLowerAscii(a[i]) != ToLowerAscii(b[i])) return false;
-  }
-  return true;
-}
-
 int ReturnBool(ComponentCore& core, const char*& out, bool value) {
   return core.ReturnConfigValue(out, value ? "True" : "False");
 }
@@ -222,8 +214,8 @@ int HttpClient::SetURL(const char* url) {
   if (text.substr(0, 5) == "http:") parsed.default_port = 80;
   if (text.substr(0, 6) == "https:") parsed.default_port = 443;
   parsed.Parse(text, encode_url_);
-  const bool moved = !SameNoCase(parsed.host, url_.host) || parsed.port != url_.port;
-  if (moved || !SameNoCase(parsed.scheme, url_.scheme)) Disconnect(0);
+  const bool moved = !EqualsNoCase(parsed.host, url_.host) || parsed.port != url_.port;
+  if (moved || !EqualsNoCase(parsed.scheme, url_.scheme)) Disconnect(0);
   if (parsed.ipv6) {
     const char* ignored = nullptr;
     ConfigArgument on;
@@ -300,12 +292,12 @@ int HttpClient::Route() {
     port = proxy_port_;
     // The NTLM answer must go over the connection that got the challenge.
     if (proxy_auth_attempts_ > 0 && socket_.is_valid()) return kOk;
-  } else if (!SameNoCase(url_.scheme, default_scheme_) && !SameNoCase(url_.scheme, "http")) {
+  } else if (!EqualsNoCase(url_.scheme, default_scheme_) && !EqualsNoCase(url_.scheme, "http")) {
     return ReportError(kErrBadScheme, kTextBadScheme);
   }
   // The same host and port keep the connection; anything else starts afresh.
   if (socket_.is_valid() && (host != RemoteHostText() || port != RemotePort())) Disconnect(0);
-  bool tls = SameNoCase(url_.scheme, "https");
+  bool tls = EqualsNoCase(url_.scheme, "https");
   if (proxy_server_.Length() > 0 && proxy_ssl_ == 1) tls = true;
   if (proxy_server_.Length() > 0 && proxy_ssl_ == 2) tls = false;
   if (proxy_server_.Length() > 0 && proxy_ssl_ == 3 && !socket_.is_valid()) {
@@ -563,15 +555,15 @@ void HttpClient::OnHeader(std::string_view line, std::string_view name, std::str
   raw_headers_ += "\r\n";
   headers_.emplace_back(std::string(name), std::string(value));
   FireHeader(headers_.back().first.c_str(), headers_.back().second.c_str());
-  if (SameNoCase(name, "Content-Type")) {
+  if (EqualsNoCase(name, "Content-Type")) {
     response_content_type_.Assign(value);
-  } else if (SameNoCase(name, "Set-Cookie")) {
+  } else if (EqualsNoCase(name, "Set-Cookie")) {
     const Cookie cookie = CookieList::ParseSetCookie(value);
     FireSetCookie(cookie);
     cookies_.Add(cookie);
-  } else if (SameNoCase(name, "WWW-Authenticate")) {
+  } else if (EqualsNoCase(name, "WWW-Authenticate")) {
     authorization_.Clear();
-  } else if (SameNoCase(name, "Proxy-Authenticate")) {
+  } else if (EqualsNoCase(name, "Proxy-Authenticate")) {
     proxy_authorization_.Clear();
     const size_t blank = value.find(' ');
     if (value.substr(0, blank) == "NTLM") {

@@ -16,14 +16,6 @@ std::string_view StripCr(std::string_view line) {
   return line;
 }
 
-bool EqualsNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (ToLowerAscii(a[i]) != ToLowerAscii(b[i])) return false;
-  }
-  return true;
-}
-
 bool ContainsNoCase(std::string_view text, std::string_view word) {
   for (size_t i = 0; i + word.size() <= text.size(); ++i) {
     if (EqualsNoCase(text.substr(i, word.size()), word)) return true;

@@ -10,14 +10,6 @@ bool IsKeptInUrl(unsigned char c) {
          c == '/' || c == '=' || c == '@' || c == '_';
 }
 
-bool SameNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (ToLowerAscii(a[i]) != ToLowerAscii(b[i])) return false;
-  }
-  return true;
-}
-
 int32_t ParsePort(std::string_view text) {
   int64_t value = 0;
   for (char c : text) {
@@ -53,8 +45,8 @@ void UrlParts::Parse(std::string_view url, bool encode) {
     if (colon != std::string_view::npos) {
       scheme = std::string(url.substr(0, colon));
       url.remove_prefix(colon + 1);
-      if (SameNoCase(scheme, "http")) port = default_port = 80;
-      if (SameNoCase(scheme, "https")) port = default_port = 443;
+      if (EqualsNoCase(scheme, "http")) port = default_port = 80;
+      if (EqualsNoCase(scheme, "https")) port = default_port = 443;
     }
   }
   std::string new_path;

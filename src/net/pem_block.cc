@@ -9,14 +9,6 @@
 namespace orvelan {
 namespace {
 
-bool SameNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (size_t i = 0; i < a.size(); ++i) {
-    if (ToLowerAscii(a[i]) != ToLowerAscii(b[i])) return false;
-  }
-  return true;
-}
-
 // The line starting at `at` without its line end; `at` moves past it.
 std::string_view NextLine(std::string_view text, size_t& at) {
   const size_t start = at;
@@ -74,7 +66,7 @@ bool PemBlock::Read(std::string_view text, std::string_view marker) {
 
 const std::string* PemBlock::Header(std::string_view name) const {
   for (const auto& [n, value] : headers_) {
-    if (SameNoCase(n, name)) return &value;
+    if (EqualsNoCase(n, name)) return &value;
   }
   return nullptr;
 }
@@ -85,7 +77,7 @@ bool PemBlock::Decrypt(std::string_view pass_phrase) {
   const size_t comma = info->find(',');
   if (comma == std::string::npos) return false;
   const std::string_view cipher = std::string_view(*info).substr(0, comma);
-  if (!SameNoCase(cipher, "DES-EDE3-CBC") && !SameNoCase(cipher, "3des-cbc")) return false;
+  if (!EqualsNoCase(cipher, "DES-EDE3-CBC") && !EqualsNoCase(cipher, "3des-cbc")) return false;
   const std::string iv_hex = info->substr(comma + 1);
   if (iv_hex.size() != 16) return false;
   uint8_t iv[8];

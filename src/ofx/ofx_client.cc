@@ -90,18 +90,6 @@ int AppendHexGroup(ByteString& out, uint32_t value, int bytes) {
   return out.Append(text, 2 * bytes);
 }
 
-bool WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t n = ::write(fd, bytes.data(), bytes.size());
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      return false;
-    }
-    bytes.remove_prefix(static_cast<size_t>(n));
-  }
-  return true;
-}
-
 const char* ImageExtension(const char* content_type) {
   std::string_view type(content_type);
   if (type == "image/jpeg") return ".jpeg";

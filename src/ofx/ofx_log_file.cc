@@ -15,18 +15,6 @@ constexpr char kRequestEnd[] = "\r\n\r\n================== END OFX REQUEST =====
 constexpr char kResponseBegin[] = "\r\n\r\n================== BEGIN OFX RESPONSE ==================\r\n\r\n";
 constexpr char kResponseEnd[] = "\r\n\r\n================== END OFX RESPONSE ==================";
 
-bool WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t n = ::write(fd, bytes.data(), bytes.size());
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      return false;
-    }
-    bytes.remove_prefix(static_cast<size_t>(n));
-  }
-  return true;
-}
-
 // Closes explicitly so that a failing close can be reported.
 bool CloseChecked(UniqueFd& fd) { return ::close(fd.release()) == 0; }
 

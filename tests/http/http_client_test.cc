@@ -15,31 +15,16 @@
 #include <gtest/gtest.h>
 
 #include "support/loopback_server.h"
-#include "support/recording_events.h"
+#include "support/test_http_client.h"
 #include "support/test_gzip.h"
 
 namespace orvelan {
 namespace {
 
-class Client : public HttpClient {
+class Client : public TestHttpClient {
  public:
-  Client() {
-    InitDefaults();
-    SetEventSink(&events);
-    SetTimeout(5);
-  }
-  int Set(const std::string& setting) {
-    const char* out = nullptr;
-    return Config(setting.c_str(), out);
-  }
-  std::string Get(const std::string& name) {
-    const char* out = nullptr;
-    Config(name.c_str(), out);
-    return out;
-  }
-  std::string Body() const { return std::string(TransferredData()); }
+  Client() : TestHttpClient(5) {}
 
-  RecordingEvents events;
   int nested_rc = -1;
   bool nest = false;
   std::string hooks;  // one letter per hook: S status, H header, C cookie, < > start/end, T transfer

@@ -12,35 +12,21 @@
 #include "support/loopback_server.h"
 #include "support/nginx_server.h"
 #include "support/proxy_servers.h"
-#include "support/recording_events.h"
+#include "support/test_http_client.h"
 #include "support/test_bytes.h"
 #include "support/test_pki.h"
 
 namespace orvelan {
 namespace {
 
-class Client : public HttpClient {
+class Client : public TestHttpClient {
  public:
-  Client() {
-    InitDefaults();
-    SetEventSink(&events);
-    SetTimeout(10);
-  }
-  int Set(const std::string& setting) {
-    const char* out = nullptr;
-    return Config(setting.c_str(), out);
-  }
-  std::string Get(const std::string& name) {
-    const char* out = nullptr;
-    Config(name.c_str(), out);
-    return out;
-  }
+  Client() : TestHttpClient(10) {}
   int Post(const std::string& url, const std::string& body) {
     SetContentType("application/x-ofx");
     SetPostData(body.data(), static_cast<int32_t>(body.size()));
     return PostToURL(url.c_str());
   }
-  std::string Body() const { return std::string(TransferredData()); }
   void Firewall(int type, int port, const std::string& user = "", const std::string& password = "") {
     Set("FirewallType=" + std::to_string(type));
     Set("FirewallHost=127.0.0.1");
@@ -48,8 +34,6 @@ class Client : public HttpClient {
     Set("FirewallUser=" + user);
     Set("FirewallPassword=" + password);
   }
-
-  RecordingEvents events;
 };
 
 // Answers every request with its own body, keeping the connection while the
