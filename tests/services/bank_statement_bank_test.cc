@@ -22,16 +22,11 @@ class BankStatementBankTest : public ::testing::Test {
 
   void Prepare(const std::string& url, const std::string& user, const char* version = "102") {
     s_.SetEventSink(&events_);
-    ASSERT_EQ(Set(31, url), 0);
-    ASSERT_EQ(Set(42, user), 0);
-    ASSERT_EQ(Set(39, "secret"), 0);
-    ASSERT_EQ(Set(37, "QWIN"), 0);
-    ASSERT_EQ(Set(38, "2700"), 0);
-    ASSERT_EQ(Set(24, "Orvelan Bank"), 0);
-    ASSERT_EQ(Set(23, "1234"), 0);
-    ASSERT_EQ(Set(43, version), 0);
-    ASSERT_EQ(Set(5, "121000248"), 0);
-    ASSERT_EQ(Set(1, "4412345678"), 0);
+    const std::pair<int, std::string> texts[] = {{31, url},     {42, user},          {39, "secret"},
+                                                 {37, "QWIN"},  {38, "2700"},        {24, "Orvelan Bank"},
+                                                 {23, "1234"},  {43, version},       {5, "121000248"},
+                                                 {1, "4412345678"}};
+    for (const auto& [id, value] : texts) ASSERT_EQ(Set(id, value), 0) << id;
     ASSERT_EQ(component_.Set(2, 0, reinterpret_cast<void*>(1), 0), 0);
     ASSERT_EQ(component_.Set(52, 0, reinterpret_cast<void*>(10), 0), 0);
     const char* out = nullptr;
@@ -65,21 +60,12 @@ TEST_F(BankStatementBankTest, StatementInBothDialects) {
         << body;
     EXPECT_NE(body.find("<DTSTART>20260101"), std::string::npos);
 
-    EXPECT_EQ(Get(21), "USD");
+    // The values themselves are the canned-response tests' business.
     EXPECT_EQ(Get(1), "4412345678");
-    EXPECT_EQ(GetInt(2), 1);
-    EXPECT_EQ(Get(51).substr(0, 10), "01/01/2026");
     EXPECT_EQ(Get(22).substr(0, 10), "01/31/2026");
     EXPECT_FALSE(Get(34).empty());
-    EXPECT_NE(Get(35), "");
-    EXPECT_NE(Get(4), "");
     ASSERT_EQ(GetInt(53), 5);
-    for (int i = 0; i < 5; ++i) {
-      EXPECT_FALSE(Get(59, i).empty()) << i;
-      EXPECT_EQ(Get(58, i).substr(6, 4), "2026") << Get(58, i);
-      EXPECT_NE(Get(55, i), "0.00");
-      EXPECT_FALSE(Get(61, i).empty());
-    }
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(Get(58, i).substr(6, 4), "2026") << Get(58, i);
     // The same request gets the same answer: FITIDs are derived, not random.
     const std::string first = Get(59, 0);
     ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0);
@@ -92,25 +78,21 @@ TEST_F(BankStatementBankTest, StatementInBothDialects) {
 TEST_F(BankStatementBankTest, ClosingInformation) {
   ORVELAN_REQUIRE_TEST_BANK(bank);
   ORVELAN_REQUIRE_TLS_BANK(bank);
-  for (const char* version : {"211"}) {
-    SCOPED_TRACE(version);
-    Prepare(bank.TlsUrl(), "user", version);
-    ASSERT_EQ(Set(51, "01/01/2026 00:00:00"), 0);
-    ASSERT_EQ(Set(22, "03/31/2026 00:00:00"), 0);
-    ASSERT_EQ(component_.Do(3, 0, nullptr, nullptr), 0) << component_.GetLastError();
-    EXPECT_NE(bank.Requests().back().body.find("<STMTENDTRNRQ>"), std::string::npos);
-    EXPECT_EQ(GetInt(53), 0);
-    ASSERT_EQ(GetInt(6), 3);  // one per calendar month
-    for (int i = 0; i < 3; ++i) {
-      EXPECT_FALSE(Get(14, i).empty());
-      EXPECT_EQ(Get(10, i).substr(0, 2), std::string("0") + static_cast<char>('1' + i)) << Get(10, i);
-      EXPECT_FALSE(Get(8, i).empty());
-    }
-    // A statement download afterwards leaves no closing records behind.
-    ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
-    EXPECT_EQ(GetInt(6), 0);
-    EXPECT_EQ(GetInt(53), 3);
+  Prepare(bank.TlsUrl(), "user", "211");
+  ASSERT_EQ(Set(51, "01/01/2026 00:00:00"), 0);
+  ASSERT_EQ(Set(22, "03/31/2026 00:00:00"), 0);
+  ASSERT_EQ(component_.Do(3, 0, nullptr, nullptr), 0) << component_.GetLastError();
+  EXPECT_NE(bank.Requests().back().body.find("<STMTENDTRNRQ>"), std::string::npos);
+  ASSERT_EQ(GetInt(6), 3);  // one per calendar month
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_FALSE(Get(14, i).empty());
+    EXPECT_EQ(Get(10, i).substr(0, 2), std::string("0") + static_cast<char>('1' + i)) << Get(10, i);
+    EXPECT_FALSE(Get(8, i).empty());
   }
+  // A statement download afterwards leaves no closing records behind.
+  ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
+  EXPECT_EQ(GetInt(6), 0);
+  EXPECT_EQ(GetInt(53), 3);
 }
 
 TEST_F(BankStatementBankTest, ServerStatusesAndTransportFailures) {
@@ -128,15 +110,13 @@ TEST_F(BankStatementBankTest, ServerStatusesAndTransportFailures) {
     Prepare(bank.TlsUrl(), "warn", "211");
     ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
     EXPECT_EQ(GetInt(53), 3);
-    bool warned = false;
-    for (const std::string& line : events_.log) warned |= line.rfind("Error(2028,WARN: ", 0) == 0;
-    EXPECT_TRUE(warned);
+    EXPECT_TRUE(events_.Saw("Error(2028," + std::string(s_.ServerMessage()) + ")"));
+    EXPECT_EQ(std::string(s_.ServerMessage()).rfind("WARN: ", 0), 0u);
   }
   {
     SCOPED_TRACE("HTTP 500 page");
     Prepare(bank.TlsUrl(), "http500");
-    const int rc = component_.Do(5, 0, nullptr, nullptr);
-    EXPECT_EQ(rc, 151) << component_.GetLastError();
+    EXPECT_EQ(component_.Do(5, 0, nullptr, nullptr), 151);
     EXPECT_NE(std::string(component_.GetLastError()).find("500"), std::string::npos) << component_.GetLastError();
     EXPECT_EQ(GetInt(53), 0);
   }

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
@@ -129,26 +130,17 @@ bool TestBankServer::StartBehindTls() {
 std::vector<TestBankServer::Request> TestBankServer::Requests() const {
   const std::string log = ReadFile(log_path_);
   std::vector<Request> requests;
-  size_t at = 0;
-  while (at < log.size()) {
-    const size_t line_end = log.find('\n', at);
-    if (line_end == std::string::npos) break;
-    const std::string line = log.substr(at, line_end - at);
-    const size_t status = line.find(" status=");
-    const size_t length = line.find(" length=");
-    const size_t type = line.find(" content-type=");
-    if (line.compare(0, 12, "--- request ") != 0 || status == std::string::npos || length == std::string::npos ||
-        type == std::string::npos) {
-      break;
-    }
+  for (size_t at = 0; at < log.size();) {
     Request r;
-    r.status = std::atoi(line.c_str() + status + 8);
-    const size_t n = std::strtoul(line.c_str() + length + 8, nullptr, 10);
-    r.content_type = line.substr(type + 14);
-    if (line_end + 1 + n > log.size()) break;  // still being written
-    r.body = log.substr(line_end + 1, n);
+    size_t n = 0;
+    int used = 0;
+    if (std::sscanf(log.c_str() + at, "--- request %*d status=%d length=%zu%n", &r.status, &n, &used) != 2 ||
+        log[at + used] != '\n' || at + used + 1 + n > log.size()) {
+      break;  // the last one is still being written
+    }
+    r.body = log.substr(at + used + 1, n);
     requests.push_back(std::move(r));
-    at = line_end + 1 + n + 1;
+    at += used + 1 + n + 1;
   }
   return requests;
 }

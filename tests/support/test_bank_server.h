@@ -8,15 +8,8 @@
 
 namespace orvelan {
 
-// The scripted OFX bank (tests/support/test_bank.py) on a free loopback port,
-// started by the constructor and killed by the destructor, with its files in
-// a temporary directory of its own. Scenarios are chosen by the USERID of the
-// request (the script's header lists them); the password is "secret".
-//
-//   ORVELAN_REQUIRE_TEST_BANK(bank);            // skips when python3 is missing
-//   client.PostToURL(bank.Url().c_str());
-//   if (bank.StartBehindTls()) client.PostToURL(bank.TlsUrl().c_str());
-//   std::vector<TestBankServer::Request> seen = bank.Requests();
+// The scripted OFX bank (test_bank.py; its header lists the scenarios, chosen
+// by USERID) on a free loopback port for the object's lifetime.
 class TestBankServer {
  public:
   TestBankServer();
@@ -24,32 +17,23 @@ class TestBankServer {
   TestBankServer& operator=(const TestBankServer&) = delete;
   ~TestBankServer();
 
-  // False when the bank could not start; why() says what was missing.
   bool ok() const { return port_ > 0; }
-  const std::string& why() const { return why_; }
-
-  int port() const { return port_; }
+  const std::string& why() const { return why_; }  // why it could not start
   std::string Url(const std::string& path = "/ofx") const;
 
-  // Puts an nginx with the test CA's server certificate in front of the bank
-  // as a TLS reverse proxy (once; later calls return the first answer).
-  // False, with why() set, when nginx or openssl is missing or did not start.
+  // Puts nginx with the test CA's server certificate in front (once); false,
+  // with why() set, when it cannot.
   bool StartBehindTls();
-  int tls_port() const { return tls_port_; }
   std::string TlsUrl(const std::string& path = "/ofx") const;
-  // The CA file a client must trust for TlsUrl().
   static std::string CaFile() { return TestPki::Get().Path("ca.pem"); }
 
-  // One POST the bank received, its body byte for byte; status is the HTTP
-  // status it answered (0 while it stalls).
+  // Every POST so far, in order, byte for byte, with the HTTP status it got
+  // (0 while it stalls).
   struct Request {
     int status = 0;
-    std::string content_type;
     std::string body;
   };
-  // Every request received so far, in order.
   std::vector<Request> Requests() const;
-  const std::string& log_path() const { return log_path_; }
 
  private:
   std::string dir_;
