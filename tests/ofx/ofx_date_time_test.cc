@@ -233,20 +233,6 @@ TEST(OFXDateTimeTest, CutOffTimeKeepsTheClockForMissingFields) {
   EXPECT_EQ(t.Second(), 0);
 }
 
-TEST(OFXDateTimeTest, ZoneNameQuirks) {
-  const struct {
-    int32_t offset;
-    const char* name;
-  } cases[] = {{-12, "IDLW"}, {-11, "NT "}, {-3, ""}, {0, "GMT"}, {3, "BT "},
-               {12, "IDLE"},  {13, "EET"},  {-13, ""}, {14, ""}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.offset);
-    OFXDateTime t;
-    t.SetZoneOffset(c.offset);
-    EXPECT_EQ(t.ZoneName(), c.name);
-  }
-}
-
 TEST(OFXDateTimeTest, FreshTimeIsLocalWithZoneAndMillisecondsZero) {
   OFXDateTime t;
   EXPECT_EQ(t.Millisecond(), 0);

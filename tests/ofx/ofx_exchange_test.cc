@@ -1,10 +1,6 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <fstream>
 #include <mutex>
-#include <sstream>
 #include <string>
 
 #include "support/loopback_server.h"
@@ -22,13 +18,6 @@ constexpr char kResponse[] =
 std::string HttpAnswer(const std::string& content_type, const std::string& body, int status = 200) {
   return "HTTP/1.1 " + std::to_string(status) + " X\r\nContent-Type: " + content_type +
          "\r\nContent-Length: " + std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n" + body;
-}
-
-std::string Slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  std::stringstream s;
-  s << in.rdbuf();
-  return s.str();
 }
 
 size_t Occurrences(const std::string& text, const std::string& what) {
@@ -70,9 +59,7 @@ class ExchangeTest : public ::testing::Test {
     ASSERT_EQ(service_.InitDefaults(), 1);
     service_.SetEventSink(&events_);
     service_.SetCredentials();
-    log_path_ = ::testing::TempDir() + "ofx_exchange_" + std::to_string(getpid()) + ".log";
   }
-  void TearDown() override { std::remove(log_path_.c_str()); }
   void Config(const std::string& text) {
     const char* out = nullptr;
     ASSERT_EQ(service_.Config(text.c_str(), out), 0) << text;
@@ -80,16 +67,19 @@ class ExchangeTest : public ::testing::Test {
 
   TestOFXService service_;
   RecordingEvents events_;
-  std::string log_path_;
+  TempFile log_{"exchange_log"};
 };
 
 TEST_F(ExchangeTest, PostsTheRequestLogsOneMaskedExchangeAndParses) {
   CannedBank bank(HttpAnswer("application/x-ofx", kResponse));
   service_.SetFIUrl(bank.Url().c_str());
-  Config("OFXLog=" + log_path_);
+  Config("OFXLog=" + log_.path());
   Config("NewPassword=fresh");
+  Config("DebugTrace=1");
   ASSERT_EQ(service_.Exchange(), 0) << service_.GetLastError();
   EXPECT_EQ(service_.parse_calls, 1);
+  EXPECT_TRUE(events_.Saw("Status(REQUEST,0)"));
+  EXPECT_TRUE(events_.Saw("Status(RESPONSE,0)"));
   EXPECT_STREQ(service_.OFXResponse(), kResponse);
 
   const std::string request = bank.Request();
@@ -100,7 +90,7 @@ TEST_F(ExchangeTest, PostsTheRequestLogsOneMaskedExchangeAndParses) {
   EXPECT_NE(body.find("<USERID>user\r\n<USERPASS>secret\r\n"), std::string::npos);
   EXPECT_EQ(body.size() - body.rfind("</OFX>"), 6u);
 
-  const std::string log = Slurp(log_path_);
+  const std::string log = log_.Read();
   EXPECT_EQ(Occurrences(log, "BEGIN OFX REQUEST"), 1u);
   EXPECT_EQ(Occurrences(log, "BEGIN OFX RESPONSE"), 1u);
   EXPECT_EQ(log.find("secret"), std::string::npos) << log;
@@ -115,26 +105,17 @@ TEST_F(ExchangeTest, PostsTheRequestLogsOneMaskedExchangeAndParses) {
 
   // The next exchange rewrites the log.
   ASSERT_EQ(service_.Exchange(), 0);
-  EXPECT_EQ(Occurrences(Slurp(log_path_), "BEGIN OFX REQUEST"), 1u);
-}
-
-TEST_F(ExchangeTest, DebugTraceDeliversRequestAndResponse) {
-  CannedBank bank(HttpAnswer("application/x-ofx", kResponse));
-  service_.SetFIUrl(bank.Url().c_str());
-  Config("DebugTrace=1");
-  ASSERT_EQ(service_.Exchange(), 0);
-  EXPECT_TRUE(events_.Saw("Status(REQUEST,0)"));
-  EXPECT_TRUE(events_.Saw("Status(RESPONSE,0)"));
+  EXPECT_EQ(Occurrences(log_.Read(), "BEGIN OFX REQUEST"), 1u);
 }
 
 TEST_F(ExchangeTest, MissingFieldsStopBeforeSendingButAfterLogging) {
   CannedBank bank(HttpAnswer("application/x-ofx", kResponse));
   service_.SetFIUrl(bank.Url().c_str());
   service_.SetOFXAppId("");
-  Config("OFXLog=" + log_path_);
+  Config("OFXLog=" + log_.path());
   EXPECT_EQ(service_.Exchange(), 2000);
   EXPECT_EQ(bank.Connections(), 0);
-  EXPECT_EQ(Occurrences(Slurp(log_path_), "BEGIN OFX REQUEST"), 1u);
+  EXPECT_EQ(Occurrences(log_.Read(), "BEGIN OFX REQUEST"), 1u);
 }
 
 TEST_F(ExchangeTest, FailuresOfTheServerAndTheLog) {
@@ -184,23 +165,19 @@ TEST_F(ExchangeTest, ChallengeTurnsTheNextRequestIntoAChallengeRequest) {
 
 class ImageTest : public ExchangeTest {
  protected:
-  void TearDown() override {
-    for (const char* ext : {".png", ".pdf", ""}) std::remove((image_base_ + ext).c_str());
-    ExchangeTest::TearDown();
-  }
-  std::string image_base_ = ::testing::TempDir() + "ofx_image_" + std::to_string(getpid());
+  TempFile image_{"image", {".png", ".pdf", ""}};
 };
 
 TEST_F(ImageTest, DownloadedImageIsReturnedAndWrittenWithItsExtension) {
   const std::string png("\x89PNG\r\n\x1a\n\0\0binary", 16);
   CannedBank bank(HttpAnswer("image/png", png));
   service_.SetFIUrl(bank.Url().c_str());
-  service_.SetImageFile(image_base_.c_str());
+  service_.SetImageFile(image_.c_str());
   const char* data = nullptr;
   int32_t length = -1;
   ASSERT_EQ(service_.GetImage("IMG-1", "", data, length), 0) << service_.GetLastError();
   EXPECT_EQ(std::string(data, static_cast<size_t>(length)), png);
-  EXPECT_EQ(Slurp(image_base_ + ".png"), png);
+  EXPECT_EQ(image_.Read(".png"), png);
   EXPECT_STREQ(service_.OFXVersion(), "211");
   EXPECT_NE(bank.Request().find("<IMAGEREF>IMG-1</IMAGEREF>"), std::string::npos);
   EXPECT_EQ(bank.Request().find("BANKMSGSRQV1"), std::string::npos);
@@ -217,7 +194,7 @@ TEST_F(ImageTest, StatusBodiesAndOtherReferenceTypes) {
       {"OFX-STATUS=16513\r\n", 2001, ""},  // compared whole
       {"OFX-STATUS=1", 2001, ""},
   };
-  service_.SetImageFile(image_base_.c_str());
+  service_.SetImageFile(image_.c_str());
   for (const Case& c : cases) {
     CannedBank bank(HttpAnswer("application/x-ofx", c.body));
     service_.SetFIUrl(bank.Url().c_str());

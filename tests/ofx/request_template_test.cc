@@ -32,37 +32,22 @@ TEST(RequestTemplateTest, ExpandsSlotsMarkersAndTails) {
     ByteString out("kept ");
     ASSERT_EQ(t.Expand(out, arguments, 3, true), 0);
     EXPECT_EQ(out.View(), c.expanded) << c.text;
+    ASSERT_EQ(t.Expand(out, arguments, 3, false), 0);
+    EXPECT_EQ(out.View(), std::string(c.expanded) + c.expanded) << "appends unless told to clear";
   }
 }
 
-TEST(RequestTemplateTest, AppendsUnlessToldToClear) {
-  RequestTemplate t;
-  t.Load("[~0~]");
-  const std::string_view arguments[] = {"v"};
-  ByteString out("head");
-  ASSERT_EQ(t.Expand(out, arguments, 1, false), 0);
-  EXPECT_EQ(out.View(), "head[v]");
-}
-
-TEST(MessageSetTableTest, NamesAndWrappers) {
-  const char* expected[][2] = {{"ACCTINFO", "SIGNUP"},   {"STMT", "BANK"},       {"INTRA", "BANK"},
-                               {"CCSTMT", "CREDITCARD"}, {"LOANSTMT", "LOAN"},   {"INVSTMT", "INVSTMT"},
-                               {"INTER", "BANK"},        {"BILLPAY", "BILLPAY"}, {"PROF", "PROF"}};
-  for (int i = 0; i < MessageSetTable::kCount; ++i) {
-    EXPECT_STREQ(MessageSetTable::RequestKind(i), expected[i][0]);
-    EXPECT_STREQ(MessageSetTable::MessageSet(i), expected[i][1]);
-  }
-  EXPECT_STREQ(MessageSetTable::RequestKind(9), "");
-  EXPECT_STREQ(MessageSetTable::MessageSet(-1), "");
-  EXPECT_STREQ(MessageSetTable::StatementType(0), "TRANSACTIONS");
-  EXPECT_STREQ(MessageSetTable::StatementType(1), "CLOSING");
-  EXPECT_STREQ(MessageSetTable::StatementType(2), "");
-
+// The wrappers at both ends of the table and one past it.
+TEST(MessageSetTableTest, WrappersAndTheirBounds) {
   ByteString out;
   ASSERT_EQ(MessageSetTable::AppendOpen(out, MessageSetTable::kCreditCardStatement), 0);
   ASSERT_EQ(MessageSetTable::AppendClose(out, MessageSetTable::kAccountInfo), 0);
   EXPECT_EQ(out.View(), "<CREDITCARDMSGSRQV1>\r\n</SIGNUPMSGSRQV1>\r\n");
-  EXPECT_EQ(MessageSetTable::AppendOpen(out, 9), 202);
+  EXPECT_STREQ(MessageSetTable::MessageSet(MessageSetTable::kCount - 1), "PROF");
+  EXPECT_STREQ(MessageSetTable::RequestKind(MessageSetTable::kCount), "");
+  EXPECT_STREQ(MessageSetTable::MessageSet(-1), "");
+  EXPECT_STREQ(MessageSetTable::StatementType(2), "");
+  EXPECT_EQ(MessageSetTable::AppendOpen(out, MessageSetTable::kCount), 202);
 }
 
 }  // namespace

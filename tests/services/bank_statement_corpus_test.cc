@@ -1,34 +1,19 @@
 // Reads every bank statement among the real-world OFX files and checks what
 // the component reports against values scanned from the raw text by a naive
 // reader that knows nothing of the library's parser.
-#include <dirent.h>
-
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "services/bank_statement_component.h"
+#include "support/test_ofx_service.h"
 
 namespace orvelan {
 namespace {
-
-std::string CorpusDir() {
-  if (const char* dir = std::getenv("ORVELAN_CORPUS_DIR")) return dir;
-  const char* source = std::getenv("ORVELAN_SOURCE_DIR");
-  return std::string(source != nullptr ? source : ".") + "/../shared/corpus";
-}
-
-std::string Slurp(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
 
 // The text after <TAG> up to the next '<' or line end, trimmed; empty if absent.
 std::string ValueOf(const std::string& block, const std::string& tag) {
@@ -97,13 +82,10 @@ std::string Text(BankStatementComponent& c, int id, int index = 0) {
 }
 
 TEST(BankStatementCorpusTest, EveryBankStatementReadsAsScanned) {
-  DIR* dir = opendir(CorpusDir().c_str());
-  if (dir == nullptr) GTEST_SKIP() << "no corpus at " << CorpusDir();
+  const auto files = CorpusFiles();
+  if (files.empty()) GTEST_SKIP() << "no corpus";
   int statements = 0;
-  while (const dirent* entry = readdir(dir)) {
-    const std::string name = entry->d_name;
-    if (name[0] == '.') continue;
-    const std::string path = CorpusDir() + "/" + name;
+  for (const auto& [name, path] : files) {
     const ScannedStatement expected = Scan(Slurp(path));
     if (!expected.is_bank_statement) continue;
     SCOPED_TRACE(name);
@@ -124,7 +106,6 @@ TEST(BankStatementCorpusTest, EveryBankStatementReadsAsScanned) {
       ExpectSameDay(Text(c, 58, i), t.date_posted);
     }
   }
-  closedir(dir);
   EXPECT_GE(statements, 5) << "the corpus should hold several bank statements";
 }
 

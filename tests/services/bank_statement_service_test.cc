@@ -3,14 +3,11 @@
 #include "services/bank_statement_service.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "services/bank_statement_component.h"
+#include "support/test_ofx_service.h"
 
 namespace orvelan {
 namespace {
@@ -404,24 +401,6 @@ TEST_F(BankStatementServiceTest, ClonesKeepTextsButNotConversions) {
   EXPECT_EQ(Get(58, 3), "");
 }
 
-class TempFile {
- public:
-  explicit TempFile(const std::string& name)
-      : path_(::testing::TempDir() + name + "_" + std::to_string(getpid()) + ".ofx") {}
-  ~TempFile() { std::remove(path_.c_str()); }
-  const std::string& path() const { return path_; }
-  void Write(const std::string& text) const { std::ofstream(path_, std::ios::binary) << text; }
-  std::string Read() const {
-    std::ifstream in(path_, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-  }
-
- private:
-  std::string path_;
-};
-
 TEST_F(BankStatementServiceTest, DataFilesDecideTheirKind) {
   TempFile closing("closing"), copy("copy");
   closing.Write("OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\n\r\n" + Ofx(kClosing));
@@ -434,11 +413,8 @@ TEST_F(BankStatementServiceTest, DataFilesDecideTheirKind) {
   EXPECT_EQ(GetInt(6), 2);
   params[0] = const_cast<char*>(copy.path().c_str());
   ASSERT_EQ(component_.Do(8, 1, params, lengths), 0);
-  params[0] = const_cast<char*>(closing.path().c_str());
-  copy.Write(copy.Read());
   // The copy reads back the same records.
   BankStatementComponent other(nullptr, nullptr);
-  params[0] = const_cast<char*>(copy.path().c_str());
   ASSERT_EQ(other.Do(6, 1, params, lengths), 0);
   EXPECT_STREQ(static_cast<const char*>(other.Get(14, 1, nullptr)), "C2");
   // A missing file fails and leaves no results behind.

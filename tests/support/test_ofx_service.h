@@ -1,6 +1,16 @@
 #pragma once
+#include <dirent.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "ofx/message_set_table.h"
 #include "ofx/ofx_client.h"
@@ -46,5 +56,45 @@ class TestOFXService : public OFXClient {
     SetFIOrganization("Test Bank");
   }
 };
+
+inline std::string Slurp(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
+}
+
+// A path in the test temporary directory, unique to this process and removed
+// (with the given extensions) when the object goes.
+class TempFile {
+ public:
+  explicit TempFile(const std::string& tag, std::vector<std::string> extensions = {""})
+      : path_(::testing::TempDir() + "orvelan_" + tag + "_" + std::to_string(getpid())),
+        extensions_(std::move(extensions)) {}
+  ~TempFile() {
+    for (const std::string& e : extensions_) std::remove((path_ + e).c_str());
+  }
+  const std::string& path() const { return path_; }
+  const char* c_str() const { return path_.c_str(); }
+  void Write(const std::string& text) const { std::ofstream(path_, std::ios::binary) << text; }
+  std::string Read(const std::string& extension = "") const { return Slurp(path_ + extension); }
+
+ private:
+  std::string path_;
+  std::vector<std::string> extensions_;
+};
+
+// The real-world OFX files as (name, path), none when there is no corpus.
+inline std::vector<std::pair<std::string, std::string>> CorpusFiles() {
+  const char* source = std::getenv("ORVELAN_SOURCE_DIR");
+  const char* set = std::getenv("ORVELAN_CORPUS_DIR");
+  const std::string dir = set != nullptr ? set : std::string(source != nullptr ? source : ".") + "/../shared/corpus";
+  std::vector<std::pair<std::string, std::string>> files;
+  if (DIR* d = opendir(dir.c_str())) {
+    while (const dirent* entry = readdir(d)) {
+      if (entry->d_name[0] != '.') files.emplace_back(entry->d_name, dir + "/" + entry->d_name);
+    }
+    closedir(d);
+  }
+  return files;
+}
 
 }  // namespace orvelan
