@@ -18,14 +18,12 @@ struct FormatDateCase {
 const FormatDateCase kFormatDateCases[] = {
     {"zone is not applied", kDefault, "20240115103000.000[-5:EST]", "01/15/2024 10:30:00"},
     {"bare date is midnight", kDefault, "20240115", "01/15/2024 00:00:00"},
-    {"date with zone only", kDefault, "20240115[-5:EST]", "01/15/2024 00:00:00"},
     {"empty date", kDefault, "", ""},
     {"unreadable date passes through", kDefault, "2024011", "2024011"},
     {"not a date at all", kDefault, "[pending]", "[pending]"},
     {"no conversion", "OFXDATE", "20240115103000.000[-5:EST]", "20240115103000.000[-5:EST]"},
     {"no conversion of a bad date", "OFXDATE", "x", "x"},
     {"empty format means the default", "", "20241231235959.999", "12/31/2024 23:59:59"},
-    {"host pattern with names", "DDD dd MMM YYYY hh:mm AA", "20240704180500", "Thursday 04 Jul 2024 06:05 PM"},
     {"host pattern back to OFX", "YYYYMMddHHmmss.xxx", "20240115103000.250[-5:EST]", "20240115103000.250"},
 };
 
@@ -52,15 +50,11 @@ struct ParseUserDateCase {
 };
 const ParseUserDateCase kParseUserDateCases[] = {
     {"one-digit month and day", kDefault, kDefault, "1/5/2024 08:00:00", 0, "20240105080000.000[+0:GMT]"},
-    {"two-digit fields", kDefault, kDefault, "12/31/2024 23:59:59", 0, "20241231235959.000[+0:GMT]"},
-    {"no range check", kDefault, kDefault, "13/45/2024 00:00:00", 0, "20241345000000.000[+0:GMT]"},
     {"empty text", kDefault, kDefault, "", 0, ""},
     {"no conversion", "OFXDATE", kDefault, "whatever the host says", 0, "whatever the host says"},
-    {"two-digit year", "dd.MM.YY HH:mm:ss", kDefault, "05.01.24 08:00:00", 0, "20240105080000.000[+0:GMT]"},
     {"written in the engine's own pattern", kDefault, "YYYYMMdd", "1/5/2024 08:00:00", 0, "20240105"},
     {"month name", "MMMM d, YYYY HH:mm:ss", "YYYYMMddHHmmss", "September 9, 2024 07:08:09", 0, "20240909070809"},
     {"unknown month name", "MMM dd YYYY", kDefault, "Foo 01 2024", kErrCannotParseDate, ""},
-    {"missing AM/PM", "hh:mm AA", kDefault, "10:30", kErrCannotParseDate, ""},
 };
 
 TEST(DateAmountFormatTest, ParsesHostDates) {
@@ -73,20 +67,6 @@ TEST(DateAmountFormatTest, ParsesHostDates) {
     out.Assign("left over");
     EXPECT_EQ(f.ParseUserDate(out, c.text), c.rc);
     EXPECT_EQ(out.View(), c.expected);
-  }
-}
-
-// A host date sent to the server comes back from it unchanged.
-TEST(DateAmountFormatTest, HostDatesSurviveTheRoundTrip) {
-  const char* dates[] = {"01/05/2024 08:00:00", "12/31/1999 23:59:59", "02/29/2000 00:00:00"};
-  DateAmountFormat f;
-  for (const char* date : dates) {
-    SCOPED_TRACE(date);
-    ByteString ofx;
-    ASSERT_EQ(f.ParseUserDate(ofx, date), 0);
-    ByteString back;
-    f.FormatDate(back, ofx.View());
-    EXPECT_EQ(back.View(), date);
   }
 }
 

@@ -76,9 +76,7 @@ TEST(BankStatementComponentTest, ConfigReachesTheTransport) {
     const char* query;
     const char* answer;
   } cases[] = {
-      {"MaxTransferredData", "0"},  {"KeepAlive", "False"},      {"HTTPVersion", "1.1"},
-      {"UseWinInetCookies", "True"}, {"OpenSSLCAFile", ""},       {"SelectWaitMillis", "20"},
-      {"MaxLineLength", "2048"},     {"TimeoutInMilliseconds", "False"},
+      {"MaxTransferredData", "0"}, {"HTTPVersion", "1.1"}, {"SelectWaitMillis", "20"}, {"MaxLineLength", "2048"},
   };
   const char* out = nullptr;
   for (const auto& c : cases) {

@@ -25,6 +25,7 @@ Every POST is appended to --log as
 
 import argparse
 import datetime
+import html
 import http.server
 import os
 import re
@@ -47,17 +48,18 @@ MAX_TRANSACTIONS = 200000
 SONRQ_ORDER = ["DTCLIENT", "USERID", "USERPASS", "LANGUAGE", "FI", "SESSCOOKIE", "APPID", "APPVER",
                "CLIENTUID", "USERCRED1", "USERCRED2", "AUTHTOKEN", "ACCESSKEY", "MFACHALLENGEA"]
 SONRQ_REQUIRED = ["DTCLIENT", "USERID", "USERPASS", "LANGUAGE", "FI", "APPID", "APPVER"]
-SGML_HEADER_KEYS = ["OFXHEADER", "DATA", "VERSION", "SECURITY", "ENCODING", "CHARSET", "COMPRESSION",
-                    "OLDFILEUID", "NEWFILEUID"]
-SGML_HEADER_VALUES = {"OFXHEADER": "100", "DATA": "OFXSGML", "SECURITY": "NONE", "ENCODING": "USASCII",
-                      "CHARSET": "1252", "COMPRESSION": "NONE"}
+# The header fields in order, each with the form of its value.
+SGML_HEADER = [("OFXHEADER", "100"), ("DATA", "OFXSGML"), ("VERSION", r"1\d\d"), ("SECURITY", "NONE"),
+               ("ENCODING", "USASCII"), ("CHARSET", "1252"), ("COMPRESSION", "NONE"), ("OLDFILEUID", ".+"),
+               ("NEWFILEUID", ".+")]
+XML_HEADER_FIELDS = [("OFXHEADER", "200"), ("VERSION", r"2\d\d"), ("SECURITY", "NONE"), ("OLDFILEUID", ".*"),
+                     ("NEWFILEUID", ".*")]
 
 TRNUID_FORM = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{8}$")
 OFX_DATE_FORM = re.compile(r"^\d{8}(\d{4}(\d{2}(\.\d{3})?)?)?(\[[+-]?\d+(\.\d+)?(:[A-Za-z ]*)?\])?$")
 XML_HEADER = re.compile(r'^(<\?xml[^>]*\?>\s*)?<\?OFX((?:\s+[A-Z]+="[^"]*")*)\s*\?>\s*')
 XML_ATTRIBUTE = re.compile(r'([A-Z]+)="([^"]*)"')
 TOKEN = re.compile(r"<(/?)([A-Za-z0-9_.]+)>|<|[^<]+")
-ENTITIES = {"amp": "&", "lt": "<", "gt": ">", "quot": '"', "apos": "'", "nbsp": "\u00a0"}
 
 
 class BadRequest(Exception):
@@ -97,59 +99,26 @@ class Node:
 # ---------------------------------------------------------------- reading
 
 
-def decode_entities(text):
-    def one(m):
-        name = m.group(1)
-        if name.startswith("#x") or name.startswith("#X"):
-            return chr(int(name[2:], 16))
-        if name.startswith("#"):
-            return chr(int(name[1:]))
-        if name in ENTITIES:
-            return ENTITIES[name]
-        raise BadRequest("unknown entity &%s;" % name)
-    return re.sub(r"&(#[0-9]+|#[xX][0-9a-fA-F]+|[A-Za-z]+);", one, text)
-
-
 def read_header(text):
     """Returns (dialect, version, rest of the text)."""
     if text.startswith("OFXHEADER:"):
         end = text.find("\r\n\r\n")
         if end < 0:
             raise BadRequest("OFX 1.x header does not end with a blank line (CRLF CRLF)")
-        lines = text[:end].split("\r\n")
-        keys = []
-        fields = {}
-        for line in lines:
-            if "\n" in line or "\r" in line:
-                raise BadRequest("OFX 1.x header lines must end with CRLF")
-            key, colon, value = line.partition(":")
-            if not colon:
-                raise BadRequest("OFX 1.x header line without a colon: %r" % line)
-            keys.append(key)
-            fields[key] = value
-        if keys != SGML_HEADER_KEYS:
-            raise BadRequest("OFX 1.x header fields must be %s, got %s" % (",".join(SGML_HEADER_KEYS), ",".join(keys)))
-        for key, wanted in SGML_HEADER_VALUES.items():
-            if fields[key] != wanted:
-                raise BadRequest("OFX 1.x header %s must be %s, got %r" % (key, wanted, fields[key]))
-        if not re.match(r"^1\d\d$", fields["VERSION"]):
-            raise BadRequest("OFX 1.x header VERSION must be 1nn, got %r" % fields["VERSION"])
-        for key in ("OLDFILEUID", "NEWFILEUID"):
-            if not fields[key]:
-                raise BadRequest("OFX 1.x header %s is empty" % key)
-        return "sgml", fields["VERSION"], text[end + 4:]
+        lines = [line.partition(":") for line in text[:end].split("\r\n")]
+        if [key for key, _, _ in lines] != [key for key, _ in SGML_HEADER]:
+            raise BadRequest("OFX 1.x header fields must be %s, each ending with CRLF" %
+                             ",".join(key for key, _ in SGML_HEADER))
+        for (key, _, value), (_, form) in zip(lines, SGML_HEADER):
+            if not re.fullmatch(form, value):
+                raise BadRequest("OFX 1.x header %s must match %s, got %r" % (key, form, value))
+        return "sgml", lines[2][2], text[end + 4:]
     m = XML_HEADER.match(text)
     if m:
         attributes = dict(XML_ATTRIBUTE.findall(m.group(2)))
-        for key in ("OFXHEADER", "VERSION", "SECURITY", "OLDFILEUID", "NEWFILEUID"):
-            if key not in attributes:
-                raise BadRequest("OFX 2.x header lacks %s" % key)
-        if attributes["OFXHEADER"] != "200":
-            raise BadRequest('OFX 2.x header OFXHEADER must be "200", got %r' % attributes["OFXHEADER"])
-        if not re.match(r"^2\d\d$", attributes["VERSION"]):
-            raise BadRequest("OFX 2.x header VERSION must be 2nn, got %r" % attributes["VERSION"])
-        if attributes["SECURITY"] != "NONE":
-            raise BadRequest("OFX 2.x header SECURITY must be NONE")
+        for key, form in XML_HEADER_FIELDS:
+            if key not in attributes or not re.fullmatch(form, attributes[key]):
+                raise BadRequest("OFX 2.x header %s must match %s, got %r" % (key, form, attributes.get(key)))
         return "xml", attributes["VERSION"], text[m.end():]
     raise BadRequest("no OFX header: the body must begin with OFXHEADER:100 or <?OFX OFXHEADER=\"200\" ...?>")
 
@@ -177,7 +146,7 @@ def read_tree(text, dialect):
         node = Node(name)
         stack[-1].children.append(node)
         if i < len(tokens) and tokens[i][1] is None and tokens[i][2] != "<" and tokens[i][2].strip():
-            node.value = decode_entities(tokens[i][2].strip())
+            node.value = html.unescape(tokens[i][2].strip())
             i += 1
             if i < len(tokens) and tokens[i][0] and tokens[i][1] == name:
                 i += 1
@@ -203,18 +172,13 @@ def check_signon(ofx):
         raise BadRequest("SONRQ must be the first element of SIGNONMSGSRQV1")
     sonrq = signon.children[0]
     names = [c.name for c in sonrq.children]
-    for name in names:
-        if name not in SONRQ_ORDER:
-            raise BadRequest("unexpected <%s> in SONRQ" % name)
-    ranks = [SONRQ_ORDER.index(n) for n in names]
-    if ranks != sorted(ranks):
-        raise BadRequest("SONRQ elements out of order: %s" % ",".join(names))
-    for name in names:
-        if name != "MFACHALLENGEA" and names.count(name) > 1:
-            raise BadRequest("<%s> appears twice in SONRQ" % name)
-    for name in SONRQ_REQUIRED:
-        if name not in names:
-            raise BadRequest("SONRQ lacks <%s>" % name)
+    ranks = [SONRQ_ORDER.index(n) if n in SONRQ_ORDER else -1 for n in names]
+    if -1 in ranks or ranks != sorted(ranks):
+        raise BadRequest("SONRQ elements unknown or out of order: %s" % ",".join(names))
+    for name in SONRQ_ORDER[:-1]:  # MFACHALLENGEA may repeat
+        count = names.count(name)
+        if count > 1 or (count == 0 and name in SONRQ_REQUIRED):
+            raise BadRequest("SONRQ lacks <%s>" % name if count == 0 else "<%s> appears twice in SONRQ" % name)
     for name in ("USERID", "USERPASS", "APPID", "APPVER"):
         if not sonrq.text(name):
             raise BadRequest("SONRQ <%s> is empty" % name)
@@ -225,10 +189,8 @@ def check_signon(ofx):
     fi = sonrq.child("FI")
     if [c.name for c in fi.children] not in (["ORG"], ["ORG", "FID"]):
         raise BadRequest("FI must hold ORG and an optional FID")
-    if not fi.text("ORG"):
-        raise BadRequest("FI <ORG> is empty")
-    if fi.child("FID") is not None and not fi.text("FID"):
-        raise BadRequest("FI <FID> is empty")
+    if not all(c.value for c in fi.children):
+        raise BadRequest("FI holds an empty element")
     for answer in sonrq.children:
         if answer.name == "MFACHALLENGEA" and [c.name for c in answer.children] != ["MFAPHRASEID", "MFAPHRASEA"]:
             raise BadRequest("MFACHALLENGEA must hold MFAPHRASEID and MFAPHRASEA")
@@ -244,10 +206,6 @@ def check_signon(ofx):
 # ---------------------------------------------------------------- writing
 
 
-def escape(value):
-    return value.replace("&", "&amp;").replace("<", "&lt;").replace(">", "&gt;")
-
-
 def render(node, dialect, out):
     """node: (name, text) for a leaf, (name, [children]) for an aggregate."""
     name, content = node
@@ -257,9 +215,9 @@ def render(node, dialect, out):
             render(c, dialect, out)
         out.append("</%s>\r\n" % name)
     elif dialect == "xml":
-        out.append("<%s>%s</%s>\r\n" % (name, escape(content), name))
+        out.append("<%s>%s</%s>\r\n" % (name, html.escape(content, quote=False), name))
     else:
-        out.append("<%s>%s\r\n" % (name, escape(content)))
+        out.append("<%s>%s\r\n" % (name, html.escape(content, quote=False)))
 
 
 def document(dialect, version, body):
@@ -333,11 +291,7 @@ class Bank:
 
     def signon(self, code=0, severity="INFO", extra=()):
         parts = [status(code, severity), ("DTSERVER", now_stamp()), ("LANGUAGE", "ENG")]
-        fi = self.sonrq.child("FI")
-        fi_parts = [("ORG", fi.text("ORG"))]
-        if fi.child("FID") is not None:
-            fi_parts.append(("FID", fi.text("FID")))
-        parts.append(("FI", fi_parts))
+        parts.append(("FI", [(c.name, c.value) for c in self.sonrq.child("FI").children]))
         if self.scenario.name == "accesskey" and code == 0:
             parts.append(("ACCESSKEY", ACCESS_KEY))
         return [("SIGNONMSGSRSV1", [("SONRS", parts)] + list(extra))]
@@ -356,7 +310,9 @@ class Bank:
         if s.name == "badofx":
             return 200, "application/x-ofx", b"<OFX>\r\n<SIGNONMSGSRSV1>\r\n<SONRS>\r\n</SIGNONMSGSRSV1>\r\n</OFX>"
         if image is not None:
-            return self.image(image.value or "")
+            if image.value == "missing":
+                return 200, "application/x-ofx", b"OFX-STATUS=16512"
+            return 200, "image/png", png(image.value or "")
         challenge = self.ofx.children[0].child("MFACHALLENGETRNRQ")
         if challenge is not None:
             return self.ofx_answer(self.signon(extra=[self.challenge(challenge)]))
@@ -490,11 +446,6 @@ class Bank:
             month = following
         return [self.scenario.trn_status or status(),
                 ("STMTENDRS", [("CURDEF", "USD"), ("BANKACCTFROM", account)] + closings)]
-
-    def image(self, reference):
-        if reference == "missing":
-            return 200, "application/x-ofx", b"OFX-STATUS=16512"
-        return 200, "image/png", png(reference)
 
 
 def png(comment):

@@ -25,6 +25,9 @@ class TestOFXService : public OFXClient {
   static constexpr char kStatementRequest[] =
       "<STMTTRNRQ>\r\n<TRNUID>~0~\r\n<STMTRQ>\r\n<BANKACCTFROM>\r\n<BANKID>~1~\r\n</BANKACCTFROM>\r\n"
       "</STMTRQ>\r\n</STMTTRNRQ>\r\n";
+  static constexpr char kStatementRequest2[] =
+      "<STMTTRNRQ>\r\n<TRNUID>~0~</TRNUID>\r\n<STMTRQ>\r\n<BANKACCTFROM>\r\n<BANKID>~1~</BANKID>\r\n"
+      "</BANKACCTFROM>\r\n</STMTRQ>\r\n</STMTTRNRQ>\r\n";
 
   int parse_calls = 0;
   int parse_result = 0;
@@ -34,7 +37,7 @@ class TestOFXService : public OFXClient {
     ByteString trnuid;
     if (int rc = NewTransactionId(trnuid); rc != 0) return rc;
     RequestTemplate request;
-    request.Load(kStatementRequest);
+    request.Load(OFXVersion()[0] == '2' ? kStatementRequest2 : kStatementRequest);
     const std::string_view arguments[] = {trnuid.View(), "123456789"};
     if (!wrapped) return request.Expand(out, arguments, 2, true);
     MessageSetTable::AppendOpen(out, MessageSetTable::kStatement);
