@@ -25,15 +25,15 @@ OFXDateTime Make(const Fields& f, int32_t weekday = 1) {
   return t;
 }
 
+// The fields of `t` against `f`, as text so a failure shows them all.
 void ExpectFields(const OFXDateTime& t, const Fields& f) {
-  EXPECT_EQ(t.Year(), f.year);
-  EXPECT_EQ(t.Month(), f.month);
-  EXPECT_EQ(t.Day(), f.day);
-  EXPECT_EQ(t.Hour(), f.hour);
-  EXPECT_EQ(t.Minute(), f.minute);
-  EXPECT_EQ(t.Second(), f.second);
-  EXPECT_EQ(t.Millisecond(), f.millisecond);
-  EXPECT_EQ(t.ZoneOffset(), f.zone);
+  const auto text = [](const Fields& g) {
+    return std::to_string(g.year) + "-" + std::to_string(g.month) + "-" + std::to_string(g.day) + " " +
+           std::to_string(g.hour) + ":" + std::to_string(g.minute) + ":" + std::to_string(g.second) + "." +
+           std::to_string(g.millisecond) + " " + std::to_string(g.zone);
+  };
+  EXPECT_EQ(text({t.Year(), t.Month(), t.Day(), t.Hour(), t.Minute(), t.Second(), t.Millisecond(), t.ZoneOffset()}),
+            text(f));
 }
 
 std::string FormatOf(const OFXDateTime& t, std::string_view pattern) {

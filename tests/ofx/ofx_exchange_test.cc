@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <mutex>
 #include <string>
 
@@ -165,26 +166,37 @@ TEST_F(ExchangeTest, ChallengeTurnsTheNextRequestIntoAChallengeRequest) {
 
 class ImageTest : public ExchangeTest {
  protected:
+  // Fetches an image from a bank that answers `answer`.
+  int Fetch(const std::string& answer, const char* reference = "IMG-1", const char* type = "OPAQUE") {
+    bank_ = std::make_unique<CannedBank>(answer);
+    service_.SetFIUrl(bank_->Url().c_str());
+    length_ = -1;
+    return service_.GetImage(reference, type, data_, length_);
+  }
   TempFile image_{"image", {".png", ".pdf", ""}};
+  std::unique_ptr<CannedBank> bank_;
+  const char* data_ = nullptr;
+  int32_t length_ = -1;
 };
 
 TEST_F(ImageTest, DownloadedImageIsReturnedAndWrittenWithItsExtension) {
   const std::string png("\x89PNG\r\n\x1a\n\0\0binary", 16);
-  CannedBank bank(HttpAnswer("image/png", png));
-  service_.SetFIUrl(bank.Url().c_str());
   service_.SetImageFile(image_.c_str());
-  const char* data = nullptr;
-  int32_t length = -1;
-  ASSERT_EQ(service_.GetImage("IMG-1", "", data, length), 0) << service_.GetLastError();
-  EXPECT_EQ(std::string(data, static_cast<size_t>(length)), png);
+  ASSERT_EQ(Fetch(HttpAnswer("image/png", png), "IMG-1", ""), 0) << service_.GetLastError();
+  EXPECT_EQ(std::string(data_, static_cast<size_t>(length_)), png);
   EXPECT_EQ(image_.Read(".png"), png);
   EXPECT_STREQ(service_.OFXVersion(), "211");
-  EXPECT_NE(bank.Request().find("<IMAGEREF>IMG-1</IMAGEREF>"), std::string::npos);
-  EXPECT_EQ(bank.Request().find("BANKMSGSRQV1"), std::string::npos);
+  EXPECT_NE(bank_->Request().find("<IMAGEREF>IMG-1</IMAGEREF>"), std::string::npos);
+  EXPECT_EQ(bank_->Request().find("BANKMSGSRQV1"), std::string::npos);
+
+  service_.SetImageFile("/nonexistent-dir/img");
+  EXPECT_EQ(Fetch(HttpAnswer("Application/pdf", "%PDF")), 0) << "an unwritable file keeps the result";
+  EXPECT_EQ(length_, 4);
+  EXPECT_STREQ(service_.GetLastError(), "Cannot open file \"/nonexistent-dir/img.pdf\" for writing.");
 }
 
 TEST_F(ImageTest, StatusBodiesAndOtherReferenceTypes) {
-  struct Case {
+  const struct {
     const char* body;
     int code;
     const char* text;
@@ -195,37 +207,16 @@ TEST_F(ImageTest, StatusBodiesAndOtherReferenceTypes) {
       {"OFX-STATUS=1", 2001, ""},
   };
   service_.SetImageFile(image_.c_str());
-  for (const Case& c : cases) {
-    CannedBank bank(HttpAnswer("application/x-ofx", c.body));
-    service_.SetFIUrl(bank.Url().c_str());
-    const char* data = nullptr;
-    int32_t length = -1;
-    EXPECT_EQ(service_.GetImage("IMG-1", "OPAQUE", data, length), c.code) << c.body;
+  for (const auto& c : cases) {
+    EXPECT_EQ(Fetch(HttpAnswer("application/x-ofx", c.body)), c.code) << c.body;
     EXPECT_STREQ(service_.GetLastError(), c.text);
-    EXPECT_EQ(length, 0);
+    EXPECT_EQ(length_, 0);
   }
-
-  CannedBank bank(HttpAnswer("image/png", "png"));
-  service_.SetFIUrl(bank.Url().c_str());
-  const char* data = nullptr;
-  int32_t length = -1;
-  EXPECT_EQ(service_.GetImage("http://x/img", "URL", data, length), 0);
-  EXPECT_EQ(length, 0);
-  EXPECT_EQ(bank.Connections(), 0);
-  // Without ImageFile a downloaded image counts as failed.
+  EXPECT_EQ(Fetch(HttpAnswer("image/png", "png"), "http://x/img", "URL"), 0);
+  EXPECT_EQ(length_, 0);
+  EXPECT_EQ(bank_->Connections(), 0) << "a URL reference is not fetched";
   service_.SetImageFile("");
-  EXPECT_EQ(service_.GetImage("IMG-1", "OPAQUE", data, length), 2001);
-}
-
-TEST_F(ImageTest, UnwritableImageFileKeepsTheResult) {
-  CannedBank bank(HttpAnswer("Application/pdf", "%PDF"));
-  service_.SetFIUrl(bank.Url().c_str());
-  service_.SetImageFile("/nonexistent-dir/img");
-  const char* data = nullptr;
-  int32_t length = -1;
-  EXPECT_EQ(service_.GetImage("IMG-1", "OPAQUE", data, length), 0);
-  EXPECT_EQ(length, 4);
-  EXPECT_STREQ(service_.GetLastError(), "Cannot open file \"/nonexistent-dir/img.pdf\" for writing.");
+  EXPECT_EQ(Fetch(HttpAnswer("image/png", "png")), 2001) << "without ImageFile a downloaded image counts as failed";
 }
 
 }  // namespace

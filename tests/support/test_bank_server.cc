@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
+#include <iterator>
 #include <thread>
 
 #include "support/loopback_server.h"
@@ -16,9 +16,7 @@ namespace {
 
 std::string ReadFile(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
-  std::stringstream text;
-  text << in.rdbuf();
-  return text.str();
+  return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
 // Beside this source file unless the build says where the sources are.
@@ -35,18 +33,10 @@ std::string ScriptPath() {
 
 TestBankServer::TestBankServer() {
   const std::string python = FindProgram("python3");
-  if (python.empty()) {
-    why_ = "no python3 program";
-    return;
-  }
   const std::string script = ScriptPath();
-  if (access(script.c_str(), R_OK) != 0) {
-    why_ = "no script at " + script;
-    return;
-  }
   char templ[] = "/tmp/orvelan-bank-XXXXXX";
-  if (mkdtemp(templ) == nullptr) {
-    why_ = "cannot make a temporary directory";
+  if (python.empty() || access(script.c_str(), R_OK) != 0 || mkdtemp(templ) == nullptr) {
+    why_ = python.empty() ? "no python3 program" : "no script at " + script + " or no temporary directory";
     return;
   }
   dir_ = templ;
