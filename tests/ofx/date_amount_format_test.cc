@@ -36,7 +36,9 @@ TEST(DateAmountFormatTest, FormatsOFXDatesForTheHost) {
     out.Assign("left over");
     f.FormatDate(out, c.ofx_date);
     EXPECT_EQ(out.View(), c.expected);
-    if (c.date_format != kDefault && *c.date_format == '\0') EXPECT_EQ(f.DateFormat().View(), kDefaultDateFormat);
+    if (c.date_format != kDefault && *c.date_format == '\0') {
+      EXPECT_EQ(f.DateFormat().View(), kDefaultDateFormat);
+    }
   }
 }
 
