@@ -52,7 +52,9 @@ TEST(FaultServerTest, ClientCopesWithEachFault) {
       client.Set("AllowHTTPCompression=true");
       const auto start = std::chrono::steady_clock::now();
       EXPECT_EQ(client.Post(LocalUrl(port, c.path), "x"), c.rc);
-      if (c.rc != 0) EXPECT_STREQ(client.GetLastError(), c.error);
+      if (c.rc != 0) {
+        EXPECT_STREQ(client.GetLastError(), c.error);
+      }
       EXPECT_EQ(client.Body(), c.body);
       EXPECT_EQ(client.SocketHandle(), -1);
       // None of them runs into the 5 s time-out.

@@ -23,17 +23,7 @@ class Client : public TestHttpsClient {
     Set("MaxTransferredData=0");
     if (trust_test_ca) Set("OpenSSLCAFile=" + TestPki::Get().Path("ca.pem"));
   }
-  std::string Header(const std::string& name) const {
-    for (const auto& [n, v] : ResponseHeaders()) {
-      if (n == name) return v;
-    }
-    return "";
-  }
 };
-
-std::string HttpsUrl(int port, const char* path, const char* host = "127.0.0.1") {
-  return std::string("https://") + host + ":" + std::to_string(port) + path;
-}
 
 // A kept connection carries gzip-ed chunked answers one after another.
 TEST(NginxExchangeTest, PlainPostsOverOneKeptConnection) {
@@ -44,8 +34,8 @@ TEST(NginxExchangeTest, PlainPostsOverOneKeptConnection) {
   int port = 0;
   for (int i = 0; i < 3; ++i) {
     ASSERT_EQ(c.Post(LocalUrl(nginx->http_port, "/post4k"), "abc"), 0) << c.GetLastError();
-    EXPECT_EQ(c.Header("Content-Encoding"), "gzip");
-    EXPECT_EQ(c.Header("Transfer-Encoding"), "chunked");
+    EXPECT_NE(c.RawResponseHeaders().find("Content-Encoding: gzip\r\n"), std::string::npos);
+    EXPECT_NE(c.RawResponseHeaders().find("Transfer-Encoding: chunked\r\n"), std::string::npos);
     EXPECT_EQ(c.Body(), std::string(4096, 'r'));
     if (i == 0) port = c.LocalPort();
     EXPECT_EQ(c.LocalPort(), port);
@@ -60,7 +50,7 @@ TEST(NginxExchangeTest, PlainPostsOverOneKeptConnection) {
 TEST(NginxExchangeTest, TrustedServerOverTlsGetsTheHostNameBySni) {
   ORVELAN_REQUIRE_NGINX(nginx);
   Client c(true);
-  ASSERT_EQ(c.PostToURL(HttpsUrl(nginx->https_port, "/sni", "localhost").c_str()), 0) << c.GetLastError();
+  ASSERT_EQ(c.PostToURL(("https://localhost:" + std::to_string(nginx->https_port) + "/sni").c_str()), 0) << c.GetLastError();
   EXPECT_EQ(c.Body(), "localhost");
   EXPECT_EQ(c.events.last_cert_status, "OK");
   // The certificate as the server sent it: the PEM file's base64, on one line.
@@ -107,7 +97,7 @@ TEST(NginxExchangeTest, CertificateDecision) {
       c.SetSSLAcceptServerCertEncoded(pem.data(), static_cast<int32_t>(pem.size()));
     }
     c.events.accept_certificate = k.host_decision;
-    EXPECT_EQ(c.PostToURL(HttpsUrl(k.port, "/ofx").c_str()), k.rc);
+    EXPECT_EQ(c.PostToURL(LocalUrl(k.port, "/ofx", "https").c_str()), k.rc);
     EXPECT_EQ(c.events.last_cert_status, k.status);
     if (k.rc != 0) {
       EXPECT_STREQ(c.GetLastError(), "Server certificate verification failed. Connection aborted.");
@@ -127,8 +117,10 @@ TEST(NginxExchangeTest, LargeBodyOverTlsBlockingAndAsynchronous) {
     SCOPED_TRACE(timeout);
     Client c(true);
     c.SetTimeout(timeout);
-    ASSERT_EQ(c.Post(HttpsUrl(nginx->https_port, "/files/1m.bin"), "x"), 0) << c.GetLastError();
-    if (timeout < 0) EXPECT_EQ(c.Body(), "");
+    ASSERT_EQ(c.Post(LocalUrl(nginx->https_port, "/files/1m.bin", "https"), "x"), 0) << c.GetLastError();
+    if (timeout < 0) {
+      EXPECT_EQ(c.Body(), "");
+    }
     for (int i = 0; i < 5000 && c.SocketHandle() != -1; ++i) {
       c.ProcessEvents(0);
       std::this_thread::sleep_for(std::chrono::milliseconds(1));
@@ -153,7 +145,7 @@ TEST(NginxExchangeTest, ClientCertificateIsPresented) {
     ASSERT_EQ(c.SetSSLCertStore(store.data(), static_cast<int32_t>(store.size())), 0);
     c.SetSSLCertStorePassword("secret");
     ASSERT_EQ(c.SetSSLCertSubject("*"), 0) << c.GetLastError();
-    ASSERT_EQ(c.PostToURL(HttpsUrl(nginx->https_port, "/whoami").c_str()), 0) << c.GetLastError();
+    ASSERT_EQ(c.PostToURL(LocalUrl(nginx->https_port, "/whoami", "https").c_str()), 0) << c.GetLastError();
     EXPECT_EQ(c.Body(), "CN=Orvelan Client");
   }
 }
@@ -173,7 +165,7 @@ TEST(NginxExchangeTest, OldProtocolVersionsAreRefused) {
                      pki.Path("s_server.log"));
   ASSERT_TRUE(server.Ready({port})) << pki.Read("s_server.log");
   Client c(true);
-  EXPECT_NE(c.PostToURL(HttpsUrl(port, "/ofx").c_str()), 0);
+  EXPECT_NE(c.PostToURL(LocalUrl(port, "/ofx", "https").c_str()), 0);
   const std::string error = c.GetLastError();
   EXPECT_EQ(error.rfind("Error in making an SSL Connection\n SSL Library Message:", 0), 0u) << error;
   EXPECT_NE(error.find("protocol"), std::string::npos) << error;
@@ -184,7 +176,7 @@ TEST(NginxExchangeTest, OldProtocolVersionsAreRefused) {
 TEST(NginxExchangeTest, RepeatedTlsExchangesLeaveNoDescriptorBehind) {
   ORVELAN_REQUIRE_NGINX(nginx);
   Client c(true);
-  const std::string url = HttpsUrl(nginx->https_port, "/ofx");
+  const std::string url = LocalUrl(nginx->https_port, "/ofx", "https");
   ASSERT_EQ(c.PostToURL(url.c_str()), 0) << c.GetLastError();
   const int before = OpenDescriptors();
   for (int i = 0; i < 200; ++i) {
