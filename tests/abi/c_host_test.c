@@ -36,40 +36,22 @@ int main(void) {
   CHECK(st != NULL);
   if (st == NULL) return 1;
 
-  /* Defaults right after creation. */
+  /* Text and integers both ways, a refused value, and Config through the
+   * method table; the C++ ABI tests go through the rest. */
   CHECK(CheckText(st, ORVELAN_PROP_VERSION, ORVELAN_VERSION_BANNER));
-  CHECK(CheckText(st, BANKSTATEMENT_PROP_OFXVERSION, "102"));
   CHECK((intptr_t)BankStatement_Get(st, BANKSTATEMENT_PROP_TIMEOUT, 0, NULL) == 60);
-  int length = -1;
-  const char* store = (const char*)BankStatement_Get(st, BANKSTATEMENT_PROP_SSLCERTSTORE, 0, &length);
-  CHECK(length == 2 && store != NULL && memcmp(store, "MY", 2) == 0);
-
-  /* Text and integer properties round-trip; integers travel in the value. */
   CHECK(BankStatement_Set(st, BANKSTATEMENT_PROP_FIURL, 0, "https://bank.example/ofx", 0) == 0);
   CHECK(CheckText(st, BANKSTATEMENT_PROP_FIURL, "https://bank.example/ofx"));
   CHECK(BankStatement_Set(st, BANKSTATEMENT_PROP_ACCOUNTTYPE, 0, (void*)(intptr_t)2, 0) == 0);
   CHECK((intptr_t)BankStatement_Get(st, BANKSTATEMENT_PROP_ACCOUNTTYPE, 0, NULL) == 2);
   CHECK(BankStatement_Set(st, BANKSTATEMENT_PROP_ACCOUNTTYPE, 0, (void*)(intptr_t)9, 0) == 202);
   CHECK(strcmp(BankStatement_GetLastError(st), "AccountType is invalid.") == 0);
-  CHECK(BankStatement_GetLastErrorCode(st) == 202);
-  CHECK(BankStatement_Set(st, BANKSTATEMENT_PROP_OFXREQUEST, 0, NULL, 0) == -1);
-
-  /* Config through the method table: a set, then a query. */
   void* params[2] = {(void*)"codepage=65001", NULL};
   int lengths[2] = {0, 0};
   CHECK(BankStatement_Do(st, BANKSTATEMENT_METHOD_CONFIG, 2, params, lengths) == 0);
   params[0] = (void*)"CodePage";
   CHECK(BankStatement_Do(st, BANKSTATEMENT_METHOD_CONFIG, 2, params, lengths) == 0);
   CHECK(params[1] != NULL && strcmp((const char*)params[1], "65001") == 0);
-  CHECK((intptr_t)BankStatement_Get(st, ORVELAN_PROP_CODEPAGE, 0, NULL) == 65001);
-  params[0] = (void*)"NoSuchSetting=1";
-  CHECK(BankStatement_Do(st, BANKSTATEMENT_METHOD_CONFIG, 2, params, lengths) == -1);
-  CHECK(strcmp(BankStatement_GetLastError(st), "Unknown config setting.") == 0);
-
-  /* An empty list refuses every index. */
-  CHECK(CheckText(st, BANKSTATEMENT_PROP_TXAMOUNT, ""));
-  CHECK(BankStatement_GetLastErrorCode(st) == 432);
-  CHECK(BankStatement_CheckIndex(st, BANKSTATEMENT_PROP_TXAMOUNT, 0) == 280);
 
   CHECK(BankStatement_Destroy(st) == 0);
   CHECK(BankStatement_Destroy(NULL) == 0);

@@ -7,45 +7,27 @@
 
 #include <gtest/gtest.h>
 
-#include "http/http_client.h"
 #include "support/loopback_server.h"
 #include "support/peer_process.h"
+#include "support/test_http_client.h"
 #include "support/test_pki.h"
 
 namespace orvelan {
 namespace {
 
-class FaultClient : public HttpClient {
- public:
-  FaultClient() {
-    InitDefaults();
-    SetTimeout(5);
-  }
-  int Set(const std::string& setting) {
-    const char* out = nullptr;
-    return Config(setting.c_str(), out);
-  }
-};
-
-std::string ScriptPath() {
-  std::string path = __FILE__;
-  path.replace(path.rfind("http/"), std::string::npos, "support/fault_server.py");
-  return path;
-}
-
 TEST(FaultServerTest, ClientCopesWithEachFault) {
+  std::string script = __FILE__;
+  script.replace(script.rfind("http/"), std::string::npos, "support/fault_server.py");
   const std::string python = FindProgram("python3");
-  if (python.empty() || access(ScriptPath().c_str(), R_OK) != 0) {
-    if (PeersRequired()) FAIL() << "python3 and " << ScriptPath() << " are required";
+  if (python.empty() || access(script.c_str(), R_OK) != 0) {
+    if (PeersRequired()) FAIL() << "python3 and " << script << " are required";
     GTEST_SKIP() << "python3 not available for the fault server";
   }
   const int port = UnusedPort();
   char log[] = "/tmp/orvelan-fault-XXXXXX";
-  const int log_fd = mkstemp(log);
-  ASSERT_GE(log_fd, 0);
-  close(log_fd);
+  close(mkstemp(log));
   {
-    PeerProcess server({python, ScriptPath(), std::to_string(port)}, log);
+    PeerProcess server({python, script, std::to_string(port)}, log);
     ASSERT_TRUE(server.Ready({port})) << "fault server did not start; see " << log;
     const struct {
       const char* path;
@@ -64,22 +46,19 @@ TEST(FaultServerTest, ClientCopesWithEachFault) {
     };
     for (const auto& c : cases) {
       SCOPED_TRACE(c.path);
-      FaultClient client;
+      TestHttpClient client(5);
       ASSERT_EQ(client.Set("TimeoutInMilliseconds=true"), 0);
       client.SetTimeout(c.timeout_ms);
       client.Set("AllowHTTPCompression=true");
-      client.SetPostData("x", 1);
       const auto start = std::chrono::steady_clock::now();
-      const std::string url = "http://127.0.0.1:" + std::to_string(port) + c.path;
-      EXPECT_EQ(client.PostToURL(url.c_str()), c.rc);
+      EXPECT_EQ(client.Post(LocalUrl(port, c.path), "x"), c.rc);
       if (c.rc != 0) {
         EXPECT_STREQ(client.GetLastError(), c.error);
       }
-      EXPECT_EQ(client.TransferredData(), c.body);
+      EXPECT_EQ(client.Body(), c.body);
       EXPECT_EQ(client.SocketHandle(), -1);
-      const auto ms =
-          std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
-      EXPECT_LT(ms, c.rc == 301 ? 3000 : 2000);  // none of them runs into the 5 s time-out
+      // None of them runs into the 5 s time-out.
+      EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(c.rc == 301 ? 3000 : 2000));
     }
   }
   unlink(log);

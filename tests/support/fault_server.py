@@ -14,33 +14,18 @@ import sys
 import time
 import zlib
 
-PAUSE = 0.03  # between writes that must arrive as separate reads
+OK = b"HTTP/1.1 200 OK\r\n"
 
 
 def gzip_with_comment(text):
     """A gzip member whose header carries FCOMMENT, which the client must skip."""
     deflate = zlib.compressobj(9, zlib.DEFLATED, -15)
-    body = deflate.compress(text) + deflate.flush()
     header = b"\x1f\x8b\x08\x10" + struct.pack("<I", 0) + b"\x00\x03" + b"a comment\x00"
-    trailer = struct.pack("<II", zlib.crc32(text) & 0xFFFFFFFF, len(text))
-    return header + body + trailer
-
-
-def split_crlf(conn):
-    for piece in (b"HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r", b"\nhello\r",
-                  b"\n6\r\n world\r\n0\r", b"\n\r\n"):
-        conn.sendall(piece)
-        time.sleep(PAUSE)
-
-
-def close_delimited(conn):
-    conn.sendall(b"HTTP/1.0 200 OK\r\n\r\nbody until")
-    time.sleep(PAUSE)
-    conn.sendall(b" the close")
+    return header + deflate.compress(text) + deflate.flush() + struct.pack("<II", zlib.crc32(text), len(text))
 
 
 def stall(conn):
-    conn.sendall(b"HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nabc")
+    conn.sendall(OK + b"Content-Length: 10\r\n\r\nabc")
     conn.settimeout(10)
     try:
         while conn.recv(4096):  # until the client gives up and closes
@@ -49,62 +34,37 @@ def stall(conn):
         pass
 
 
-def close_mid_body(conn):
-    conn.sendall(b"HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\npartial")
-
-
-def bad_gzip(conn):
-    conn.sendall(b"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n\x1f\x8b\x07\x00\x00\x00\x00\x00\x00\x03xx")
-
-
-def gzip_comment(conn):
-    conn.sendall(b"HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" + gzip_with_comment(b"commented body"))
-
-
+# Each fault: the pieces written with a pause between (each arrives as its own
+# read), or a function that has the connection.
 FAULTS = {
-    "/split-crlf": split_crlf,
-    "/close-delimited": close_delimited,
+    "/split-crlf": [OK + b"Transfer-Encoding: chunked\r\n\r\n5\r", b"\nhello\r", b"\n6\r\n world\r\n0\r", b"\n\r\n"],
+    "/close-delimited": [b"HTTP/1.0 200 OK\r\n\r\nbody until", b" the close"],
     "/stall": stall,
-    "/close-mid-body": close_mid_body,
-    "/bad-gzip": bad_gzip,
-    "/gzip-comment": gzip_comment,
+    "/close-mid-body": [OK + b"Content-Length: 100\r\n\r\npartial"],
+    "/bad-gzip": [OK + b"Content-Encoding: gzip\r\n\r\n\x1f\x8b\x07\x00\x00\x00\x00\x00\x00\x03xx"],
+    "/gzip-comment": [OK + b"Content-Encoding: gzip\r\n\r\n" + gzip_with_comment(b"commented body")],
 }
 
 
-def read_request(conn):
-    """The request's path, or None when the peer sent no request."""
-    data = b""
-    while b"\r\n\r\n" not in data:
-        piece = conn.recv(4096)
-        if not piece:
-            return None
-        data += piece
-    head, _, body = data.partition(b"\r\n\r\n")
-    lines = head.decode("latin-1").split("\r\n")
-    length = 0
-    for line in lines[1:]:
-        name, _, value = line.partition(":")
-        if name.strip().lower() == "content-length":
-            length = int(value.strip())
-    while len(body) < length:
-        piece = conn.recv(4096)
-        if not piece:
-            break
-        body += piece
-    parts = lines[0].split(" ")
-    return parts[1] if len(parts) > 1 else ""
-
-
-class Handler(socketserver.BaseRequestHandler):
+class Handler(socketserver.StreamRequestHandler):
     def handle(self):
-        path = read_request(self.request)
-        if path is None:
-            return
-        fault = FAULTS.get(path)
-        if fault is None:
-            self.request.sendall(b"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n")
-        else:
-            fault(self.request)
+        line = self.rfile.readline()
+        if not line:
+            return  # a readiness probe
+        length = 0
+        while (header := self.rfile.readline()) not in (b"\r\n", b"\n", b""):
+            name, _, value = header.decode("latin-1").partition(":")
+            if name.strip().lower() == "content-length":
+                length = int(value)
+        self.rfile.read(length)
+        parts = line.decode("latin-1").split(" ")
+        fault = FAULTS.get(parts[1] if len(parts) > 1 else "", [b"HTTP/1.1 404 Not Found\r\nContent-Length: 0\r\n\r\n"])
+        if callable(fault):
+            return fault(self.request)
+        for i, piece in enumerate(fault):
+            if i > 0:
+                time.sleep(0.03)
+            self.request.sendall(piece)
 
 
 class Server(socketserver.ThreadingTCPServer):
@@ -112,10 +72,6 @@ class Server(socketserver.ThreadingTCPServer):
     daemon_threads = True
 
 
-def main():
+if __name__ == "__main__":
     with Server(("127.0.0.1", int(sys.argv[1])), Handler) as server:
         server.serve_forever()
-
-
-if __name__ == "__main__":
-    main()

@@ -8,31 +8,33 @@
 
 #include <chrono>
 #include <cstdlib>
-#include <cstring>
 
 namespace orvelan {
+namespace {
+
+// Binds `fd` to the loopback address at a port the system picks; returns the port.
+int BindLoopback(int fd, bool ipv6) {
+  sockaddr_in a4{};
+  sockaddr_in6 a6{};
+  a4.sin_family = AF_INET;
+  a4.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  a6.sin6_family = AF_INET6;
+  a6.sin6_addr = in6addr_loopback;
+  sockaddr* a = ipv6 ? reinterpret_cast<sockaddr*>(&a6) : reinterpret_cast<sockaddr*>(&a4);
+  socklen_t length = ipv6 ? sizeof a6 : sizeof a4;
+  if (bind(fd, a, length) != 0) std::abort();
+  getsockname(fd, a, &length);
+  return ntohs(ipv6 ? a6.sin6_port : a4.sin_port);
+}
+
+}  // namespace
 
 LoopbackServer::LoopbackServer(Script script, bool ipv6) : script_(std::move(script)) {
   listener_ = socket(ipv6 ? AF_INET6 : AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
   const int one = 1;
   setsockopt(listener_, SOL_SOCKET, SO_REUSEADDR, &one, sizeof one);
-  sockaddr_storage address{};
-  socklen_t length;
-  if (ipv6) {
-    auto& a = reinterpret_cast<sockaddr_in6&>(address);
-    a.sin6_family = AF_INET6;
-    a.sin6_addr = in6addr_loopback;
-    length = sizeof a;
-  } else {
-    auto& a = reinterpret_cast<sockaddr_in&>(address);
-    a.sin_family = AF_INET;
-    a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    length = sizeof a;
-  }
-  if (bind(listener_, reinterpret_cast<sockaddr*>(&address), length) != 0 || listen(listener_, 64) != 0) std::abort();
-  getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &length);
-  port_ = ntohs(ipv6 ? reinterpret_cast<sockaddr_in6&>(address).sin6_port
-                     : reinterpret_cast<sockaddr_in&>(address).sin_port);
+  port_ = BindLoopback(listener_, ipv6);
+  if (listen(listener_, 64) != 0) std::abort();
   thread_ = std::thread([this] {
     while (!stopping_) {
       pollfd p{listener_, POLLIN, 0};
@@ -54,11 +56,10 @@ LoopbackServer::~LoopbackServer() {
 }
 
 bool LoopbackServer::WaitUntilIdle() const {
-  for (int i = 0; i < 1000; ++i) {
-    if (finished_.load() == connections_.load()) return true;
+  for (int i = 0; i < 1000 && finished_.load() != connections_.load(); ++i) {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
-  return false;
+  return finished_.load() == connections_.load();
 }
 
 std::string LoopbackServer::ReadUntil(int fd, const std::string& marker) {
@@ -72,24 +73,15 @@ std::string LoopbackServer::ReadUntil(int fd, const std::string& marker) {
 }
 
 std::string LoopbackServer::ReadRequest(int fd) {
-  std::string head = ReadUntil(fd, "\r\n\r\n");
-  size_t at = head.find("Content-Length: ");
-  if (at == std::string::npos) return head;
-  size_t left = std::strtoul(head.c_str() + at + 16, nullptr, 10);
-  std::string body(left, '\0');
-  size_t got = 0;
-  while (got < left) {
-    const ssize_t n = read(fd, &body[got], left - got);
-    if (n <= 0) break;
-    got += static_cast<size_t>(n);
-  }
-  body.resize(got);
-  return head + body;
+  std::string request = ReadUntil(fd, "\r\n\r\n");
+  const size_t at = request.find("Content-Length: ");
+  size_t left = at == std::string::npos ? 0 : std::strtoul(request.c_str() + at + 16, nullptr, 10);
+  for (char c; left > 0 && read(fd, &c, 1) == 1; --left) request += c;
+  return request;
 }
 
 void LoopbackServer::WriteAll(int fd, const std::string& bytes) {
-  size_t done = 0;
-  while (done < bytes.size()) {
+  for (size_t done = 0; done < bytes.size();) {
     const ssize_t n = send(fd, bytes.data() + done, bytes.size() - done, MSG_NOSIGNAL);
     if (n <= 0) return;
     done += static_cast<size_t>(n);
@@ -98,14 +90,9 @@ void LoopbackServer::WriteAll(int fd, const std::string& bytes) {
 
 int UnusedPort() {
   const int fd = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in a{};
-  a.sin_family = AF_INET;
-  a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  socklen_t length = sizeof a;
-  bind(fd, reinterpret_cast<sockaddr*>(&a), length);
-  getsockname(fd, reinterpret_cast<sockaddr*>(&a), &length);
+  const int port = BindLoopback(fd, false);
   close(fd);
-  return ntohs(a.sin_port);
+  return port;
 }
 
 }  // namespace orvelan

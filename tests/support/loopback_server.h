@@ -6,10 +6,10 @@
 
 namespace orvelan {
 
-// A scripted TCP server on 127.0.0.1 (or ::1) at a port chosen by the system.
-// Each accepted connection runs the script on the server's own thread, one at
-// a time; the destructor stops accepting and joins. Used for the faults real
-// servers will not produce on purpose (stalls, closes mid-body, split writes).
+// A scripted TCP server on 127.0.0.1 (or ::1) at a port chosen by the system,
+// for the faults real servers will not produce on purpose (stalls, closes
+// mid-body, split writes). Each accepted connection runs the script on the
+// server's own thread, one at a time; the destructor stops and joins.
 class LoopbackServer {
  public:
   using Script = std::function<void(int fd)>;
@@ -20,15 +20,13 @@ class LoopbackServer {
 
   int port() const { return port_; }
   int connections() const { return connections_.load(); }
-  // Connections whose script has returned and whose descriptor is closed.
-  int finished() const { return finished_.load(); }
   // Waits (at most 5 s) until every accepted connection is closed, so a test
   // counting the process's descriptors does not count the server's.
   bool WaitUntilIdle() const;
 
-  // Helpers for scripts: read until `marker` (or end), write all of `bytes`.
+  // For scripts: read until `marker` (or the end); a request head and its
+  // Content-Length body; write all of `bytes`.
   static std::string ReadUntil(int fd, const std::string& marker);
-  // Reads a request head and, from Content-Length, its body.
   static std::string ReadRequest(int fd);
   static void WriteAll(int fd, const std::string& bytes);
 

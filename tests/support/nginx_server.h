@@ -12,7 +12,7 @@ namespace orvelan {
 // with a certificate for another host. Each serves:
 //   /ofx      a short application/x-ofx answer (any method)
 //   /post4k   a 4096-byte answer (any method)
-//   /files/*  static files from files_dir() (POST is answered like GET)
+//   /files/*  static files, among them the random 1m.bin (POST is answered like GET)
 //   /sni, /whoami  (TLS only) the server name the client sent, the client
 //             certificate's subject
 // and gzips answers for clients that ask. Started once per test binary.
@@ -26,7 +26,6 @@ class NginxServer {
   int https_port = 0;
   int expired_port = 0;
   int other_host_port = 0;
-  std::string files_dir;
 
  private:
   std::unique_ptr<PeerProcess> process_;

@@ -12,25 +12,10 @@
 #include <thread>
 
 namespace orvelan {
-namespace {
-
-bool Accepts(int port) {
-  const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  sockaddr_in a{};
-  a.sin_family = AF_INET;
-  a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-  a.sin_port = htons(static_cast<uint16_t>(port));
-  const bool ok = connect(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0;
-  close(fd);
-  return ok;
-}
-
-}  // namespace
 
 std::string FindProgram(const std::string& name) {
   for (const char* dir : {"/usr/sbin/", "/usr/bin/", "/sbin/", "/bin/", "/usr/local/sbin/", "/usr/local/bin/"}) {
-    const std::string path = dir + name;
-    if (access(path.c_str(), X_OK) == 0) return path;
+    if (access((dir + name).c_str(), X_OK) == 0) return dir + name;
   }
   return "";
 }
@@ -40,16 +25,14 @@ PeerProcess::PeerProcess(const std::vector<std::string>& argv, const std::string
   for (const std::string& a : argv) args.push_back(const_cast<char*>(a.c_str()));
   args.push_back(nullptr);
   pid_ = fork();
-  if (pid_ == 0) {
-    const int log = open(log_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
-    const int null = open("/dev/null", O_RDONLY);
-    dup2(null, 0);
-    dup2(log, 1);
-    dup2(log, 2);
-    setpgid(0, 0);
-    execv(args[0], args.data());
-    _exit(127);
-  }
+  if (pid_ != 0) return;
+  const int log = open(log_path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+  dup2(open("/dev/null", O_RDONLY), 0);
+  dup2(log, 1);
+  dup2(log, 2);
+  setpgid(0, 0);
+  execv(args[0], args.data());
+  _exit(127);
 }
 
 PeerProcess::~PeerProcess() {
@@ -62,10 +45,17 @@ PeerProcess::~PeerProcess() {
 bool PeerProcess::Ready(const std::vector<int>& ports, int timeout_ms) const {
   const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout_ms);
   for (int port : ports) {
-    while (!Accepts(port)) {
-      if (std::chrono::steady_clock::now() > end) return false;
+    for (;;) {
+      const int fd = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+      sockaddr_in a{};
+      a.sin_family = AF_INET;
+      a.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+      a.sin_port = htons(static_cast<uint16_t>(port));
+      const bool accepts = connect(fd, reinterpret_cast<sockaddr*>(&a), sizeof a) == 0;
+      close(fd);
+      if (accepts) break;
       int status;
-      if (waitpid(pid_, &status, WNOHANG) == pid_) return false;
+      if (std::chrono::steady_clock::now() > end || waitpid(pid_, &status, WNOHANG) == pid_) return false;
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
   }

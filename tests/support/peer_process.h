@@ -6,8 +6,8 @@
 
 namespace orvelan {
 
-// A server program (nginx, openssl s_server) started by a test and killed by
-// the destructor. Ready() waits until the given loopback ports accept.
+// A server program (nginx, a proxy, openssl s_server) started by a test and
+// killed by the destructor. Ready() waits until the loopback ports accept.
 class PeerProcess {
  public:
   PeerProcess(const std::vector<std::string>& argv, const std::string& log_path);
@@ -16,7 +16,6 @@ class PeerProcess {
   ~PeerProcess();
 
   bool Ready(const std::vector<int>& ports, int timeout_ms = 5000) const;
-  bool running() const { return pid_ > 0; }
 
  private:
   pid_t pid_ = -1;

@@ -9,10 +9,6 @@ namespace orvelan {
 
 // A proxy program on a loopback port, started for one test and killed with
 // it; its files live in a temporary directory removed afterwards.
-//
-//   auto proxy = ProxyServer::Tinyproxy(true);
-//   ORVELAN_REQUIRE_PROXY(proxy);   // skips, or fails under ORVELAN_REQUIRE_PEERS=1
-//   ... connect to 127.0.0.1:proxy->port() ...
 class ProxyServer {
  public:
   ~ProxyServer();
@@ -31,13 +27,13 @@ class ProxyServer {
   bool ok() const { return why_.empty(); }
   const std::string& why() const { return why_; }
   int port() const { return port_; }
-  // The proxy's log (the scripted proxy logs what it saw).
+  // What the proxy printed and logged (the scripted proxy logs what it saw).
   std::string Log() const;
 
  private:
-  ProxyServer() = default;
-  bool Prepare(const std::string& program);
-  void Run(const std::vector<std::string>& argv);
+  // Finds the program and makes the directory; argv gets the program's path.
+  explicit ProxyServer(const std::string& program);
+  void Run(std::vector<std::string> argv);
 
   std::unique_ptr<PeerProcess> process_;
   std::string program_;
@@ -46,6 +42,7 @@ class ProxyServer {
   int port_ = 0;
 };
 
+// Skips the test when the proxy is missing, or fails it under ORVELAN_REQUIRE_PEERS=1.
 #define ORVELAN_REQUIRE_PROXY(proxy)                                              \
   if (!(proxy)->ok()) {                                                           \
     if (PeersRequired()) FAIL() << "proxy required: " << (proxy)->why();          \

@@ -1,5 +1,5 @@
 #pragma once
-#include <functional>
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -24,39 +24,31 @@ class RecordingEvents : public ComponentEvents {
     return 0;
   }
   int WatchSocket(long, long event_mask, long& handle) override {
-    log.push_back("Watch(" + std::to_string(event_mask) + ")");
     handle = 7;
-    return 0;
+    return Record("Watch(" + std::to_string(event_mask) + ")");
   }
-  int UnwatchSocket(long handle) override {
-    log.push_back("Unwatch(" + std::to_string(handle) + ")");
-    return 0;
-  }
+  int UnwatchSocket(long handle) override { return Record("Unwatch(" + std::to_string(handle) + ")"); }
   int FireConnectionStatus(const char* event, int code, const char*) override {
-    log.push_back(std::string("Status(") + event + "," + std::to_string(code) + ")");
-    return 0;
+    return Record(std::string("Status(") + event + "," + std::to_string(code) + ")");
   }
   int FireError(int code, const char* description) override {
-    log.push_back("Error(" + std::to_string(code) + "," + description + ")");
-    return 0;
+    return Record("Error(" + std::to_string(code) + "," + description + ")");
   }
   int FireSSLServerAuthentication(const char*, int, const char*, const char*, const char* status,
                                   int& accept) override {
     last_cert_status = status;
-    log.push_back(std::string("ServerAuth(") + status + "," + std::to_string(accept) + ")");
+    Record(std::string("ServerAuth(") + status + "," + std::to_string(accept) + ")");
     if (accept_certificate >= 0) accept = accept_certificate;
     return 0;
   }
-  int FireSSLStatus(const char* message) override {
-    log.push_back(std::string("SSLStatus(") + message + ")");
-    return 0;
-  }
+  int FireSSLStatus(const char* message) override { return Record(std::string("SSLStatus(") + message + ")"); }
 
-  bool Saw(const std::string& line) const {
-    for (const std::string& l : log) {
-      if (l == line) return true;
-    }
-    return false;
+  bool Saw(const std::string& line) const { return std::find(log.begin(), log.end(), line) != log.end(); }
+
+ private:
+  int Record(std::string line) {
+    log.push_back(std::move(line));
+    return 0;
   }
 };
 

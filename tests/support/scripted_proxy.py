@@ -15,6 +15,7 @@ Each NTLM Authenticate message seen is logged as "authenticate domain=D user=U o
 """
 import argparse
 import base64
+import contextlib
 import hashlib
 import socket
 import socketserver
@@ -24,49 +25,29 @@ import threading
 
 
 def md4(data):
-    def f(x, y, z): return (x & y) | (~x & z)
-    def g(x, y, z): return (x & y) | (x & z) | (y & z)
-    def h(x, y, z): return x ^ y ^ z
-    def rotl(v, s): v &= 0xffffffff; return ((v << s) | (v >> (32 - s))) & 0xffffffff
-    msg = bytearray(data) + b'\x80'
-    while len(msg) % 64 != 56:
-        msg.append(0)
-    msg += struct.pack('<Q', (len(data) * 8) & 0xffffffffffffffff)
-    a, b, c, d = 0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476
+    def rotl(v, s):
+        v &= 0xffffffff
+        return ((v << s) | (v >> (32 - s))) & 0xffffffff
+    msg = bytes(data) + b'\x80' + b'\0' * ((55 - len(data)) % 64) + struct.pack('<Q', len(data) * 8)
+    rounds = ((lambda x, y, z: (x & y) | (~x & z), 0, range(16), (3, 7, 11, 19)),
+              (lambda x, y, z: (x & y) | (x & z) | (y & z), 0x5a827999, [i % 4 * 4 + i // 4 for i in range(16)],
+               (3, 5, 9, 13)),
+              (lambda x, y, z: x ^ y ^ z, 0x6ed9eba1, (0, 8, 4, 12, 2, 10, 6, 14, 1, 9, 5, 13, 3, 11, 7, 15),
+               (3, 9, 11, 15)))
+    h = [0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476]
     for off in range(0, len(msg), 64):
         x = struct.unpack('<16I', msg[off:off + 64])
-        aa, bb, cc, dd = a, b, c, d
-        for i in range(16):
-            k, s = i, (3, 7, 11, 19)[i % 4]
-            if i % 4 == 0: a = rotl(a + f(b, c, d) + x[k], s)
-            elif i % 4 == 1: d = rotl(d + f(a, b, c) + x[k], s)
-            elif i % 4 == 2: c = rotl(c + f(d, a, b) + x[k], s)
-            else: b = rotl(b + f(c, d, a) + x[k], s)
-        for i in range(16):
-            k, s = (i % 4) * 4 + i // 4, (3, 5, 9, 13)[i % 4]
-            if i % 4 == 0: a = rotl(a + g(b, c, d) + x[k] + 0x5a827999, s)
-            elif i % 4 == 1: d = rotl(d + g(a, b, c) + x[k] + 0x5a827999, s)
-            elif i % 4 == 2: c = rotl(c + g(d, a, b) + x[k] + 0x5a827999, s)
-            else: b = rotl(b + g(c, d, a) + x[k] + 0x5a827999, s)
-        order = (0, 8, 4, 12, 2, 10, 6, 14, 1, 9, 5, 13, 3, 11, 7, 15)
-        for i in range(16):
-            k, s = order[i], (3, 9, 11, 15)[i % 4]
-            if i % 4 == 0: a = rotl(a + h(b, c, d) + x[k] + 0x6ed9eba1, s)
-            elif i % 4 == 1: d = rotl(d + h(a, b, c) + x[k] + 0x6ed9eba1, s)
-            elif i % 4 == 2: c = rotl(c + h(d, a, b) + x[k] + 0x6ed9eba1, s)
-            else: b = rotl(b + h(c, d, a) + x[k] + 0x6ed9eba1, s)
-        a, b, c, d = [(v + w) & 0xffffffff for v, w in ((a, aa), (b, bb), (c, cc), (d, dd))]
-    return struct.pack('<4I', a, b, c, d)
+        a, b, c, d = h
+        for f, k, order, shifts in rounds:
+            for i in range(16):  # each step updates the next word round a, d, c, b
+                a, b, c, d = d, rotl(a + f(b, c, d) + x[order[i]] + k, shifts[i % 4]), b, c
+        h = [(v + w) & 0xffffffff for v, w in zip(h, (a, b, c, d))]
+    return struct.pack('<4I', *h)
 
 
-IP = [58, 50, 42, 34, 26, 18, 10, 2, 60, 52, 44, 36, 28, 20, 12, 4, 62, 54, 46, 38, 30, 22, 14, 6,
-      64, 56, 48, 40, 32, 24, 16, 8, 57, 49, 41, 33, 25, 17, 9, 1, 59, 51, 43, 35, 27, 19, 11, 3,
-      61, 53, 45, 37, 29, 21, 13, 5, 63, 55, 47, 39, 31, 23, 15, 7]
-FP = [40, 8, 48, 16, 56, 24, 64, 32, 39, 7, 47, 15, 55, 23, 63, 31, 38, 6, 46, 14, 54, 22, 62, 30,
-      37, 5, 45, 13, 53, 21, 61, 29, 36, 4, 44, 12, 52, 20, 60, 28, 35, 3, 43, 11, 51, 19, 59, 27,
-      34, 2, 42, 10, 50, 18, 58, 26, 33, 1, 41, 9, 49, 17, 57, 25]
-E = [32, 1, 2, 3, 4, 5, 4, 5, 6, 7, 8, 9, 8, 9, 10, 11, 12, 13, 12, 13, 14, 15, 16, 17,
-     16, 17, 18, 19, 20, 21, 20, 21, 22, 23, 24, 25, 24, 25, 26, 27, 28, 29, 28, 29, 30, 31, 32, 1]
+IP = [[58, 60, 62, 64, 57, 59, 61, 63][r] - 8 * c for r in range(8) for c in range(8)]
+FP = [IP.index(i) + 1 for i in range(1, 65)]
+E = [(4 * j + k - 1) % 32 + 1 for j in range(8) for k in range(6)]
 P = [16, 7, 20, 21, 29, 12, 28, 17, 1, 15, 23, 26, 5, 18, 31, 10, 2, 8, 24, 14, 32, 27, 3, 9,
      19, 13, 30, 6, 22, 11, 4, 25]
 PC1 = [57, 49, 41, 33, 25, 17, 9, 1, 58, 50, 42, 34, 26, 18, 10, 2, 59, 51, 43, 35, 27, 19, 11, 3,
@@ -75,24 +56,15 @@ PC1 = [57, 49, 41, 33, 25, 17, 9, 1, 58, 50, 42, 34, 26, 18, 10, 2, 59, 51, 43, 
 PC2 = [14, 17, 11, 24, 1, 5, 3, 28, 15, 6, 21, 10, 23, 19, 12, 4, 26, 8, 16, 7, 27, 20, 13, 2,
        41, 52, 31, 37, 47, 55, 30, 40, 51, 45, 33, 48, 44, 49, 39, 56, 34, 53, 46, 42, 50, 36, 29, 32]
 SHIFTS = [1, 1, 2, 2, 2, 2, 2, 2, 1, 2, 2, 2, 2, 2, 2, 1]
-SBOX = [
-    [14, 4, 13, 1, 2, 15, 11, 8, 3, 10, 6, 12, 5, 9, 0, 7, 0, 15, 7, 4, 14, 2, 13, 1, 10, 6, 12, 11, 9, 5, 3, 8,
-     4, 1, 14, 8, 13, 6, 2, 11, 15, 12, 9, 7, 3, 10, 5, 0, 15, 12, 8, 2, 4, 9, 1, 7, 5, 11, 3, 14, 10, 0, 6, 13],
-    [15, 1, 8, 14, 6, 11, 3, 4, 9, 7, 2, 13, 12, 0, 5, 10, 3, 13, 4, 7, 15, 2, 8, 14, 12, 0, 1, 10, 6, 9, 11, 5,
-     0, 14, 7, 11, 10, 4, 13, 1, 5, 8, 12, 6, 9, 3, 2, 15, 13, 8, 10, 1, 3, 15, 4, 2, 11, 6, 7, 12, 0, 5, 14, 9],
-    [10, 0, 9, 14, 6, 3, 15, 5, 1, 13, 12, 7, 11, 4, 2, 8, 13, 7, 0, 9, 3, 4, 6, 10, 2, 8, 5, 14, 12, 11, 15, 1,
-     13, 6, 4, 9, 8, 15, 3, 0, 11, 1, 2, 12, 5, 10, 14, 7, 1, 10, 13, 0, 6, 9, 8, 7, 4, 15, 14, 3, 11, 5, 2, 12],
-    [7, 13, 14, 3, 0, 6, 9, 10, 1, 2, 8, 5, 11, 12, 4, 15, 13, 8, 11, 5, 6, 15, 0, 3, 4, 7, 2, 12, 1, 10, 14, 9,
-     10, 6, 9, 0, 12, 11, 7, 13, 15, 1, 3, 14, 5, 2, 8, 4, 3, 15, 0, 6, 10, 1, 13, 8, 9, 4, 5, 11, 12, 7, 2, 14],
-    [2, 12, 4, 1, 7, 10, 11, 6, 8, 5, 3, 15, 13, 0, 14, 9, 14, 11, 2, 12, 4, 7, 13, 1, 5, 0, 15, 10, 3, 9, 8, 6,
-     4, 2, 1, 11, 10, 13, 7, 8, 15, 9, 12, 5, 6, 3, 0, 14, 11, 8, 12, 7, 1, 14, 2, 13, 6, 15, 0, 9, 10, 4, 5, 3],
-    [12, 1, 10, 15, 9, 2, 6, 8, 0, 13, 3, 4, 14, 7, 5, 11, 10, 15, 4, 2, 7, 12, 9, 5, 6, 1, 13, 14, 0, 11, 3, 8,
-     9, 14, 15, 5, 2, 8, 12, 3, 7, 0, 4, 10, 1, 13, 11, 6, 4, 3, 2, 12, 9, 5, 15, 10, 11, 14, 1, 7, 6, 0, 8, 13],
-    [4, 11, 2, 14, 15, 0, 8, 13, 3, 12, 9, 7, 5, 10, 6, 1, 13, 0, 11, 7, 4, 9, 1, 10, 14, 3, 5, 12, 2, 15, 8, 6,
-     1, 4, 11, 13, 12, 3, 7, 14, 10, 15, 6, 8, 0, 5, 9, 2, 6, 11, 13, 8, 1, 4, 10, 7, 9, 5, 0, 15, 14, 2, 3, 12],
-    [13, 2, 8, 4, 6, 15, 11, 1, 10, 9, 3, 14, 5, 0, 12, 7, 1, 15, 13, 8, 10, 3, 7, 4, 12, 5, 6, 11, 0, 14, 9, 2,
-     7, 11, 4, 1, 9, 12, 14, 2, 0, 6, 10, 13, 15, 3, 5, 8, 2, 1, 14, 7, 4, 10, 8, 13, 15, 12, 9, 0, 3, 5, 6, 11],
-]
+SBOX = [[int(n, 16) for n in box] for box in (
+    'e4d12fb83a6c59070f74e2d1a6cb953841e8d62bfc973a50fc8249175b3ea06d',
+    'f18e6b34972dc05a3d47f28ec01a69b50e7ba4d158c6932fd8a13f42b67c05e9',
+    'a09e63f51dc7b428d709346a285ecbf1d6498f30b12c5ae71ad069874fe3b52c',
+    '7de3069a1285bc4fd8b56f03472c1ae9a690cb7df13e52843f06a1d8945bc72e',
+    '2c417ab6853fd0e9eb2c47d150fa3986421bad78f9c5630eb8c71e2d6f09a453',
+    'c1af92680d34e75baf427c9561de0b389ef528c3704a1db6432c95fabe17608d',
+    '4b2ef08d3c975a61d0b7491ae35c2f8614bdc37eaf6805926bd814a7950fe23c',
+    'd2846fb1a93e50c71fd8a374c56b0e927b419ce206adf35821e74a8dfc90356b')]
 
 
 def permute(value, table, width):
@@ -122,15 +94,10 @@ def des_encrypt(key8, block8):
     return permute((right << 32) | left, FP, 64).to_bytes(8, 'big')
 
 
-def des7(key7, block8):
-    bits = int.from_bytes(key7, 'big')
-    key8 = bytes((((bits >> (49 - 7 * i)) & 0x7f) << 1) for i in range(8))
-    return des_encrypt(key8, block8)
-
-
 def desl(key16, data8):
-    k = key16 + b'\0' * 5
-    return des7(k[0:7], data8) + des7(k[7:14], data8) + des7(k[14:21], data8)
+    bits = int.from_bytes(key16 + b'\0' * 5, 'big')  # three 56-bit DES keys, 7 bits a key byte
+    return b''.join(des_encrypt(bytes(((bits >> (161 - 7 * i)) & 0x7f) << 1 for i in range(8 * j, 8 * j + 8)), data8)
+                    for j in range(3))
 
 
 def nt_hash(password):
@@ -165,9 +132,28 @@ def field(message, at):
     return message[offset:offset + length]
 
 
-class Proxy(socketserver.ThreadingTCPServer):
-    daemon_threads = True
-    allow_reuse_address = True
+def read_exact(sock, n):
+    data = b''
+    while len(data) < n:
+        piece = sock.recv(n - len(data))
+        if not piece:
+            raise EOFError
+        data += piece
+    return data
+
+
+def relay(client, upstream):
+    def pump(source, sink):
+        with contextlib.suppress(OSError):
+            while data := source.recv(65536):
+                sink.sendall(data)
+        with contextlib.suppress(OSError):
+            sink.shutdown(socket.SHUT_WR)
+    other = threading.Thread(target=pump, args=(upstream, client), daemon=True)
+    other.start()
+    pump(client, upstream)
+    other.join()
+    upstream.close()
 
 
 class Handler(socketserver.BaseRequestHandler):
@@ -176,46 +162,25 @@ class Handler(socketserver.BaseRequestHandler):
             f.write(text + '\n')
 
     def handle(self):
-        sock = self.request
-        first = sock.recv(1, socket.MSG_PEEK)
-        if first == b'\x04':
-            self.socks4(sock)
-        elif first == b'\x05':
-            self.socks5(sock)
-        elif first:
-            self.http(sock)
-
-    def read_exact(self, sock, n):
-        data = b''
-        while len(data) < n:
-            piece = sock.recv(n - len(data))
-            if not piece:
-                raise EOFError
-            data += piece
-        return data
-
-    def scripted_code(self, port):
-        return port - 9000 if 9000 <= port <= 9255 else None
+        first = self.request.recv(1, socket.MSG_PEEK)
+        if first:
+            {b'\x04': self.socks4, b'\x05': self.socks5}.get(first, self.http)(self.request)
 
     def socks4(self, sock):
-        request = self.read_exact(sock, 8)
+        request = read_exact(sock, 8)
         user = b''
         while not user.endswith(b'\0'):
-            user += self.read_exact(sock, 1)
+            user += read_exact(sock, 1)
         port = struct.unpack('>H', request[2:4])[0]
-        address = socket.inet_ntoa(request[4:8])
         self.log('socks4 user=%s' % user[:-1].decode('latin-1'))
-        code = self.scripted_code(port)
-        if code is not None:
-            sock.sendall(bytes([0, code]) + b'\0' * 6)
-            return
-        upstream = socket.create_connection((address, port))
+        if 9000 <= port <= 9255:  # the scripted reply code
+            return sock.sendall(bytes([0, port - 9000]) + b'\0' * 6)
+        upstream = socket.create_connection((socket.inet_ntoa(request[4:8]), port))
         sock.sendall(bytes([0, 90]) + b'\0' * 6)
-        self.relay(sock, upstream)
+        relay(sock, upstream)
 
     def socks5(self, sock):
-        greeting = self.read_exact(sock, 2)
-        methods = self.read_exact(sock, greeting[1])
+        methods = read_exact(sock, read_exact(sock, 2)[1])
         method = self.server.args.socks5_method
         if method is None:
             method = 2 if 2 in methods and self.server.args.user else 0
@@ -223,104 +188,60 @@ class Handler(socketserver.BaseRequestHandler):
         if method not in (0, 2):
             return
         if method == 2:
-            version, n = self.read_exact(sock, 2)
-            user = self.read_exact(sock, n).decode('latin-1')
-            n = self.read_exact(sock, 1)[0]
-            password = self.read_exact(sock, n).decode('latin-1')
+            user = read_exact(sock, read_exact(sock, 2)[1]).decode('latin-1')
+            password = read_exact(sock, read_exact(sock, 1)[0]).decode('latin-1')
             ok = user == self.server.args.user and password == self.server.args.password
             self.log('socks5 user=%s ok=%d' % (user, ok))
             sock.sendall(bytes([1, 0 if ok else 1]))
             if not ok:
                 return
-        head = self.read_exact(sock, 4)
+        head = read_exact(sock, 4)
         if head[3] == 1:
-            host = socket.inet_ntoa(self.read_exact(sock, 4))
+            host = socket.inet_ntoa(read_exact(sock, 4))
         else:
-            host = self.read_exact(sock, self.read_exact(sock, 1)[0]).decode('latin-1')
-        port = struct.unpack('>H', self.read_exact(sock, 2))[0]
+            host = read_exact(sock, read_exact(sock, 1)[0]).decode('latin-1')
+        port = struct.unpack('>H', read_exact(sock, 2))[0]
         self.log('socks5 connect %s:%d' % (host, port))
-        code = self.scripted_code(port)
-        if code is not None:
-            sock.sendall(bytes([5, code, 0, 1]) + b'\0' * 6)
-            return
+        if 9000 <= port <= 9255:  # the scripted reply code
+            return sock.sendall(bytes([5, port - 9000, 0, 1]) + b'\0' * 6)
         upstream = socket.create_connection(('127.0.0.1' if host == 'localhost' else host, port))
         sock.sendall(bytes([5, 0, 0, 1, 127, 0, 0, 1, 0, 0]))
-        self.relay(sock, upstream)
-
-    def relay(self, client, upstream):
-        def pump(source, sink):
-            try:
-                while True:
-                    data = source.recv(65536)
-                    if not data:
-                        break
-                    sink.sendall(data)
-            except OSError:
-                pass
-            try:
-                sink.shutdown(socket.SHUT_WR)
-            except OSError:
-                pass
-        other = threading.Thread(target=pump, args=(upstream, client), daemon=True)
-        other.start()
-        pump(client, upstream)
-        other.join()
-        upstream.close()
+        relay(sock, upstream)
 
     def http(self, sock):
         reader = sock.makefile('rb')
-        while True:
-            line = reader.readline()
-            if not line:
-                return
+        while line := reader.readline():
             method, target, _ = line.decode('latin-1').split(' ', 2)
             headers = []
-            while True:
-                header = reader.readline()
-                if header in (b'\r\n', b'\n', b''):
-                    break
+            while (header := reader.readline()) not in (b'\r\n', b'\n', b''):
                 name, _, value = header.decode('latin-1').partition(':')
                 headers.append((name.strip(), value.strip()))
             lookup = {name.lower(): value for name, value in headers}
             body = reader.read(int(lookup.get('content-length', '0')))
             if method == 'CONNECT':
                 host, _, port = target.rpartition(':')
-                path = ''
             else:
-                rest = target.split('://', 1)[1]
-                authority, slash, path = rest.partition('/')
+                authority, slash, path = target.split('://', 1)[1].partition('/')
                 host, _, port = authority.partition(':')
-                port = port or '80'
-                path = slash + path
             self.log('%s %s body=%d proxy-authorization=%s' % (method, target, len(body),
                                                                  lookup.get('proxy-authorization', '')))
             if host.startswith('close'):
                 return
             if host.startswith('refuse'):
-                code = host[6:9]
-                sock.sendall(('HTTP/1.0 %s Refused by script\r\n\r\n' % code).encode())
-                return
+                return sock.sendall(('HTTP/1.0 %s Refused by script\r\n\r\n' % host[6:9]).encode())
             if self.server.args.ntlm and not self.authenticated(sock, lookup, host):
                 continue
+            upstream = socket.create_connection(('127.0.0.1', int(port or '80')))
             if method == 'CONNECT':
-                upstream = socket.create_connection(('127.0.0.1', int(port)))
                 sock.sendall(b'HTTP/1.0 200 Connection established\r\nProxy-agent: scripted\r\n\r\n')
-                self.relay(sock, upstream)
-                return
-            upstream = socket.create_connection(('127.0.0.1', int(port)))
-            forwarded = '%s %s HTTP/1.0\r\n' % (method, path)
+                return relay(sock, upstream)
+            forwarded = '%s %s%s HTTP/1.0\r\n' % (method, slash, path)
             for name, value in headers:
                 if name.lower() not in ('proxy-authorization', 'connection', 'proxy-connection', 'keep-alive'):
                     forwarded += '%s: %s\r\n' % (name, value)
             upstream.sendall(forwarded.encode('latin-1') + b'Connection: close\r\n\r\n' + body)
-            answer = b''
-            while True:
-                data = upstream.recv(65536)
-                if not data:
-                    break
-                answer += data
-            upstream.close()
-            sock.sendall(answer)
+            with upstream, upstream.makefile('rb') as answer:
+                sock.sendall(answer.read())
 
     def authenticated(self, sock, headers, host):
         scheme, _, token = headers.get('proxy-authorization', '').partition(' ')
@@ -336,14 +257,10 @@ class Handler(socketserver.BaseRequestHandler):
             domain = field(message, 28).decode('utf-16-le', 'replace')
             user = field(message, 36).decode('utf-16-le', 'replace')
             lm, nt = field(message, 12), field(message, 20)
-            key = nt_hash(self.server.args.password)
-            if flags & 0x80000:
-                expected = desl(key, hashlib.md5(SERVER_CHALLENGE + lm[:8]).digest()[:8])
-            else:
-                expected = desl(key, SERVER_CHALLENGE)
-            expected_user = self.server.args.user or ''
-            who = '%s\\%s' % (domain, user) if domain else user
-            ok = nt == expected and who == expected_user
+            ess = flags & 0x80000
+            expected = desl(nt_hash(self.server.args.password),
+                            hashlib.md5(SERVER_CHALLENGE + lm[:8]).digest()[:8] if ess else SERVER_CHALLENGE)
+            ok = nt == expected and ('%s\\%s' % (domain, user) if domain else user) == (self.server.args.user or '')
             self.log('authenticate domain=%s user=%s ok=%d' % (domain, user, ok))
             if ok:
                 return True
@@ -363,9 +280,9 @@ def main():
     parser.add_argument('--socks5-method', type=int)
     args = parser.parse_args()
     self_check()
-    server = Proxy(('127.0.0.1', args.port), Handler)
-    server.args = args
-    server.log_lock = threading.Lock()
+    socketserver.ThreadingTCPServer.daemon_threads = socketserver.ThreadingTCPServer.allow_reuse_address = True
+    server = socketserver.ThreadingTCPServer(('127.0.0.1', args.port), Handler)
+    server.args, server.log_lock = args, threading.Lock()
     open(args.log, 'w').close()
     server.serve_forever()
 
