@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "net/channel_probe.h"
 #include "support/test_bytes.h"
 
 namespace orvelan {
@@ -192,12 +193,6 @@ TEST(TunnelHandshakeTest, Socks5FailureTexts) {
   EXPECT_STREQ(unresolved.h.ErrorText(), TunnelHandshake::kTextUnresolved);
 }
 
-std::string Base64(const std::string& bytes) {
-  ByteString out;
-  out.AppendBase64(bytes.data(), static_cast<int32_t>(bytes.size()), false);
-  return std::string(out.View());
-}
-
 std::string Unbase64(const std::string& text) {
   ByteString b(text);
   b.DecodeBase64();
@@ -212,11 +207,6 @@ std::string SentToken(const std::string& request, const std::string& word) {
   return Unbase64(request.substr(at + key.size(), request.find("\r\n", at) - at - key.size()));
 }
 
-std::string ChallengeMessage() {
-  std::string m("NTLMSSP\0\x02\0\0\0\0\0\0\0\0\0\0\0\x01\x82\x08\0" "\x01\x23\x45\x67\x89\xab\xcd\xef", 32);
-  return m + std::string(16, '\0');
-}
-
 TEST(TunnelHandshakeTest, NtlmConnectRunsTwoRounds) {
   for (int type : {4, 5}) {
     for (int body : {0, 16}) {
@@ -229,7 +219,7 @@ TEST(TunnelHandshakeTest, NtlmConnectRunsTwoRounds) {
       const std::string negotiate = SentToken(d.sent, word);
       ASSERT_EQ(negotiate.substr(0, 9), std::string("NTLMSSP\0\x01", 9));
       const std::string reply = "HTTP/1.1 407 Proxy Authentication Required\r\nProxy-Authenticate: " + word + " " +
-                                Base64(ChallengeMessage()) + "\r\nContent-Length: " + std::to_string(body) +
+                                Base64(NtlmChallenge()) + "\r\nContent-Length: " + std::to_string(body) +
                                 "\r\n\r\n" + std::string("HTTP/1.0 500 x\r\n").substr(0, static_cast<size_t>(body));
       EXPECT_EQ(d.Feed(reply, true), TunnelHandshake::kPending);
       const std::string authenticate = SentToken(d.sent, word);
@@ -251,7 +241,7 @@ TEST(TunnelHandshakeTest, NtlmConnectFailures) {
 
   Driver second;
   second.Start(4, "h", "u", "p");
-  const std::string challenge = Base64(ChallengeMessage());
+  const std::string challenge = Base64(NtlmChallenge());
   second.Feed("HTTP/1.0 407 Auth\r\nProxy-Authenticate: NTLM " + challenge + "\r\n\r\n");
   EXPECT_EQ(second.Feed("HTTP/1.0 407 Auth again\r\n\r\n"), TunnelHandshake::kRefused);
   EXPECT_STREQ(second.h.ErrorText(), "Firewall error: 407 Auth again");
