@@ -11,10 +11,7 @@
 namespace orvelan {
 namespace {
 
-struct Case {
-  const char* input;
-  std::vector<const char*> containers;
-};
+struct Case { const char* input; std::vector<const char*> containers; };
 
 const Case kCases[] = {
     {"<A><B>1<C>2</A>", {"A"}},

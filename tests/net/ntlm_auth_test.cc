@@ -90,11 +90,7 @@ TEST(NtlmAuthTest, HashesAndDeslMatchThePublishedValues) {
 }
 
 TEST(NtlmAuthTest, NegotiateMessageCarriesFlagsVersionAndDomain) {
-  struct Case {
-    const char* user;
-    uint32_t flags;
-    std::string domain;
-  } cases[] = {
+  struct Case { const char* user; uint32_t flags; std::string domain; } cases[] = {
       {"User", 0xa2088207, ""},
       {"Domain\\User", 0xa2089207, "Domain"},
       {"A\\B\\C", 0xa2089207, "A"},  // only the first backslash splits
@@ -180,10 +176,7 @@ TEST(NtlmAuthTest, RandomClientChallengesAreNeverZeroAndDiffer) {
 }
 
 TEST(NtlmAuthTest, UserTextIsSentAsUtf16) {
-  struct Case {
-    const char* text;
-    std::string utf16;
-  } cases[] = {
+  struct Case { const char* text; std::string utf16; } cases[] = {
       {"J\xc3\xbcrgen", std::string("J\0\xfc\0r\0g\0e\0n\0", 12)},
       {"\xe2\x82\xac", std::string("\xac\x20", 2)},
       {"\xf0\x9f\x98\x80", std::string("\x3d\xd8\x00\xde", 4)},
@@ -202,10 +195,7 @@ TEST(NtlmAuthTest, BadChallengesGiveTheirTextsAndNoToken) {
   bad_signature[3] = 'X';
   std::string bad_type = Challenge(0x1 | 0x200);
   bad_type[8] = 3;
-  struct Case {
-    std::string challenge;
-    const char* text;
-  } cases[] = {
+  struct Case { std::string challenge; const char* text; } cases[] = {
       {bad_signature, NtlmAuth::kTextBadSignature},
       {"NTLMSSP", NtlmAuth::kTextBadSignature},
       {bad_type, NtlmAuth::kTextBadType},

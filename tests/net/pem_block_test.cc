@@ -38,11 +38,7 @@ TEST(PemBlockTest, ReadsHeadersAndBody) {
 }
 
 TEST(PemBlockTest, DecryptRefusesWhatItCannotUse) {
-  const struct {
-    const char* name;
-    const char* dek_info;
-    bool ok;
-  } cases[] = {
+  const struct { const char* name; const char* dek_info; bool ok; } cases[] = {
       {"no DEK-Info", nullptr, true},
       {"other cipher", "AES-128-CBC,00112233445566778899AABBCCDDEEFF", false},
       {"short IV", "DES-EDE3-CBC,0011", false},

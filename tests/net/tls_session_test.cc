@@ -53,11 +53,7 @@ SslCtxPtr ClientContext(const TestPki& pki) {
   return ctx;
 }
 
-struct Outcome {
-  int handshake = TlsSession::kWantMore;
-  std::string plaintext;
-  std::string server_got;
-};
+struct Outcome { int handshake = TlsSession::kWantMore; std::string plaintext; std::string server_got; };
 
 // Pumps both ends until quiet, handing the server's bytes to the client in
 // pieces of `piece` bytes.

@@ -152,11 +152,7 @@ TEST(TransferChannelTest, SettersRefusedWhileASocketExists) {
   LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
   Probe p;
   ASSERT_EQ(p.Open(server.port()), 0);
-  const struct {
-    std::function<int()> set;
-    int code;
-    const char* text;
-  } cases[] = {
+  const struct { std::function<int()> set; int code; const char* text; } cases[] = {
       {[&] { return p.SetRemoteHost("127.0.0.2"); }, 101,
        "You cannot change the RemoteHost at this time. A connection is in progress."},
       {[&] { return p.SetRemotePort(1); }, 100,
@@ -214,11 +210,7 @@ TEST(TransferChannelTest, ConnectChecksTargetFirst) {
 
 // The firewall host is resolved when set; the text reads back as set.
 TEST(TransferChannelTest, FirewallHostIsResolvedToIPv4) {
-  const struct {
-    const char* host;
-    bool resolves;
-    const char* address;
-  } cases[] = {
+  const struct { const char* host; bool resolves; const char* address; } cases[] = {
       {"127.0.0.1", true, "127.0.0.1"},
       {"localhost", true, "127.0.0.1"},
       {"", true, "0.0.0.0"},
@@ -258,10 +250,7 @@ class FailingResolver : public Probe {
 };
 
 TEST(TransferChannelTest, ResolutionFailuresGiveCodeAndText) {
-  const struct {
-    int h_error;
-    const char* text;
-  } cases[] = {
+  const struct { int h_error; const char* text; } cases[] = {
       {1, "The specified host is unknown."},
       {2, "A temporary error occurred on an authoritative name server.  Try again later."},
       {3, " A non-recoverable name server error occurred."},
@@ -284,10 +273,7 @@ TEST(TransferChannelTest, ResolutionFailuresGiveCodeAndText) {
 
 // LocalHost and FirewallHost report the system error, not the resolver's code.
 TEST(TransferChannelTest, LocalAndFirewallHostFailuresAreSystemErrors) {
-  const struct {
-    int system_error;
-    int code;
-  } cases[] = {{ECONNREFUSED, ECONNREFUSED}, {0, EINVAL}};
+  const struct { int system_error; int code; } cases[] = {{ECONNREFUSED, ECONNREFUSED}, {0, EINVAL}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.system_error);
     FailingResolver p;
@@ -301,11 +287,7 @@ TEST(TransferChannelTest, LocalAndFirewallHostFailuresAreSystemErrors) {
 
 TEST(TransferChannelTest, SettingsAnswerQueries) {
   Probe p;
-  const struct {
-    const char* set;
-    const char* name;
-    const char* answer;
-  } cases[] = {
+  const struct { const char* set; const char* name; const char* answer; } cases[] = {
       {nullptr, "SelectWaitMillis", "20"},
       {"SelectWaitMillis=5", "SelectWaitMillis", "5"},
       {nullptr, "AbsoluteTimeout", "False"},

@@ -67,12 +67,7 @@ TEST(TunnelHandshakeTest, ConnectRequestCarriesBasicCredentialsWhenSet) {
 }
 
 TEST(TunnelHandshakeTest, ConnectRepliesOpenOrRefuseTheTunnel) {
-  struct Case {
-    std::string reply;
-    Result result;
-    const char* text;
-    const char* leftover;
-  } cases[] = {
+  struct Case { std::string reply; Result result; const char* text; const char* leftover; } cases[] = {
       {"HTTP/1.0 200 Connection established\r\n\r\nXY", TunnelHandshake::kEstablished, "", "XY"},
       {"HTTP/1.1 200 OK\nProxy-agent: t\n\n", TunnelHandshake::kEstablished, "", ""},
       {"HTTP/1.0 403 Forbidden\r\n\r\n", TunnelHandshake::kRefused, "Firewall error. HTTP/1.0 403 Forbidden.", ""},
@@ -99,11 +94,7 @@ TEST(TunnelHandshakeTest, Socks4RequestAndReplyCodes) {
   Driver d;
   EXPECT_EQ(d.Start(2, "bank.example", "joe"), TunnelHandshake::kPending);
   EXPECT_EQ(Hex(d.sent), "040120fb0a010203" + Hex("joe") + "00");
-  struct Case {
-    int code;
-    Result result;
-    const char* text;
-  } cases[] = {
+  struct Case { int code; Result result; const char* text; } cases[] = {
       {90, TunnelHandshake::kEstablished, ""},
       {91, TunnelHandshake::kFailed, "firewall request rejected or failed"},
       {92, TunnelHandshake::kFailed, "firewall request rejected because identd is not available"},
