@@ -50,12 +50,8 @@ TEST(MarkupDocumentTest, AbsolutePathsAndParentSteps) {
   EXPECT_STREQ(doc.CurrentPath(), "/OFX/SIGNONMSGSRSV1");
 }
 
-struct StepCase {
-  const char* path;
-  int rc;
-  const char* text;  // of the selected element on success
-  const char* canonical;
-};
+// text: of the selected element on success.
+struct StepCase { const char* path; int rc; const char* text; const char* canonical; };
 
 const StepCase kStepCases[] = {
     {"STMTTRN[3]", 0, "c", "/OFX/L/STMTTRN[3]"},

@@ -9,13 +9,8 @@ namespace {
 
 // "aGVsbG8=" is "hello".
 TEST(PemBlockTest, ReadsHeadersAndBody) {
-  const struct {
-    const char* name;
-    const char* text;
-    bool found;
-    const char* comment;  // the Comment header, or null when absent
-    const char* body;
-  } cases[] = {
+  // comment: the Comment header, or null when absent.
+  const struct { const char* name; const char* text; bool found; const char* comment; const char* body; } cases[] = {
       {"five dashes", "-----BEGIN K-----\naGVs\nbG8=\n-----END K-----\n", true, nullptr, "hello"},
       {"SSH2 style", "junk\r\n---- BEGIN K ----\r\nComment: c\r\naGVsbG8=\r\n---- END K ----\r\n", true, "c", "hello"},
       {"continued value", "-----BEGIN K-----\nComment: one \\\ntwo\\\nthree\n\naGVsbG8=\n-----END K-----", true,

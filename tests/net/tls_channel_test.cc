@@ -115,14 +115,9 @@ TEST(TlsChannelTest, CertificateStores) {
   const char* const kNoPublicKey = "Unable to read the public key from the store.";
   const char* const kNoPublicFile = "The public key file could not be opened.";
   const char* const kNoP7b = "P7B support is not available in the Unix edition.";
-  const struct {
-    const char* name;
-    int type;
-    std::string store;
-    const char* password;
-    int rc;
-    const char* text;  // the error, or on success the subject of the certificate
-  } cases[] = {
+  // text: the error, or on success the subject of the certificate.
+  const struct { const char* name; int type; std::string store; const char* password; int rc;
+                 const char* text; } cases[] = {
       {"PKCS#12 file", 2, pki.Path("client.p12"), "secret", 0, kClient},
       {"PKCS#12, wrong password", 2, pki.Path("client.p12"), "wrong", 271, "Could not parse the store."},
       {"PKCS#12, no such file", 2, pki.Path("missing.p12"), "secret", 271, "Could not open the store."},
@@ -300,13 +295,9 @@ TEST(TlsChannelTest, QueuedRecordsHoldTheCloseWhileLingerIsOn) {
 TEST(TlsChannelTest, LineEndCutsThePlaintext) {
   REQUIRE_PKI(pki);
   const std::string long_line(3000, 'x');
-  const struct {
-    const char* name;
-    std::vector<std::string> writes;  // one TLS record each, sent with a pause between
-    bool eol_before_tls;
-    const char* eol;
-    std::string received;
-  } cases[] = {
+  // writes: one TLS record each, sent with a pause between.
+  const struct { const char* name; std::vector<std::string> writes; bool eol_before_tls; const char* eol;
+                 std::string received; } cases[] = {
       {"lines across records", {"one\r\ntw", "o\r\n\r\nthr", "ee"}, true, "\r\n", "one|two||three"},
       {"set after connecting", {"a;b;", "c"}, false, ";", "a|b|c"},
       {"line longer than the buffer", {long_line + "\r\nend\r\n"}, true, "\r\n", long_line + "|end|"},
@@ -339,15 +330,11 @@ TEST(TlsChannelTest, LineEndCutsThePlaintext) {
 TEST(TlsChannelTest, AcceptDataHoldsThePlaintextBack) {
   REQUIRE_PKI(pki);
   const std::string long_line(5000, 'y');
-  const struct {
-    const char* name;
-    const char* eol;
-    std::string first;   // written while accept data is off
-    bool off_in_hook;    // accept data is switched off by the first delivery instead
-    std::string on;      // received once switched on
-    std::string second;  // written after that
-    std::string last;    // received in the end
-  } cases[] = {
+  // first is written while accept data is off (or it is switched off by the
+  // first delivery: off_in_hook), `on` is received once switched on, second is
+  // written after that and `last` received in the end.
+  const struct { const char *name, *eol; std::string first; bool off_in_hook;
+                 std::string on, second, last; } cases[] = {
       {"lines and a partial line", "\r\n", "one\r\ntwo\r\nthr", false, "one|two|", "ee\r\n", "one|two|three|"},
       {"no line end", "", "one\r\ntwo", false, "one\r\ntwo", "!", "one\r\ntwo!"},
       {"more than the line buffer", "\r\n", long_line + "\r\nz", false, long_line + "|", "\r\n",

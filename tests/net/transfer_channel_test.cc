@@ -22,11 +22,8 @@ namespace {
 // Lines are cut across reads with the line end, or at any line end with
 // SplitCRLF; the unended rest comes at close.
 TEST(TransferChannelTest, ExchangesLinesWithAServer) {
-  const struct {
-    const char *name, *setting, *eol;
-    bool ipv6;
-    const char *first, *second, *received;  // two writes with a pause between
-  } cases[] = {
+  // first, second: two writes with a pause between.
+  const struct { const char *name, *setting, *eol; bool ipv6; const char *first, *second, *received; } cases[] = {
       {"line end", "", "\r\n", false, "one\r\ntw", "o\r\nrest", "one|two|rest"},
       {"SplitCRLF", "SplitCRLF=true", "", false, "A\r", "\nB\n\rX\r\rY", "A|B|X||Y"},
       {"IPv6", "UseIPv6=true", "", true, "si", "x", "six"},
@@ -178,15 +175,8 @@ TEST(TransferChannelTest, SettersRefusedWhileASocketExists) {
 }
 
 TEST(TransferChannelTest, ConnectChecksTargetFirst) {
-  const struct {
-    const char* host;
-    int port;
-    int firewall_type;
-    const char* firewall_host;
-    int firewall_port;
-    int code;
-    const char* text;
-  } cases[] = {
+  const struct { const char* host; int port, firewall_type; const char* firewall_host; int firewall_port, code;
+                 const char* text; } cases[] = {
       {"127.0.0.1", 0, 0, "", 0, 116, "RemotePort can't be zero. Please specify a valid service port number."},
       {"127.0.0.1", 80, 2, "127.0.0.1", 0, 116, "The FirewallPort is invalid (0)."},
       {"127.0.0.1", 80, 2, "", 1080, 102, "The FirewallHost address is invalid (0.0.0.0)."},

@@ -25,15 +25,9 @@ struct Driver {
 
   Result Start(int type, const char* host, const char* user = "", const char* password = "",
                const char* address = "10.1.2.3") {
-    TunnelHandshake::Settings s;
-    s.type = type;
-    s.host = host;
-    s.port = 8443;
-    s.user = user;
-    s.password = password;
     in_addr a{};
     if (address != nullptr) inet_pton(AF_INET, address, &a);
-    s.address = a.s_addr;
+    const TunnelHandshake::Settings s{type, host, 8443, a.s_addr, user, password};
     ByteString out;
     const Result r = h.Start(s, &ntlm, out);
     sent.assign(out.Data(), static_cast<size_t>(out.Length()));
@@ -148,12 +142,9 @@ TEST(TunnelHandshakeTest, Socks5NegotiatesMethodAndCredentials) {
 }
 
 TEST(TunnelHandshakeTest, Socks5FailureTexts) {
-  struct Case {
-    std::string method_reply;  // to the greeting
-    std::string auth_reply;    // to the credentials, when asked for
-    int rep;                   // to the connect request; -1 when never reached
-    const char* text;
-  } cases[] = {
+  // The replies to the greeting, to the credentials when asked for, and to
+  // the connect request (rep; -1 when never reached).
+  struct Case { std::string method_reply; std::string auth_reply; int rep; const char* text; } cases[] = {
       {std::string("\x05\xff", 2), "", -1, "no acceptable firewall authentication methods"},
       {std::string("\x05\x07", 2), "", -1, "unknown firewall authentication method"},
       {std::string("\x05\x02", 2), std::string("\x01\x01", 2), -1, "firewall authentication failed: 1"},
