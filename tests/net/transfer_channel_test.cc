@@ -121,30 +121,6 @@ TEST(TransferChannelTest, TrafficRestartsTheDeadlineUnlessAbsolute) {
   }
 }
 
-TEST(TransferChannelTest, ReadyDataIsDeliveredWithoutWaitingACycle) {
-  // 50 ping-pongs with a 1 s select wait: any cycle that waited would show.
-  LoopbackServer server([](int fd) {
-    for (int i = 0; i < 50; ++i) {
-      LoopbackServer::ReadUntil(fd, "\n");
-      LoopbackServer::WriteAll(fd, "pong\n");
-    }
-  });
-  Probe p;
-  p.Target(server.port());
-  p.Set("SelectWaitMillis=1000");
-  p.SetTimeout(10);
-  ASSERT_EQ(p.ConnectAndWait(), 0);
-  p.SetEOL("\n");
-  const auto start = std::chrono::steady_clock::now();
-  for (int i = 0; i < 50; ++i) {
-    const size_t want = p.received.size() + 5;
-    ASSERT_EQ(p.SendAll("ping\n", 5, false), 0);
-    ASSERT_EQ(p.WaitUntil([&] { return p.received.size() >= want; }), 0);
-  }
-  const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
-  EXPECT_LT(ms.count(), 500);
-}
-
 TEST(TransferChannelTest, SettersRefusedWhileASocketExists) {
   LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
   Probe p;
