@@ -14,10 +14,7 @@ uint8_t* Bytes(std::string& s) { return reinterpret_cast<uint8_t*>(s.data()); }
 // Published known answers, among them single-bit plaintexts and keys that
 // exercise one S-box path at a time.
 TEST(DesCipherTest, KnownAnswersWhateverTheParityBits) {
-  const struct {
-    const char* key;
-    uint64_t plain, cipher;
-  } kCases[] = {
+  const struct { const char* key; uint64_t plain, cipher; } kCases[] = {
       {"133457799bbcdff1", 0x0123456789abcdef, 0x85e813540f0ab405},
       {"0e329232ea6d0d73", 0x8787878787878787, 0x0000000000000000},
       {"0123456789abcdef", 0x4e6f772069732074, 0x3fa40e8a984d4815},

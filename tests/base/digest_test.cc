@@ -14,10 +14,8 @@ namespace {
 // Digests of the published inputs, then of LcgBytes(n, n) by openssl: 55 bytes
 // leave just room for the 0x80 and the bit count, 56 push the count into a
 // block of its own, 64 fill a block before any padding.
-const struct {
-  std::string input;
-  const char* digests[3];  // MD5, MD4, SHA-1
-} kVectors[] = {
+// digests: MD5, MD4, SHA-1.
+const struct { std::string input; const char* digests[3]; } kVectors[] = {
     {"", {"d41d8cd98f00b204e9800998ecf8427e", "31d6cfe0d16ae931b73c59d7e0c089c0",
           "da39a3ee5e6b4b0d3255bfef95601890afd80709"}},
     {"abc", {"900150983cd24fb0d6963f7d28e17f72", "a448017aaf21d8525fc10ae87aa6729d",

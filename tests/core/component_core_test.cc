@@ -76,14 +76,5 @@ TEST(ComponentCoreTest, ErrorTextForms) {
   EXPECT_TRUE(core.HasNoErrorText());
 }
 
-TEST(ComponentCoreTest, MinimalDefaultTextKnowsOnlyOutOfMemory) {
-  ComponentCore core;
-  EXPECT_EQ(core.FillDefaultErrorText(200), 200);
-  EXPECT_STREQ(core.GetLastError(), "Out of memory.");
-  core.SetErrorText("");
-  EXPECT_EQ(core.FillDefaultErrorText(110), 110);
-  EXPECT_STREQ(core.GetLastError(), "");
-}
-
 }  // namespace
 }  // namespace orvelan

@@ -18,18 +18,11 @@ using namespace std::string_literals;
 // the event layout can be seen from outside.
 class FakeService : public ComponentCore {
  public:
-  int InitDefaults() override {
-    ComponentCore::InitDefaults();
-    ++init_calls;
-    return 1;
-  }
+  int InitDefaults() override { return ComponentCore::InitDefaults(), ++init_calls, 1; }
   void SetExternalEventLoop(bool on) { external_loop = on; }
 
   const char* Name() const { return name_.Data(); }
-  int SetName(const char* value) {
-    set_order += "Name";
-    return name_.Assign(value);
-  }
+  int SetName(const char* value) { return set_order += "Name", name_.Assign(value); }
   int32_t Level() const { return level_; }
   int SetLevel(int32_t value) {
     set_order += "Level";
@@ -38,20 +31,14 @@ class FakeService : public ComponentCore {
     return 0;
   }
   int64_t Big() const { return big_; }
-  int SetBig(int64_t value) {
-    big_ = value;
-    return 0;
-  }
+  int SetBig(int64_t value) { return big_ = value, 0; }
   int Blob(const char*& data, int32_t& length) {
     if (blob_fails) return 271;
     data = blob_.Data();
     length = blob_.Length();
     return 0;
   }
-  int SetBlob(const char* data, int32_t length) {
-    set_order += "Blob";
-    return blob_.Assign(data, length);
-  }
+  int SetBlob(const char* data, int32_t length) { return set_order += "Blob", blob_.Assign(data, length); }
 
   int init_calls = 0;
   bool external_loop = false, blob_fails = false;

@@ -50,12 +50,8 @@ TEST(MarkupDocumentTest, AbsolutePathsAndParentSteps) {
   EXPECT_STREQ(doc.CurrentPath(), "/OFX/SIGNONMSGSRSV1");
 }
 
-struct StepCase {
-  const char* path;
-  int rc;
-  const char* text;  // of the selected element on success
-  const char* canonical;
-};
+// text: of the selected element on success.
+struct StepCase { const char* path; int rc; const char* text; const char* canonical; };
 
 const StepCase kStepCases[] = {
     {"STMTTRN[3]", 0, "c", "/OFX/L/STMTTRN[3]"},
@@ -253,39 +249,36 @@ TEST(MarkupDocumentTest, ChildAndNamespaceAccessors) {
 TEST(MarkupDocumentTest, Settings) {
   MarkupDocument doc;
   const char* out = nullptr;
-  ASSERT_EQ(doc.Config("AllowTextOutsideRoot=false", out), 0);
-  ASSERT_EQ(doc.Config("AllowTextOutsideRoot", out), 0);
-  EXPECT_STREQ(out, "False");
-  doc.SetErrorText("untouched");
-  ASSERT_EQ(doc.Config("allowmorethanoneroot", out), 0);
-  EXPECT_STREQ(out, "True");
-  EXPECT_STREQ(doc.GetLastError(), "untouched");
-
-  ASSERT_EQ(doc.Config("CacheContent=0", out), 0);
-  ASSERT_EQ(doc.Config("KeepOriginalText", out), 0);
-  EXPECT_STREQ(out, "0");
-  ASSERT_EQ(doc.Config("KeepOriginalText=yes", out), 0);
-  ASSERT_EQ(doc.Config("HTMLComments=1", out), 0);
-  ASSERT_EQ(doc.Config("HTMLComments", out), 0);
-  EXPECT_STREQ(out, "1");
-
-  ASSERT_EQ(doc.Config("AddSGMLTag=OFX", out), 0);
-  ASSERT_EQ(doc.Config("AddSGMLTag", out), 0);
-  EXPECT_STREQ(out, " OFX ");
+  // A setting, then the query and its answer; a query of a flag leaves the error text.
+  const struct { const char *set, *query, *answer; } cases[] = {
+      {"AllowTextOutsideRoot=false", "AllowTextOutsideRoot", "False"},
+      {nullptr, "allowmorethanoneroot", "True"},
+      {"CacheContent=0", "KeepOriginalText", "0"},
+      {"HTMLComments=1", "HTMLComments", "1"},
+      {"AddSGMLTag=OFX", "AddSGMLTag", " OFX "},
+      {"UseEncoding=latin1", "UseEncoding", "ASCII"},
+      {"UseEncoding=utf-16le", "UseEncoding", "UTF-16LE"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.query);
+    if (c.set != nullptr) {
+      ASSERT_EQ(doc.Config(c.set, out), 0);
+    }
+    doc.SetErrorText("untouched");
+    ASSERT_EQ(doc.Config(c.query, out), 0);
+    EXPECT_STREQ(out, c.answer);
+    if (c.set == nullptr) {
+      EXPECT_STREQ(doc.GetLastError(), "untouched");
+    }
+  }
   EXPECT_EQ(doc.SetExtraTags("A,B,,C"), 0);
   EXPECT_STREQ(doc.ExtraTags(), " OFX A B ");
-
-  ASSERT_EQ(doc.Config("UseEncoding=latin1", out), 0);
-  ASSERT_EQ(doc.Config("UseEncoding", out), 0);
-  EXPECT_STREQ(out, "ASCII");
-  ASSERT_EQ(doc.Config("UseEncoding=utf-16le", out), 0);
-  ASSERT_EQ(doc.Config("UseEncoding", out), 0);
-  EXPECT_STREQ(out, "UTF-16LE");
   EXPECT_EQ(doc.Parse("<A/>"), 306);
 
   doc.Parser().SetEncoding("UTF-8");
   doc.Reset();
   doc.SetBuildDOM(true);
+  ASSERT_EQ(doc.Config("KeepOriginalText=yes", out), 0);
   ASSERT_EQ(doc.Parse("<OFX><A>1</A></OFX>"), 0);
   ASSERT_EQ(doc.SelectPath("/OFX/A"), 0);
   ASSERT_EQ(doc.Config("XSubTree", out), 0);

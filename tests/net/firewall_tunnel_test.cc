@@ -6,54 +6,24 @@
 
 #include <gtest/gtest.h>
 
-#include "net/transfer_channel.h"
+#include "net/channel_probe.h"
 #include "support/loopback_server.h"
-#include "support/recording_events.h"
 
 namespace orvelan {
 namespace {
 
-class Probe : public TransferChannel {
- public:
-  Probe() {
-    InitDefaults();
-    SetEventSink(&events);
-    SetTimeout(5);
-  }
-  RecordingEvents events;
-  std::string received;  // lines end with '|'
-  std::string errors;    // "code:text|" per OnError
-
-  int Set(const std::string& setting) {
-    const char* out = nullptr;
-    return Config(setting.c_str(), out);
-  }
-  int Open(int type, int proxy_port, const char* user = "") {
-    Set("FirewallType=" + std::to_string(type));
-    Set("FirewallHost=127.0.0.1");
-    Set("FirewallPort=" + std::to_string(proxy_port));
-    Set(std::string("FirewallUser=") + user);
-    Set("FirewallPassword=pw");
-    SetRemoteHost("127.0.0.1");
-    SetRemotePort(4321);
-    StartDeadline();
-    return ConnectAndWait();
-  }
-  int WaitFor(const std::string& text) {
-    StartDeadline();
-    while (received != text) {
-      if (int rc = WaitCycle(); rc != 0) return rc;
-    }
-    return 0;
-  }
-
- protected:
-  void FireDataIn(const char* data, int32_t length, bool end_of_line) override {
-    received.append(data, static_cast<size_t>(length));
-    if (end_of_line) received += '|';
-  }
-  void OnError(int code, const char* text) override { errors += std::to_string(code) + ":" + text + "|"; }
-};
+int OpenThrough(Probe& p, int type, int proxy_port, const char* user = "", int seconds = 5) {
+  p.Set("FirewallType=" + std::to_string(type));
+  p.Set("FirewallHost=127.0.0.1");
+  p.Set("FirewallPort=" + std::to_string(proxy_port));
+  p.Set(std::string("FirewallUser=") + user);
+  p.Set("FirewallPassword=pw");
+  p.SetRemoteHost("127.0.0.1");
+  p.SetRemotePort(4321);
+  p.SetTimeout(seconds);
+  p.StartDeadline();
+  return p.ConnectAndWait();
+}
 
 // Bytes that follow the proxy's reply in the same segment belong to the
 // tunnelled stream and are cut with the owner's line end.
@@ -66,25 +36,17 @@ TEST(FirewallTunnelTest, BytesAfterTheSocksReplyReachTheOwner) {
   });
   Probe p;
   p.SetEOL("\r\n");
-  ASSERT_EQ(p.Open(2, proxy.port(), "joe"), 0) << p.GetLastError();
+  ASSERT_EQ(OpenThrough(p, 2, proxy.port(), "joe"), 0) << p.GetLastError();
   EXPECT_TRUE(p.IsConnected());
-  EXPECT_EQ(p.WaitFor("HELLO|WORLD|"), 0) << p.received;
+  EXPECT_EQ(p.WaitUntil([&] { return p.received == "HELLO|WORLD|"; }), 0) << p.received;
   EXPECT_TRUE(p.events.Saw("Status(Firewall connection complete.,0)"));
-}
-
-std::string ChallengeBase64() {
-  std::string m("NTLMSSP\0\x02\0\0\0\0\0\0\0\0\0\0\0\x01\x82\x08\0" "\x01\x23\x45\x67\x89\xab\xcd\xef", 32);
-  m += std::string(16, '\0');
-  ByteString out;
-  out.AppendBase64(m.data(), static_cast<int32_t>(m.size()), false);
-  return std::string(out.View());
 }
 
 // The NTLM exchange reads lines at CR LF and gives the owner's line end back.
 TEST(FirewallTunnelTest, NtlmHandshakeRestoresTheLineEnd) {
   LoopbackServer proxy([](int fd) {
     LoopbackServer::ReadUntil(fd, "\r\n\r\n");
-    LoopbackServer::WriteAll(fd, "HTTP/1.1 407 Auth\r\nProxy-Authenticate: NTLM " + ChallengeBase64() +
+    LoopbackServer::WriteAll(fd, "HTTP/1.1 407 Auth\r\nProxy-Authenticate: NTLM " + Base64(NtlmChallenge()) +
                                      "\r\nContent-Length: 4\r\n\r\nno\r\n");
     LoopbackServer::ReadUntil(fd, "\r\n\r\n");
     LoopbackServer::WriteAll(fd, "HTTP/1.1 200 OK\r\n\r\n");
@@ -93,8 +55,8 @@ TEST(FirewallTunnelTest, NtlmHandshakeRestoresTheLineEnd) {
   });
   Probe p;
   p.SetEOL("\n");
-  ASSERT_EQ(p.Open(4, proxy.port(), "CORP\\joe"), 0) << p.GetLastError();
-  EXPECT_EQ(p.WaitFor("A|B|"), 0) << p.received;
+  ASSERT_EQ(OpenThrough(p, 4, proxy.port(), "CORP\\joe"), 0) << p.GetLastError();
+  EXPECT_EQ(p.WaitUntil([&] { return p.received == "A|B|"; }), 0) << p.received;
 }
 
 TEST(FirewallTunnelTest, FailureReportsErrorConnectAndDisconnects) {
@@ -104,7 +66,7 @@ TEST(FirewallTunnelTest, FailureReportsErrorConnectAndDisconnects) {
     LoopbackServer::ReadUntil(fd, "never");
   });
   Probe p;
-  EXPECT_EQ(p.Open(2, proxy.port()), 118);
+  EXPECT_EQ(OpenThrough(p, 2, proxy.port()), 118);
   EXPECT_STREQ(p.GetLastError(), "firewall request rejected because identd is not available");
   EXPECT_EQ(p.errors, "118:firewall request rejected because identd is not available|");
   EXPECT_FALSE(p.IsConnected());
@@ -115,8 +77,7 @@ TEST(FirewallTunnelTest, FailureReportsErrorConnectAndDisconnects) {
 TEST(FirewallTunnelTest, UnknownTypeEndsByTimeout) {
   LoopbackServer proxy([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
   Probe p;
-  p.SetTimeout(1);
-  EXPECT_EQ(p.Open(6, proxy.port()), 301);
+  EXPECT_EQ(OpenThrough(p, 6, proxy.port(), "", 1), 301);
   EXPECT_STREQ(p.GetLastError(), "Timeout.");
 }
 

@@ -52,23 +52,20 @@ TEST(LineBufferTest, LinesDoNotDependOnHowBytesArrive) {
   EXPECT_EQ(CutWithMarker(bytes, "\r\n"), whole);
 }
 
-TEST(LineBufferTest, CompactsInsteadOfGrowing) {
-  // 10-byte buffer, 40 bytes of 4-byte lines: only works if consumed room is reused.
+// A 10-byte buffer takes 40 bytes of 4-byte lines only if consumed room is
+// reused; a longer line comes out in pieces; without a marker all is one line.
+TEST(LineBufferTest, CapacityAndMarker) {
   std::string wire;
   for (int i = 0; i < 10; ++i) wire += "ab\r\n";
-  std::vector<std::string> pieces;
-  for (size_t i = 0; i < wire.size(); i += 3) pieces.push_back(wire.substr(i, 3));
-  EXPECT_EQ(CutWithMarker(pieces, "\r\n", 10), std::vector<std::string>(10, "ab"));
-}
-
-TEST(LineBufferTest, LineLongerThanCapacityComesOutInPieces) {
-  EXPECT_EQ(CutWithMarker({"abcdefghij\nk\n"}, "\n", 4),
-            (std::vector<std::string>{"abcd~", "efgh~", "ij", "k"}));
-}
-
-TEST(LineBufferTest, WithoutMarkerEverythingIsOneLine) {
-  LineBuffer buffer(16);
-  EXPECT_EQ(CutLines(buffer, {"a\r\nb", "c"}), (std::vector<std::string>{"a\r\nb", "c"}));
+  std::vector<std::string> threes;
+  for (size_t i = 0; i < wire.size(); i += 3) threes.push_back(wire.substr(i, 3));
+  using Lines = std::vector<std::string>;
+  const struct { Lines pieces; const char* marker; uint32_t capacity; Lines lines; } cases[] = {
+      {threes, "\r\n", 10, Lines(10, "ab")},
+      {{"abcdefghij\nk\n"}, "\n", 4, {"abcd~", "efgh~", "ij", "k"}},
+      {{"a\r\nb", "c"}, "", 16, {"a\r\nb", "c"}},
+  };
+  for (const auto& c : cases) EXPECT_EQ(CutWithMarker(c.pieces, c.marker, c.capacity), c.lines) << c.marker;
 }
 
 struct SplitCase {

@@ -66,22 +66,9 @@ std::string Token(NtlmAuth& ntlm, const std::string& challenge, int* rc) {
   return std::string(token.View());
 }
 
-TEST(NtlmAuthTest, HashesAndDeslMatchThePublishedValues) {
-  uint8_t nt[16];
-  uint8_t lm[16];
-  NtlmAuth::NtHash("Password", nt);
-  NtlmAuth::LmHash("Password", lm);
-  EXPECT_EQ(Hex(nt, 16), "a4f49c406510bdcab6824ee7c30fd852");
-  EXPECT_EQ(Hex(lm, 16), "e52cac67419a9a224a3b108f3fa6cb6d");
-  uint8_t response[24];
-  const auto* challenge = reinterpret_cast<const uint8_t*>(kServerChallenge.data());
-  NtlmAuth::Desl(nt, challenge, response);
-  EXPECT_EQ(Hex(response, 24), "67c43011f30298a2ad35ece64f16331c44bdbed927841f94");
-  NtlmAuth::Desl(lm, challenge, response);
-  EXPECT_EQ(Hex(response, 24), "98def7b87f88aa5dafe2df779688a172def11c7d5ccdef13");
-  // Lower case is folded, and a password longer than 14 bytes is cut.
-  NtlmAuth::LmHash("password", lm);
-  EXPECT_EQ(Hex(lm, 16), "e52cac67419a9a224a3b108f3fa6cb6d");
+// The hashes and DESL are pinned by the published responses below; the LM
+// hash also folds case there ("Password"). Only the cut at 14 bytes is not.
+TEST(NtlmAuthTest, LmHashCutsThePasswordAt14Bytes) {
   uint8_t long_lm[16];
   uint8_t cut_lm[16];
   NtlmAuth::LmHash("ABCDEFGHIJKLMNOPQ", long_lm);
@@ -90,11 +77,7 @@ TEST(NtlmAuthTest, HashesAndDeslMatchThePublishedValues) {
 }
 
 TEST(NtlmAuthTest, NegotiateMessageCarriesFlagsVersionAndDomain) {
-  struct Case {
-    const char* user;
-    uint32_t flags;
-    std::string domain;
-  } cases[] = {
+  struct Case { const char* user; uint32_t flags; std::string domain; } cases[] = {
       {"User", 0xa2088207, ""},
       {"Domain\\User", 0xa2089207, "Domain"},
       {"A\\B\\C", 0xa2089207, "A"},  // only the first backslash splits
@@ -180,10 +163,7 @@ TEST(NtlmAuthTest, RandomClientChallengesAreNeverZeroAndDiffer) {
 }
 
 TEST(NtlmAuthTest, UserTextIsSentAsUtf16) {
-  struct Case {
-    const char* text;
-    std::string utf16;
-  } cases[] = {
+  struct Case { const char* text; std::string utf16; } cases[] = {
       {"J\xc3\xbcrgen", std::string("J\0\xfc\0r\0g\0e\0n\0", 12)},
       {"\xe2\x82\xac", std::string("\xac\x20", 2)},
       {"\xf0\x9f\x98\x80", std::string("\x3d\xd8\x00\xde", 4)},
@@ -202,10 +182,7 @@ TEST(NtlmAuthTest, BadChallengesGiveTheirTextsAndNoToken) {
   bad_signature[3] = 'X';
   std::string bad_type = Challenge(0x1 | 0x200);
   bad_type[8] = 3;
-  struct Case {
-    std::string challenge;
-    const char* text;
-  } cases[] = {
+  struct Case { std::string challenge; const char* text; } cases[] = {
       {bad_signature, NtlmAuth::kTextBadSignature},
       {"NTLMSSP", NtlmAuth::kTextBadSignature},
       {bad_type, NtlmAuth::kTextBadType},

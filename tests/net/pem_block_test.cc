@@ -9,13 +9,8 @@ namespace {
 
 // "aGVsbG8=" is "hello".
 TEST(PemBlockTest, ReadsHeadersAndBody) {
-  const struct {
-    const char* name;
-    const char* text;
-    bool found;
-    const char* comment;  // the Comment header, or null when absent
-    const char* body;
-  } cases[] = {
+  // comment: the Comment header, or null when absent.
+  const struct { const char* name; const char* text; bool found; const char* comment; const char* body; } cases[] = {
       {"five dashes", "-----BEGIN K-----\naGVs\nbG8=\n-----END K-----\n", true, nullptr, "hello"},
       {"SSH2 style", "junk\r\n---- BEGIN K ----\r\nComment: c\r\naGVsbG8=\r\n---- END K ----\r\n", true, "c", "hello"},
       {"continued value", "-----BEGIN K-----\nComment: one \\\ntwo\\\nthree\n\naGVsbG8=\n-----END K-----", true,
@@ -38,11 +33,7 @@ TEST(PemBlockTest, ReadsHeadersAndBody) {
 }
 
 TEST(PemBlockTest, DecryptRefusesWhatItCannotUse) {
-  const struct {
-    const char* name;
-    const char* dek_info;
-    bool ok;
-  } cases[] = {
+  const struct { const char* name; const char* dek_info; bool ok; } cases[] = {
       {"no DEK-Info", nullptr, true},
       {"other cipher", "AES-128-CBC,00112233445566778899AABBCCDDEEFF", false},
       {"short IV", "DES-EDE3-CBC,0011", false},

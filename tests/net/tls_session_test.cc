@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "net/channel_probe.h"
 #include "net/openssl_holders.h"
 #include "support/test_pki.h"
 
@@ -52,11 +53,7 @@ SslCtxPtr ClientContext(const TestPki& pki) {
   return ctx;
 }
 
-struct Outcome {
-  int handshake = TlsSession::kWantMore;
-  std::string plaintext;
-  std::string server_got;
-};
+struct Outcome { int handshake = TlsSession::kWantMore; std::string plaintext; std::string server_got; };
 
 // Pumps both ends until quiet, handing the server's bytes to the client in
 // pieces of `piece` bytes.
@@ -102,10 +99,7 @@ Outcome Exchange(const char* host, const char* cert, int max_version, size_t pie
 }
 
 TEST(TlsSessionTest, HandshakeAndDataDoNotDependOnHowBytesArrive) {
-  if (!TestPki::Get().ok()) {
-    if (PeersRequired()) FAIL() << "openssl is required";
-    GTEST_SKIP() << "openssl not available to make certificates";
-  }
+  REQUIRE_PKI(pki);
   for (size_t piece : {size_t{1}, size_t{5}, size_t{1000}, size_t{100000}}) {
     SCOPED_TRACE("pieces of " + std::to_string(piece));
     const Outcome run = Exchange("localhost", "server", 0, piece);
@@ -116,10 +110,7 @@ TEST(TlsSessionTest, HandshakeAndDataDoNotDependOnHowBytesArrive) {
 }
 
 TEST(TlsSessionTest, RefusesWhatTheContextForbids) {
-  if (!TestPki::Get().ok()) {
-    if (PeersRequired()) FAIL() << "openssl is required";
-    GTEST_SKIP() << "openssl not available to make certificates";
-  }
+  REQUIRE_PKI(pki);
   EXPECT_EQ(Exchange("localhost", "server", TLS1_1_VERSION, 1000).handshake, TlsSession::kFailed);
   // With peer verification enforced by the context, a host mismatch fails the handshake.
   EXPECT_EQ(Exchange("bank.example", "server", 0, 1000).handshake, TlsSession::kFailed);

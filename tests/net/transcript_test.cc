@@ -6,10 +6,7 @@ namespace orvelan {
 namespace {
 
 TEST(TranscriptTest, EscapesForReplay) {
-  const struct {
-    std::string in;
-    const char* out;
-  } cases[] = {
+  const struct { std::string in; const char* out; } cases[] = {
       {"GET / HTTP/1.1\r\n", "GET / HTTP/1.1\r\n"},
       {std::string("a\0b", 3), "a\\000b"},
       {"\\$\"{}[]", "\\\\\\$\\\"\\{\\}\\[\\]"},

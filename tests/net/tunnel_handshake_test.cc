@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "net/channel_probe.h"
 #include "support/test_bytes.h"
 
 namespace orvelan {
@@ -24,15 +25,9 @@ struct Driver {
 
   Result Start(int type, const char* host, const char* user = "", const char* password = "",
                const char* address = "10.1.2.3") {
-    TunnelHandshake::Settings s;
-    s.type = type;
-    s.host = host;
-    s.port = 8443;
-    s.user = user;
-    s.password = password;
     in_addr a{};
     if (address != nullptr) inet_pton(AF_INET, address, &a);
-    s.address = a.s_addr;
+    const TunnelHandshake::Settings s{type, host, 8443, a.s_addr, user, password};
     ByteString out;
     const Result r = h.Start(s, &ntlm, out);
     sent.assign(out.Data(), static_cast<size_t>(out.Length()));
@@ -66,12 +61,7 @@ TEST(TunnelHandshakeTest, ConnectRequestCarriesBasicCredentialsWhenSet) {
 }
 
 TEST(TunnelHandshakeTest, ConnectRepliesOpenOrRefuseTheTunnel) {
-  struct Case {
-    std::string reply;
-    Result result;
-    const char* text;
-    const char* leftover;
-  } cases[] = {
+  struct Case { std::string reply; Result result; const char* text; const char* leftover; } cases[] = {
       {"HTTP/1.0 200 Connection established\r\n\r\nXY", TunnelHandshake::kEstablished, "", "XY"},
       {"HTTP/1.1 200 OK\nProxy-agent: t\n\n", TunnelHandshake::kEstablished, "", ""},
       {"HTTP/1.0 403 Forbidden\r\n\r\n", TunnelHandshake::kRefused, "Firewall error. HTTP/1.0 403 Forbidden.", ""},
@@ -98,11 +88,7 @@ TEST(TunnelHandshakeTest, Socks4RequestAndReplyCodes) {
   Driver d;
   EXPECT_EQ(d.Start(2, "bank.example", "joe"), TunnelHandshake::kPending);
   EXPECT_EQ(Hex(d.sent), "040120fb0a010203" + Hex("joe") + "00");
-  struct Case {
-    int code;
-    Result result;
-    const char* text;
-  } cases[] = {
+  struct Case { int code; Result result; const char* text; } cases[] = {
       {90, TunnelHandshake::kEstablished, ""},
       {91, TunnelHandshake::kFailed, "firewall request rejected or failed"},
       {92, TunnelHandshake::kFailed, "firewall request rejected because identd is not available"},
@@ -156,12 +142,9 @@ TEST(TunnelHandshakeTest, Socks5NegotiatesMethodAndCredentials) {
 }
 
 TEST(TunnelHandshakeTest, Socks5FailureTexts) {
-  struct Case {
-    std::string method_reply;  // to the greeting
-    std::string auth_reply;    // to the credentials, when asked for
-    int rep;                   // to the connect request; -1 when never reached
-    const char* text;
-  } cases[] = {
+  // The replies to the greeting, to the credentials when asked for, and to
+  // the connect request (rep; -1 when never reached).
+  struct Case { std::string method_reply; std::string auth_reply; int rep; const char* text; } cases[] = {
       {std::string("\x05\xff", 2), "", -1, "no acceptable firewall authentication methods"},
       {std::string("\x05\x07", 2), "", -1, "unknown firewall authentication method"},
       {std::string("\x05\x02", 2), std::string("\x01\x01", 2), -1, "firewall authentication failed: 1"},
@@ -192,12 +175,6 @@ TEST(TunnelHandshakeTest, Socks5FailureTexts) {
   EXPECT_STREQ(unresolved.h.ErrorText(), TunnelHandshake::kTextUnresolved);
 }
 
-std::string Base64(const std::string& bytes) {
-  ByteString out;
-  out.AppendBase64(bytes.data(), static_cast<int32_t>(bytes.size()), false);
-  return std::string(out.View());
-}
-
 std::string Unbase64(const std::string& text) {
   ByteString b(text);
   b.DecodeBase64();
@@ -212,11 +189,6 @@ std::string SentToken(const std::string& request, const std::string& word) {
   return Unbase64(request.substr(at + key.size(), request.find("\r\n", at) - at - key.size()));
 }
 
-std::string ChallengeMessage() {
-  std::string m("NTLMSSP\0\x02\0\0\0\0\0\0\0\0\0\0\0\x01\x82\x08\0" "\x01\x23\x45\x67\x89\xab\xcd\xef", 32);
-  return m + std::string(16, '\0');
-}
-
 TEST(TunnelHandshakeTest, NtlmConnectRunsTwoRounds) {
   for (int type : {4, 5}) {
     for (int body : {0, 16}) {
@@ -229,7 +201,7 @@ TEST(TunnelHandshakeTest, NtlmConnectRunsTwoRounds) {
       const std::string negotiate = SentToken(d.sent, word);
       ASSERT_EQ(negotiate.substr(0, 9), std::string("NTLMSSP\0\x01", 9));
       const std::string reply = "HTTP/1.1 407 Proxy Authentication Required\r\nProxy-Authenticate: " + word + " " +
-                                Base64(ChallengeMessage()) + "\r\nContent-Length: " + std::to_string(body) +
+                                Base64(NtlmChallenge()) + "\r\nContent-Length: " + std::to_string(body) +
                                 "\r\n\r\n" + std::string("HTTP/1.0 500 x\r\n").substr(0, static_cast<size_t>(body));
       EXPECT_EQ(d.Feed(reply, true), TunnelHandshake::kPending);
       const std::string authenticate = SentToken(d.sent, word);
@@ -251,7 +223,7 @@ TEST(TunnelHandshakeTest, NtlmConnectFailures) {
 
   Driver second;
   second.Start(4, "h", "u", "p");
-  const std::string challenge = Base64(ChallengeMessage());
+  const std::string challenge = Base64(NtlmChallenge());
   second.Feed("HTTP/1.0 407 Auth\r\nProxy-Authenticate: NTLM " + challenge + "\r\n\r\n");
   EXPECT_EQ(second.Feed("HTTP/1.0 407 Auth again\r\n\r\n"), TunnelHandshake::kRefused);
   EXPECT_STREQ(second.h.ErrorText(), "Firewall error: 407 Auth again");
