@@ -1,11 +1,13 @@
 #include "net/socket_core.h"
 
 #include <fcntl.h>
-#include <sys/select.h>
+#include <poll.h>
 #include <sys/socket.h>
 #include <time.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 
 #include "core/error_text_table.h"
@@ -210,19 +212,16 @@ int SocketCore::PollSocket(long timeout_ms) {
     OnSocketEvent(kSocketMessage, static_cast<unsigned long>(fd), kEventRead);
     return 0;
   }
-  fd_set read_set;
-  fd_set write_set;
-  fd_set except_set;
-  FD_ZERO(&read_set);
-  FD_ZERO(&write_set);
-  FD_ZERO(&except_set);
-  FD_SET(fd, &read_set);
-  FD_SET(fd, &except_set);
   const bool want_write = (event_mask_ & (kEventWrite | kEventConnect)) != 0;
-  if (want_write) FD_SET(fd, &write_set);
-  if (timeout_ms < 0) timeout_ms = 0;
-  timeval wait{timeout_ms / 1000, static_cast<suseconds_t>((timeout_ms % 1000) * 1000)};
-  const int ready = select(fd + 1, &read_set, want_write ? &write_set : nullptr, &except_set, &wait);
+  // poll, not select: an fd_set cannot hold a descriptor past FD_SETSIZE,
+  // which a host with many files open hands us.
+  pollfd watch{fd, static_cast<short>(POLLIN | POLLPRI | (want_write ? POLLOUT : 0)), 0};
+  const int wait_ms = static_cast<int>(std::clamp<long>(timeout_ms, 0, INT_MAX));
+  int ready = poll(&watch, 1, wait_ms);
+  if (ready > 0 && (watch.revents & POLLNVAL)) {
+    errno = EBADF;
+    ready = -1;
+  }
   if (ready < 0) {
     if (errno == EINTR) return 0;
     if (event_mask_ & kEventClose) {
@@ -231,8 +230,12 @@ int SocketCore::PollSocket(long timeout_ms) {
     return ready;
   }
   if (ready == 0) return 0;
-  if ((event_mask_ & kEventConnect) &&
-      (FD_ISSET(fd, &except_set) || FD_ISSET(fd, &write_set) || FD_ISSET(fd, &read_set))) {
+  // The sets select would have reported: hang-up and error count as readable,
+  // error as writable (when asked), urgent data as the exception.
+  const bool readable = (watch.revents & (POLLIN | POLLHUP | POLLERR)) != 0;
+  const bool writable = want_write && (watch.revents & (POLLOUT | POLLERR)) != 0;
+  const bool exceptional = (watch.revents & POLLPRI) != 0;
+  if ((event_mask_ & kEventConnect) && (exceptional || writable || readable)) {
     // Linux reports a failed connect as readable and writable; SO_ERROR says which.
     int error = 0;
     socklen_t length = sizeof error;
@@ -241,12 +244,12 @@ int SocketCore::PollSocket(long timeout_ms) {
     OnSocketEvent(kSocketMessage, static_cast<unsigned long>(fd), kEventConnect | (error << 16));
     if (error != 0 || socket_.get() != fd) return ready;
   }
-  if (FD_ISSET(fd, &write_set) && (event_mask_ & kEventWrite)) {
+  if (writable && (event_mask_ & kEventWrite)) {
     RemoveEvents(kEventWrite);
     OnSocketEvent(kSocketMessage, static_cast<unsigned long>(fd), kEventWrite);
     if (socket_.get() != fd) return ready;
   }
-  if (FD_ISSET(fd, &read_set) && socket_.get() == fd) {
+  if (readable && socket_.get() == fd) {
     OnSocketEvent(kSocketMessage, static_cast<unsigned long>(fd), kEventRead);
   }
   return ready;

@@ -61,7 +61,7 @@ class SocketCore : public ComponentCore {
  protected:
   // One cycle: 0 to go on; 301 with "Timeout." or "Interrupted." to stop.
   int WaitCycle();
-  // One select of at most `timeout_ms` on the registered socket, dispatching
+  // One poll of at most `timeout_ms` on the registered socket, dispatching
   // what is ready (connect, write, read; in that order) to OnSocketEvent.
   int PollSocket(long timeout_ms);
   void StartDeadline();

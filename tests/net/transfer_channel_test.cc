@@ -1,5 +1,7 @@
 #include <arpa/inet.h>
 #include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/select.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -10,6 +12,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -386,6 +389,39 @@ TEST(TransferChannelTest, ReceiveFailureOtherThanWouldBlockIsRaised) {
   close(unconnected);
   EXPECT_EQ(p.Receive(), ENOTCONN);
   EXPECT_EQ(p.errors, "107:socket error in recv: 107|");
+}
+
+// A host with many files open gets a socket past FD_SETSIZE, which an
+// fd_set cannot hold; the wait loop must still serve it.
+TEST(TransferChannelTest, ExchangesOnADescriptorPastFdSetSize) {
+  struct Crowd {
+    rlimit saved{};
+    std::vector<int> fds;
+    ~Crowd() {
+      for (int fd : fds) close(fd);
+      setrlimit(RLIMIT_NOFILE, &saved);
+    }
+  } crowd;
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &crowd.saved), 0);
+  rlimit raised = crowd.saved;
+  const rlim_t wanted = FD_SETSIZE + 64;
+  if (raised.rlim_cur < wanted) {
+    if (raised.rlim_max < wanted) GTEST_SKIP() << "the hard descriptor limit is below " << wanted;
+    raised.rlim_cur = wanted;
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &raised), 0);
+  }
+  LoopbackServer server([](int fd) { LoopbackServer::WriteAll(fd, LoopbackServer::ReadUntil(fd, "\n")); });
+  while (crowd.fds.empty() || crowd.fds.back() < FD_SETSIZE + 8) {
+    const int fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
+    ASSERT_GE(fd, 0);
+    crowd.fds.push_back(fd);
+  }
+  Probe p;
+  ASSERT_EQ(p.Open(server.port()), 0) << p.GetLastError();
+  EXPECT_GT(p.SocketHandle(), FD_SETSIZE);
+  ASSERT_EQ(p.SendAll("hello\n", 6, false), 0);
+  EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
+  EXPECT_EQ(p.received, "hello\n");
 }
 
 TEST(TransferChannelTest, SendWithoutConnectionIs107) {
