@@ -1,8 +1,9 @@
 #include "net/ntlm_auth.h"
 
-#include <chrono>
+#include <openssl/err.h>
+#include <openssl/rand.h>
+
 #include <cstring>
-#include <random>
 
 #include "base/des_cipher.h"
 #include "base/error_codes.h"
@@ -95,12 +96,13 @@ std::string_view Clip(const uint8_t* bytes, int32_t length, SecurityBuffer sb) {
   return {reinterpret_cast<const char*>(bytes) + sb.offset, static_cast<size_t>(n)};
 }
 
-// One generator per thread: components on different threads share nothing.
-uint8_t NextClientByte() {
-  thread_local std::minstd_rand generator(static_cast<uint32_t>(
-      std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now().time_since_epoch())
-          .count()));
-  return static_cast<uint8_t>(1 + generator() % 255);
+// OpenSSL's generator, not a clock-seeded one: a guessable client challenge
+// weakens the response. A zero byte is not allowed, so each byte becomes
+// 1 + (byte mod 255).
+bool NewClientChallenge(uint8_t out[8]) {
+  if (RAND_bytes(out, 8) != 1) return false;
+  for (int i = 0; i < 8; ++i) out[i] = static_cast<uint8_t>(1 + out[i] % 255);
+  return true;
 }
 
 }  // namespace
@@ -226,8 +228,12 @@ int NtlmAuth::MakeAuthenticate(const uint8_t server_challenge[8], ByteString& to
   uint8_t response[24];
   if ((flags_ & kFlagExtendedSecurity) != 0) {
     uint8_t client_challenge[8];
-    for (uint8_t& b : client_challenge) b = NextClientByte();
-    if (has_fixed_client_challenge_) std::memcpy(client_challenge, fixed_client_challenge_, 8);
+    if (has_fixed_client_challenge_) {
+      std::memcpy(client_challenge, fixed_client_challenge_, 8);
+    } else if (!NewClientChallenge(client_challenge)) {
+      ERR_clear_error();
+      return Fail(kTextNoRandom);
+    }
     Md5Digest md5;
     md5.Update(server_challenge, int32_t{8});
     md5.Update(client_challenge, int32_t{8});

@@ -39,6 +39,7 @@ class NtlmAuth {
       "Could not process server's NTLM authentication token: no charset negotiated.";
   static constexpr char kTextNoVersion[] =
       "Could not process server's NTLM authentication token: no NTLM version negotiated.";
+  static constexpr char kTextNoRandom[] = "Could not create the NTLM client challenge: no random bytes available.";
 
   NtlmAuth() = default;
   NtlmAuth(const NtlmAuth&) = delete;
@@ -50,9 +51,9 @@ class NtlmAuth {
   int SetCredentials(const char* mechanism, const char* user_text, const char* password);
 
   // A Negotiate message when `challenge` is empty, else the Authenticate
-  // message answering it. Returns 0; -1 when the challenge fails a check
-  // (ErrorText() says which) or the component is disabled; 508 for a writer
-  // failure; 200 when out of memory. `token` is emptied on failure.
+  // message answering it. Returns 0; -1 when the challenge fails a check or
+  // OpenSSL has no random bytes (ErrorText() says which) or the component is
+  // disabled; 508 for a writer failure; 200 when out of memory. `token` is emptied on failure.
   int CreateToken(const char* mechanism, const char* target, const void* challenge, int32_t challenge_length,
                   ByteString& token);
 

@@ -1,7 +1,12 @@
 #include "net/ntlm_auth.h"
 
+// The test swaps the generator through the older RAND_METHOD interface.
+#define OPENSSL_SUPPRESS_DEPRECATED
+#include <openssl/rand.h>
+
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include <gtest/gtest.h>
 
@@ -146,20 +151,45 @@ TEST(NtlmAuthTest, AuthenticateMessageMatchesThePublishedResponses) {
   }
 }
 
-TEST(NtlmAuthTest, RandomClientChallengesAreNeverZeroAndDiffer) {
+// Stands in for OpenSSL's generator while alive, handing out `bytes` in turn.
+class FixedRandom {
+ public:
+  explicit FixedRandom(std::string bytes) : saved_(RAND_get_rand_method()) {
+    bytes_ = std::move(bytes);
+    RAND_set_rand_method(&kMethod);
+  }
+  ~FixedRandom() { RAND_set_rand_method(saved_); }
+
+ private:
+  static int Bytes(unsigned char* out, int n) {
+    for (int i = 0; i < n; ++i) out[i] = static_cast<unsigned char>(bytes_[static_cast<size_t>(i) % bytes_.size()]);
+    return 1;
+  }
+  static inline std::string bytes_;
+  static constexpr RAND_METHOD kMethod = {nullptr, Bytes, nullptr, nullptr, Bytes, nullptr};
+  const RAND_METHOD* saved_;
+};
+
+// The client challenge is OpenSSL's random bytes moved into 1-255 (a zero
+// byte is not allowed), so each Authenticate message differs.
+TEST(NtlmAuthTest, ClientChallengeIsRandomAndNeverZero) {
   NtlmAuth ntlm;
   ntlm.SetCredentials("NTLM", "u", "p");
-  std::string seen;
-  for (int i = 0; i < 20; ++i) {
+  auto client_challenge = [&] {
     int rc = 0;
     Token(ntlm, "", &rc);
     const std::string m = Token(ntlm, Challenge(0x1 | 0x200 | 0x80000), &rc);
-    ASSERT_EQ(rc, 0);
-    const std::string client = Field(m, 12).substr(0, 8);
-    EXPECT_EQ(client.find('\0'), std::string::npos);
-    EXPECT_NE(client, seen);
-    seen = client;
+    EXPECT_EQ(rc, 0);
+    return Field(m, 12).substr(0, 8);
+  };
+  {
+    FixedRandom fixed(Unhex("00feff017f80fdaa"));
+    EXPECT_EQ(Hex(client_challenge()), "01ff01028081feab");
   }
+  const std::string first = client_challenge();
+  const std::string second = client_challenge();
+  EXPECT_NE(first, second);
+  EXPECT_EQ((first + second).find('\0'), std::string::npos);
 }
 
 TEST(NtlmAuthTest, UserTextIsSentAsUtf16) {
