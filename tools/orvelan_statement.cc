@@ -2,14 +2,17 @@
 // downloads one from an institution's OFX server.
 //
 //   orvelan-statement FILE.ofx [--format table|csv|json]
-//   orvelan-statement --url URL --org ORG --fid FID --user U --password P
+//   orvelan-statement --url URL --org ORG --fid FID --user U
 //                     --bank-id B --account A [--type checking|savings|moneymrkt|creditline]
 //                     [--from MM/DD/YYYY] [--to MM/DD/YYYY] [--format table|csv|json]
 //                     [--ofx-version 102|211] [--accept-cert FILE] [--timeout SECONDS]
 //                     [--app-id ID] [--app-version VERSION]
 //
 // The application id and version default to "QWIN" and "2700", which most
-// servers accept.
+// servers accept. The password never travels on the command line, where other
+// users can read it: it comes from ORVELAN_PASSWORD or, when that is unset and
+// standard input is a terminal, a prompt without echo. A response is kept up to
+// 256 MB; a longer one is cut and fails to parse.
 // Exit status: 0 on success, 1 when the library reports an error (its code and
 // text go to standard error), 2 for a bad command line.
 #include <cstdint>
@@ -20,6 +23,9 @@
 #include <iterator>
 #include <string>
 
+#include <termios.h>
+#include <unistd.h>
+
 #include "orvelan.h"
 #include "statement_printer.h"
 
@@ -27,11 +33,19 @@ namespace {
 
 const char kUsage[] =
     "usage: orvelan-statement FILE.ofx [--format table|csv|json]\n"
-    "       orvelan-statement --url URL --org ORG --fid FID --user U --password P\n"
+    "       orvelan-statement --url URL --org ORG --fid FID --user U\n"
     "                         --bank-id B --account A [--type checking|savings|moneymrkt|creditline]\n"
     "                         [--from MM/DD/YYYY] [--to MM/DD/YYYY] [--format table|csv|json]\n"
     "                         [--ofx-version 102|211] [--accept-cert FILE] [--timeout SECONDS]\n"
-    "                         [--app-id ID] [--app-version VERSION]\n";
+    "                         [--app-id ID] [--app-version VERSION]\n"
+    "The password comes from the environment variable ORVELAN_PASSWORD or, when\n"
+    "that is unset and standard input is a terminal, a prompt without echo.\n"
+    "A server's response is kept up to 256 MB; a longer one is cut and fails.\n";
+
+const char kPasswordVariable[] = "ORVELAN_PASSWORD";
+// Large enough for years of transactions, small enough that a broken or
+// hostile server cannot fill the host's memory.
+const char kMaxTransferredData[] = "MaxTransferredData=268435456";
 
 struct Options {
   std::string file, url, org, fid, user, password, bank_id, account, from, to, ofx_version, accept_cert;
@@ -65,7 +79,7 @@ int ParseOptions(int argc, char** argv, Options* options) {
     std::string* target;
   } const text_options[] = {
       {"--url", &options->url},           {"--org", &options->org},         {"--fid", &options->fid},
-      {"--user", &options->user},         {"--password", &options->password}, {"--bank-id", &options->bank_id},
+      {"--user", &options->user},         {"--bank-id", &options->bank_id},
       {"--account", &options->account},   {"--from", &options->from},       {"--to", &options->to},
       {"--ofx-version", &options->ofx_version}, {"--accept-cert", &options->accept_cert},
       {"--app-id", &options->app_id},     {"--app-version", &options->app_version},
@@ -77,6 +91,9 @@ int ParseOptions(int argc, char** argv, Options* options) {
       if (!options->file.empty()) return Usage("only one file can be read at a time");
       options->file = arg;
       continue;
+    }
+    if (std::strncmp(arg, "--password", 10) == 0) {
+      return Usage("--password is not accepted: the password comes from ORVELAN_PASSWORD or a prompt");
     }
     if (i + 1 >= argc) return Usage((std::string(arg) + " needs a value").c_str());
     const char* value = argv[++i];
@@ -106,11 +123,34 @@ int ParseOptions(int argc, char** argv, Options* options) {
       const std::string& value;
       const char* flag;
     } required[] = {{options->org, "--org"},         {options->fid, "--fid"},         {options->user, "--user"},
-                    {options->password, "--password"}, {options->account, "--account"}};
+                    {options->account, "--account"}};
     for (const auto& entry : required) {
       if (entry.value.empty()) return Usage((std::string(entry.flag) + " is required with --url").c_str());
     }
   }
+  return 0;
+}
+
+// Returns 0 with the password set, or exit status 2 when there is none.
+int ReadPassword(Options* options) {
+  if (const char* from_environment = std::getenv(kPasswordVariable); from_environment != nullptr) {
+    options->password = from_environment;
+  } else if (isatty(STDIN_FILENO)) {
+    termios saved{};
+    const bool can_hide = tcgetattr(STDIN_FILENO, &saved) == 0;
+    if (can_hide) {
+      termios quiet = saved;
+      quiet.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+      tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet);
+    }
+    std::fputs("OFX password: ", stderr);
+    char line[1024];
+    const bool got = std::fgets(line, sizeof line, stdin) != nullptr;
+    if (can_hide) tcsetattr(STDIN_FILENO, TCSAFLUSH, &saved);
+    std::fputc('\n', stderr);
+    if (got) options->password.assign(line, std::strcspn(line, "\r\n"));
+  }
+  if (options->password.empty()) return Usage("no password: set ORVELAN_PASSWORD or run on a terminal to be asked");
   return 0;
 }
 
@@ -152,6 +192,11 @@ int Download(void* st, const Options& options) {
   for (const auto& text : texts) {
     if (SetText(st, text.id, text.value) != 0) return Fail(st, text.name);
   }
+  void* config[2] = {const_cast<char*>(kMaxTransferredData), nullptr};
+  int config_lengths[2] = {0, 0};
+  if (BankStatement_Do(st, BANKSTATEMENT_METHOD_CONFIG, 2, config, config_lengths) != 0) {
+    return Fail(st, "MaxTransferredData");
+  }
   if (BankStatement_Set(st, BANKSTATEMENT_PROP_ACCOUNTTYPE, 0,
                         reinterpret_cast<void*>(static_cast<intptr_t>(options.account_type)), 0) != 0) {
     return Fail(st, "AccountType");
@@ -190,6 +235,9 @@ int ReadFile(void* st, const std::string& file) {
 int main(int argc, char** argv) {
   Options options;
   if (int status = ParseOptions(argc, argv, &options); status != 0) return status;
+  if (!options.url.empty()) {
+    if (int status = ReadPassword(&options); status != 0) return status;
+  }
   void* st = BankStatement_Create(nullptr, nullptr, nullptr);
   if (st == nullptr) {
     std::fprintf(stderr, "orvelan-statement: cannot create a BankStatement\n");

@@ -36,14 +36,19 @@ expect 1 "ReadOFXDataFile failed: 302 Cannot open OFX data file for reading." "$
 printf 'OFXHEADER:100\r\n\r\n<OFX><BANKMSGSRSV1><STMTTRNRS><STATUS><CODE>0<SEVERITY>INFO</STATUS></STMTTRNRS></BANKMSGSRSV1></OFX>' \
   >"$scratch/short.ofx"
 expect 1 "ReadOFXDataFile failed: 2000 Expected element missing from server response." "$scratch/short.ofx"
+export ORVELAN_PASSWORD=p
 expect 1 "GetStatement failed: 2000 Missing required field: Bank Id is missing in the request." \
-  --url http://127.0.0.1:9/ofx --org O --fid 1 --user u --password p --account 1
+  --url http://127.0.0.1:9/ofx --org O --fid 1 --user u --account 1
 expect 1 "GetStatement failed: 2000 Missing required field: OFX Application Id is missing in the request." \
-  --url http://127.0.0.1:9/ofx --org O --fid 1 --user u --password p --account 1 --bank-id 2 --app-id ""
+  --url http://127.0.0.1:9/ofx --org O --fid 1 --user u --account 1 --bank-id 2 --app-id ""
 
 expect 2 "give either a file or --url"
 expect 2 "unknown format" "$source_dir/examples/statement.ofx" --format xml
-expect 2 "--org is required with --url" --url http://127.0.0.1:9/ofx --fid 1 --user u --password p --account 1
+expect 2 "--org is required with --url" --url http://127.0.0.1:9/ofx --fid 1 --user u --account 1
+
+expect 2 "the password comes from ORVELAN_PASSWORD" --url http://127.0.0.1:9/ofx --password p
+unset ORVELAN_PASSWORD
+expect 2 "no password: set ORVELAN_PASSWORD" --url http://127.0.0.1:9/ofx --org O --fid 1 --user u --account 1 </dev/null
 
 [ "$failures" -eq 0 ] && echo "orvelan-statement: all exit codes as expected"
 exit "$failures"
