@@ -12,7 +12,7 @@
 // servers accept. The password never travels on the command line, where other
 // users can read it: it comes from ORVELAN_PASSWORD or, when that is unset and
 // standard input is a terminal, a prompt without echo. A response is kept up to
-// 256 MB; a longer one is cut and fails to parse.
+// 256 MB; the rest is dropped.
 // Exit status: 0 on success, 1 when the library reports an error (its code and
 // text go to standard error), 2 for a bad command line.
 #include <cstdint>
@@ -40,7 +40,7 @@ const char kUsage[] =
     "                         [--app-id ID] [--app-version VERSION]\n"
     "The password comes from the environment variable ORVELAN_PASSWORD or, when\n"
     "that is unset and standard input is a terminal, a prompt without echo.\n"
-    "A server's response is kept up to 256 MB; a longer one is cut and fails.\n";
+    "A server's response is kept up to 256 MB; the rest is dropped.\n";
 
 const char kPasswordVariable[] = "ORVELAN_PASSWORD";
 // Large enough for years of transactions, small enough that a broken or
