@@ -29,41 +29,6 @@ std::vector<int> Values(ItemList<Record>& list) {
   return values;
 }
 
-TEST(ItemListTest, GrowsToTwiceTheCountAndShrinksBackInline) {
-  Record::constructed = Record::destroyed = 0;
-  {
-    ItemList<Record> list;
-    ASSERT_EQ(list.SetCount(3), 0);
-    for (int i = 0; i < 3; ++i) list.Item(i)->value = i;
-    Record* first = list.Item(0);
-    ASSERT_EQ(list.SetCount(25), 0);
-    EXPECT_EQ(list.Capacity(), 50);
-    EXPECT_EQ(Record::constructed, 3) << "raising the count creates no items";
-    EXPECT_EQ(list.Item(25), nullptr);
-    list.Item(10);
-    list.Last();
-    ASSERT_EQ(list.SetCount(2), 0);
-    EXPECT_EQ(Record::destroyed, 3);  // items 2, 10 and 24
-    EXPECT_EQ(list.Capacity(), 20);
-    EXPECT_EQ(Values(list), (std::vector<int>{0, 1}));
-    EXPECT_EQ(list.Item(0), first) << "growing moves slots, never items";
-    ASSERT_EQ(list.SetCount(1), 0);
-    ASSERT_EQ(list.SetCount(2), 0);
-    EXPECT_EQ(list.Item(1)->value, 0) << "a slot behind the count was left filled";
-    // Moves and failed growth release every item.
-    for (int n : {30, 5}) {  // onto an inline list, then onto a heap one
-      ItemList<Record> moved;
-      ASSERT_EQ(moved.SetCount(n), 0);
-      moved.Last()->value = n;
-      list = ItemList<Record>(std::move(moved));
-      EXPECT_EQ(Values(list).back(), n);
-    }
-    EXPECT_EQ(list.SetCount(INT32_MAX), kErrOutOfMemory);
-    EXPECT_EQ(list.Count(), 0);
-  }
-  EXPECT_EQ(Record::constructed, Record::destroyed) << "leaked or destroyed twice";
-}
-
 // Inserts store clones at clamped positions; counts and the inline limit of
 // 20 slots follow a vector.
 TEST(ItemListTest, MatchesAVectorModelUnderRandomEdits) {

@@ -109,18 +109,6 @@ class ComponentObjectTest : public ::testing::Test {
   ComponentObject<S> obj_{Tables(), RecordEvent, &events_};
 };
 
-TEST_F(ComponentObjectTest, CreationSetsDefaultsThroughSettersInIdOrder) {
-  EXPECT_EQ(obj_.service().init_calls, 1);
-  EXPECT_EQ(obj_.service().set_order, "BlobLevelName");
-  EXPECT_STREQ(static_cast<const char*>(obj_.Get(3, 0, nullptr)), "anon");
-  EXPECT_EQ(Integer(2), 7);
-  int length = 0;
-  const char* blob = static_cast<const char*>(obj_.Get(1, 0, &length));
-  EXPECT_EQ(std::string(blob, static_cast<size_t>(length)), "AB\0C"s);
-  EXPECT_EQ(obj_.GetLastErrorCode(), 0);
-  EXPECT_STREQ(obj_.GetLastError(), "");
-}
-
 TEST_F(ComponentObjectTest, EventsReachTheCallbackInTheDocumentedLayout) {
   ASSERT_EQ(obj_.Do(2, 0, nullptr, nullptr), 0);  // 0: the host's accept came back
   EXPECT_EQ(events_, (std::vector<std::string>{"1: Connected 0 up", "2: 2001 ",

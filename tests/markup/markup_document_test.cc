@@ -191,29 +191,6 @@ TEST(MarkupDocumentTest, EmptyTreeAndOffsets) {
   EXPECT_STREQ(d.doc.ElementText(), "x");
 }
 
-TEST(MarkupDocumentTest, ArenaLayoutIsFixed) {
-  Doc d("<R xmlns='u'><A k='v'>t</A></R>");
-  const DocumentTree& tree = d.doc.Tree();
-  const auto field = [&](uint32_t at) {
-    uint32_t v;
-    std::memcpy(&v, tree.Arena() + at, 4);
-    return v;
-  };
-  // Empty declaration, P(u) 16 bytes, E R 60, A k=v 16, E A 60, T t 12.
-  ASSERT_EQ(tree.Size(), 16u + 16u + 60u + 60u + 16u + 12u);
-  EXPECT_EQ(tree.Arena()[16], 'P');
-  EXPECT_EQ(tree.Arena()[32], 'E');
-  EXPECT_EQ(tree.Top(), 32u);
-  EXPECT_EQ(field(32 + 20), 16u);             // own prefix's declaration
-  EXPECT_EQ(field(32 + 8), tree.Size());      // end offset
-  EXPECT_EQ(tree.Arena()[92], 'E');
-  EXPECT_EQ(field(92 + 16), 32u);             // parent
-  EXPECT_EQ(tree.Arena()[152], 'A');
-  EXPECT_EQ(tree.Arena()[168], 'T');
-  EXPECT_EQ(field(92 + 36), 168u);
-  EXPECT_EQ(field(16 + 8), tree.Size());      // declaration's end of scope
-}
-
 TEST(MarkupDocumentTest, ChildAndNamespaceAccessors) {
   Doc d("<r:R xmlns:r='urn:r' xmlns='urn:d'><A>1</A><r:B>2</r:B></r:R>");
   ASSERT_EQ(d.rc, 0);
@@ -244,49 +221,6 @@ TEST(MarkupDocumentTest, ChildAndNamespaceAccessors) {
   ASSERT_EQ(plain.doc.SelectPath("/R"), 0);
   EXPECT_EQ(plain.doc.CheckNamespaceIndex(0), 432);
   EXPECT_STREQ(plain.doc.GetLastError(), "No namespaces available.");
-}
-
-TEST(MarkupDocumentTest, Settings) {
-  MarkupDocument doc;
-  const char* out = nullptr;
-  // A setting, then the query and its answer; a query of a flag leaves the error text.
-  const struct { const char *set, *query, *answer; } cases[] = {
-      {"AllowTextOutsideRoot=false", "AllowTextOutsideRoot", "False"},
-      {nullptr, "allowmorethanoneroot", "True"},
-      {"CacheContent=0", "KeepOriginalText", "0"},
-      {"HTMLComments=1", "HTMLComments", "1"},
-      {"AddSGMLTag=OFX", "AddSGMLTag", " OFX "},
-      {"UseEncoding=latin1", "UseEncoding", "ASCII"},
-      {"UseEncoding=utf-16le", "UseEncoding", "UTF-16LE"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.query);
-    if (c.set != nullptr) {
-      ASSERT_EQ(doc.Config(c.set, out), 0);
-    }
-    doc.SetErrorText("untouched");
-    ASSERT_EQ(doc.Config(c.query, out), 0);
-    EXPECT_STREQ(out, c.answer);
-    if (c.set == nullptr) {
-      EXPECT_STREQ(doc.GetLastError(), "untouched");
-    }
-  }
-  EXPECT_EQ(doc.SetExtraTags("A,B,,C"), 0);
-  EXPECT_STREQ(doc.ExtraTags(), " OFX A B ");
-  EXPECT_EQ(doc.Parse("<A/>"), 306);
-
-  doc.Parser().SetEncoding("UTF-8");
-  doc.Reset();
-  doc.SetBuildDOM(true);
-  ASSERT_EQ(doc.Config("KeepOriginalText=yes", out), 0);
-  ASSERT_EQ(doc.Parse("<OFX><A>1</A></OFX>"), 0);
-  ASSERT_EQ(doc.SelectPath("/OFX/A"), 0);
-  ASSERT_EQ(doc.Config("XSubTree", out), 0);
-  EXPECT_STREQ(out, "<A>1</A>");
-  ASSERT_EQ(doc.Config("XContents", out), 0);
-  EXPECT_STREQ(out, "1");
-  EXPECT_EQ(doc.Config("XSubTree=abc", out), 0);
-  EXPECT_EQ(doc.Config("NoSuchSetting", out), -1);
 }
 
 }  // namespace

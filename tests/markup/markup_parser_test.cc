@@ -38,6 +38,7 @@ const TreeCase kTreeCases[] = {
     {"SGML leaves closed by the next tag and the parent's end", "<A><B>1<C>2</A>", {"A"}, 0, "A(B=1,C=2)"},
     {"entities and character references", "<A>x &lt; y &#65;&#300;&bogus z</A>", {}, 0, "A=x < y A&#300;&bogus z"},
     {"hex reference, apos, quot, gt, amp", "<A>&#x41;&apos;&quot;&gt;&amp;</A>", {}, 0, "A=A'\">&"},
+    {"hex digits in either case", "<A>&#x4A;&#x6a;</A>", {}, 0, "A=Jj"},
     {"CDATA keeps its spaces", "<A><![CDATA[ <x> ]]></A>", {}, 0, "A= <x> "},
     {"other marked sections are dropped", "<A><![IGNORE[x]]>y</A>", {}, 0, "A=y"},
     {"text outside the root is dropped", "a < b<A>a < b</A>", {}, 0, "A=a< b"},

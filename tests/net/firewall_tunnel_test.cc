@@ -73,13 +73,5 @@ TEST(FirewallTunnelTest, FailureReportsErrorConnectAndDisconnects) {
   EXPECT_EQ(p.SocketHandle(), -1);
 }
 
-// A type without a handshake never lets the connection count as connected.
-TEST(FirewallTunnelTest, UnknownTypeEndsByTimeout) {
-  LoopbackServer proxy([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
-  Probe p;
-  EXPECT_EQ(OpenThrough(p, 6, proxy.port(), "", 1), 301);
-  EXPECT_STREQ(p.GetLastError(), "Timeout.");
-}
-
 }  // namespace
 }  // namespace orvelan

@@ -1,40 +1,12 @@
 #include "services/bank_statement_component.h"
 
-#include <algorithm>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
-#include "services/ofx_aggregate_component.h"
-#include "support/property_order.h"
 
 namespace orvelan {
 namespace {
-
-// Ids are part of the host interface: properties in naming-rule order from 1,
-// methods alphabetical from 2, for every component.
-template <class S>
-void ExpectIdsFollowTheNamingRule(const ComponentTables<S>& tables) {
-  const auto& properties = tables.Properties();
-  const std::vector<std::string> expected = testing::ExpectedIdOrder(properties);
-  for (size_t i = 0; i < properties.size(); ++i) {
-    EXPECT_EQ(properties[i].id, static_cast<int>(i) + 1) << properties[i].name;
-    EXPECT_EQ(properties[i].name, expected[i]) << "id " << i + 1;
-  }
-  std::vector<std::string> names;
-  for (const auto& m : tables.Methods()) names.push_back(m.name);
-  std::vector<std::string> sorted = names;
-  std::sort(sorted.begin(), sorted.end(),
-            [](const std::string& a, const std::string& b) { return testing::Lower(a) < testing::Lower(b); });
-  EXPECT_EQ(names, sorted);
-  for (size_t i = 0; i < tables.Methods().size(); ++i) EXPECT_EQ(tables.Methods()[i].id, static_cast<int>(i) + 2);
-}
-
-TEST(ComponentIdsTest, FollowTheNamingRule) {
-  ExpectIdsFollowTheNamingRule(BankStatementTables());
-  ExpectIdsFollowTheNamingRule(OFXAggregateTables());
-}
 
 TEST(BankStatementComponentTest, ResetRestoresInputsAndBankIdPresent) {
   BankStatementComponent component(nullptr, nullptr);
