@@ -517,11 +517,13 @@ void HttpClient::FireConnected(int code, const char* description) {
   const int64_t saved = timeout_ms_;
   timeout_ms_ = kAsyncSendTimeoutMs;
   StartDeadline();
+  const uint32_t text_version = ErrorTextVersion();
   const int rc = SendRequest(method, pending_with_body_);
   timeout_ms_ = saved;
   StartDeadline();
   if (rc != kOk && status_code_ == 0) {
-    FillDefaultErrorText(rc);
+    // The host may have run other calls since the request began.
+    FillDefaultErrorTextSince(text_version, rc);
     FireError(rc, GetLastError());
   }
 }
