@@ -583,6 +583,7 @@ void HttpClient::OnHeadEnd() {
 }
 
 void HttpClient::OnBody(std::string_view data, int64_t received, int percent) {
+  if (response_error_ != 0) return;  // the rest of a piece inflated after a failure
   bytes_received_ = received;
   FireTransfer(1, received, percent, data);
   if (local_file_path_.Length() > 0 && status_code_ >= 200 && status_code_ <= 299) {

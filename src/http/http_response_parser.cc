@@ -70,7 +70,6 @@ void HttpResponseParser::Begin(bool allow_compression, bool no_body) {
   no_body_ = no_body;
   lines_.Clear();
   inflater_.Reset();
-  decoded_.clear();
   error_text_ = "";
   content_length_ = -1;
   content_length_seen_ = false;
@@ -279,21 +278,23 @@ void HttpResponseParser::EndHead() {
 
 int HttpResponseParser::Body(std::string_view data) {
   wire_body_ += static_cast<int64_t>(data.size());
-  if (encoding_ != Inflater::Format::kNone) {
-    decoded_.clear();
-    const int rc = inflater_.Inflate(data, &decoded_);
-    if (rc == Inflater::kBadHeader) return Fail(rc, kTextBadGzipHeader);
-    if (rc != 0) return Fail(rc, kTextDecompressFailed);
-    data = decoded_;
-  }
-  received_ += static_cast<int64_t>(data.size());
   int percent = -1;
   // The length on the wire is of the encoded body, so progress is measured there.
   if (content_length_ > 0 && !chunked_) {
     const int64_t p = wire_body_ * 100 / content_length_;
     percent = static_cast<int>(p > 100 ? 100 : p);
   }
-  sink_->OnBody(data, received_, percent);
+  const auto deliver = [this, percent](std::string_view decoded) {
+    received_ += static_cast<int64_t>(decoded.size());
+    sink_->OnBody(decoded, received_, percent);
+  };
+  if (encoding_ == Inflater::Format::kNone) {
+    deliver(data);
+    return 0;
+  }
+  const int rc = inflater_.Inflate(data, deliver);
+  if (rc == Inflater::kBadHeader) return Fail(rc, kTextBadGzipHeader);
+  if (rc != 0) return Fail(rc, kTextDecompressFailed);
   return 0;
 }
 

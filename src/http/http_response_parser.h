@@ -76,7 +76,6 @@ class HttpResponseParser {
   HttpResponseSink* sink_;  // not owned
   LineBuffer lines_{4000};
   Inflater inflater_;
-  std::string decoded_;
   const char* error_text_ = "";
   int64_t content_length_ = -1;
   int64_t wire_body_ = 0;     // body bytes as sent, before decoding

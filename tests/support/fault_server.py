@@ -24,6 +24,35 @@ def gzip_with_comment(text):
     return header + deflate.compress(text) + deflate.flush() + struct.pack("<II", zlib.crc32(text), len(text))
 
 
+FLOOD = 1 << 31  # 2 GiB
+
+
+def gzip_bomb():
+    """FLOOD zeros as gzip, about 2 MB. Each 1 MiB of zeros ends in a full
+    flush, which makes its compressed form the same every time, so one is
+    compressed and repeated."""
+    block = zlib.compressobj(9, zlib.DEFLATED, -15)
+    piece = block.compress(bytes(1 << 20)) + block.flush(zlib.Z_FULL_FLUSH)
+    header = b"\x1f\x8b\x08\x00" + struct.pack("<I", 0) + b"\x00\x03"
+    crc = 0x4DBDF21C  # crc32 of FLOOD zeros
+    return header + piece * (FLOOD >> 20) + block.flush() + struct.pack("<II", crc, FLOOD & 0xFFFFFFFF)
+
+
+def flood(conn):
+    conn.sendall(OK + b"Content-Length: %d\r\n\r\n" % FLOOD)
+    zeros = bytes(1 << 20)
+    try:
+        for _ in range(FLOOD >> 20):
+            conn.sendall(zeros)
+    except OSError:
+        pass  # the client gave up, which its test reports
+
+
+def bomb(conn):
+    body = gzip_bomb()
+    conn.sendall(OK + b"Content-Encoding: gzip\r\nContent-Length: %d\r\n\r\n" % len(body) + body)
+
+
 def stall(conn):
     conn.sendall(OK + b"Content-Length: 10\r\n\r\nabc")
     conn.settimeout(10)
@@ -40,6 +69,8 @@ FAULTS = {
     "/split-crlf": [OK + b"Transfer-Encoding: chunked\r\n\r\n5\r", b"\nhello\r", b"\n6\r\n world\r\n0\r", b"\n\r\n"],
     "/close-delimited": [b"HTTP/1.0 200 OK\r\n\r\nbody until", b" the close"],
     "/stall": stall,
+    "/flood": flood,
+    "/gzip-bomb": bomb,
     "/close-mid-body": [OK + b"Content-Length: 100\r\n\r\npartial"],
     "/bad-gzip": [OK + b"Content-Encoding: gzip\r\n\r\n\x1f\x8b\x07\x00\x00\x00\x00\x00\x00\x03xx"],
     "/gzip-comment": [OK + b"Content-Encoding: gzip\r\n\r\n" + gzip_with_comment(b"commented body")],
