@@ -39,6 +39,12 @@ int ComponentCore::FillDefaultErrorText(int code) {
   return code;
 }
 
+int ComponentCore::FillDefaultErrorTextSince(uint32_t version, int code) {
+  if (code != kOk && version == error_text_version_) SetErrorText("");
+  if (HasNoErrorText()) FillDefaultErrorText(code);
+  return code;
+}
+
 int ComponentCore::Config(const char* text, const char*& out) {
   out = "";
   ConfigArgument argument;
@@ -47,11 +53,15 @@ int ComponentCore::Config(const char* text, const char*& out) {
 }
 
 void ComponentCore::ClearError() {
+  ++error_text_version_;
   last_error_text_.Clear();
   last_error_code_ = 0;
 }
 
-void ComponentCore::SetErrorText(const char* text) { last_error_text_.Assign(text); }
+void ComponentCore::SetErrorText(const char* text) {
+  ++error_text_version_;
+  last_error_text_.Assign(text);
+}
 
 void ComponentCore::SetErrorText(const char* a, const char* b, const char* c, const char* d) {
   ClearError();
@@ -66,9 +76,13 @@ void ComponentCore::SetErrorText(const char* prefix, int64_t number, const char*
   AppendErrorText(prefix, number, suffix);
 }
 
-void ComponentCore::AppendErrorText(const char* text) { last_error_text_.Append(text); }
+void ComponentCore::AppendErrorText(const char* text) {
+  ++error_text_version_;
+  last_error_text_.Append(text);
+}
 
 void ComponentCore::AppendErrorText(const char* prefix, int64_t number, const char* suffix) {
+  ++error_text_version_;
   last_error_text_.Append(prefix);
   last_error_text_.AppendInt64(number);
   last_error_text_.Append(suffix);
@@ -80,12 +94,14 @@ int ComponentCore::ReportError(int code, const char* text) {
 }
 
 int ComponentCore::ReturnConfigValue(const char*& out, const char* text) {
+  ++error_text_version_;
   const int rc = last_error_text_.Assign(text);
   out = last_error_text_.Data();
   return rc;
 }
 
 int ComponentCore::ReturnConfigValue(const char*& out, int64_t number) {
+  ++error_text_version_;
   last_error_text_.Clear();
   const int rc = last_error_text_.AppendInt(static_cast<int32_t>(number));
   out = last_error_text_.Data();

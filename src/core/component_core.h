@@ -57,6 +57,13 @@ class ComponentCore {
   // Sets the text and returns `code` unchanged (the code is not stored).
   int ReportError(int code, const char* text);
   int SetLastErrorCode(int code) { return last_error_code_ = code; }
+  // Counts changes of the last-error text. An operation takes it when it
+  // starts, so that on failure it can tell a text of its own from one left
+  // by an earlier operation (which stays until some operation replaces it).
+  uint32_t ErrorTextVersion() const { return error_text_version_; }
+  // For a failure that set no text since `version`: drops the text left from
+  // before, then fills the default text when none is left. Returns `code`.
+  int FillDefaultErrorTextSince(uint32_t version, int code);
   int GetLastErrorCode() const { return last_error_code_; }
   // Never null.
   const char* GetLastError() const { return last_error_text_.Data(); }
@@ -90,6 +97,7 @@ class ComponentCore {
   int32_t last_error_code_ = 0;
   int32_t code_page_ = 0;
   ByteString last_error_text_;  // also the buffer of Config answers
+  uint32_t error_text_version_ = 0;
   int8_t charset_mode_ = 0;     // stored and reported only
   ComponentEvents* event_sink_ = nullptr;
 };

@@ -93,6 +93,7 @@ class ComponentObject : public ComponentEvents {
   const ComponentTables<S>& tables() const { return tables_; }
 
   void* Get(int id, int index, int* length) {
+    Begin();
     service_.SetLastErrorCode(kOk);
     // 10000 and 20000 themselves read the banner, so the bounds are inclusive.
     if (id >= 20000) {
@@ -150,11 +151,12 @@ class ComponentObject : public ComponentEvents {
         in.integer = static_cast<int64_t>(reinterpret_cast<intptr_t>(value));
         break;
     }
-    service_.SetErrorText("");
+    Begin();
     return Finish(p->set(service_, in));
   }
 
   int CheckIndex(int id, int index) {
+    Begin();
     const PropertyDef<S>* p = tables_.Property(id);
     if (p == nullptr || p->check_index == nullptr) return kOk;
     return p->check_index(service_, index) == kOk ? kOk : kErrCheckIndex;
@@ -167,7 +169,7 @@ class ComponentObject : public ComponentEvents {
       return kOk;
     }
     if (id == kDoProcessEvents) return service_.ProcessEvents(0);
-    service_.SetErrorText("");
+    Begin();
     const MethodDef<S>* m = tables_.Method(id);
     if (m == nullptr) return Finish(kOk);
     MethodCall<S> call{count < 0 ? 0 : count, params, lengths};
@@ -177,10 +179,12 @@ class ComponentObject : public ComponentEvents {
   const char* GetLastError() const { return service_.GetLastError(); }
   int GetLastErrorCode() const { return service_.GetLastErrorCode(); }
 
-  // Stores a result as the last error, with a default text when no layer set
-  // one. Also the landing place of a caught allocation failure.
+  // Stores a result as the last error. A failure whose layers set no text
+  // gets the default text, never the one an earlier operation left (a
+  // success leaves that in place). Also the landing place of a caught
+  // allocation failure.
   int Finish(int rc) {
-    if (service_.HasNoErrorText()) service_.FillDefaultErrorText(rc);
+    service_.FillDefaultErrorTextSince(text_version_at_start_, rc);
     service_.SetLastErrorCode(rc);
     return rc;
   }
@@ -238,6 +242,8 @@ class ComponentObject : public ComponentEvents {
   static void* EmptyResult(PropertyType type) {
     return type == PropertyType::kText ? const_cast<char*>("") : nullptr;
   }
+  // The last-error text is not emptied here: it stays until replaced.
+  void Begin() { text_version_at_start_ = service_.ErrorTextVersion(); }
   int Deliver(int id, int count, void** params, int* lengths) {
     if (callback_ == nullptr) return 0;
     return callback_(user_data_, id, count, params, lengths);
@@ -247,6 +253,7 @@ class ComponentObject : public ComponentEvents {
   const ComponentTables<S>& tables_;
   EventCallback callback_;
   void* user_data_;
+  uint32_t text_version_at_start_ = 0;
 };
 
 }  // namespace orvelan

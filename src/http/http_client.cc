@@ -243,43 +243,48 @@ int HttpClient::DoAction(int action) {
     return kOk;
   }
   if (busy_action_ != 0) return ReportError(kErrBusy, kTextBusy);
-  StartDeadline();
-  interrupt_requested_ = false;
-  interrupted_ = false;
-  ClearError();
-  status_line_.clear();
-  status_version_.clear();
-  status_description_.clear();
-  status_code_ = 0;
-  response_complete_ = false;
-  busy_action_ = static_cast<uint8_t>(action);
   int rc = kOk;
-  switch (action) {
-    case kReset:
-      transferred_data_.Clear();
-      get_on_302_redirect_ = false;
-      Reset();
-      break;
-    case kPost:
-      rc = Request("POST", true);
-      break;
-    case kGet:
-      rc = Request("GET", false);
-      break;
-    case kHead:
-      rc = Request("HEAD", false);
-      break;
-    case kPut:
-      rc = Request("PUT", true);
-      break;
-    case kDelete:
-      rc = Request("DELETE", false);
-      break;
-    default:
-      break;
-  }
-  if (interrupted_) rc = kErrTimeout;
-  busy_action_ = 0;
+  // A proxy's NTLM challenge runs the same action once more, afresh: a retry
+  // that succeeds leaves no trace of the 407 behind.
+  do {
+    StartDeadline();
+    interrupt_requested_ = false;
+    interrupted_ = false;
+    retry_request_ = false;
+    ClearError();
+    status_line_.clear();
+    status_version_.clear();
+    status_description_.clear();
+    status_code_ = 0;
+    response_complete_ = false;
+    busy_action_ = static_cast<uint8_t>(action);
+    switch (action) {
+      case kReset:
+        transferred_data_.Clear();
+        get_on_302_redirect_ = false;
+        Reset();
+        break;
+      case kPost:
+        rc = Request("POST", true);
+        break;
+      case kGet:
+        rc = Request("GET", false);
+        break;
+      case kHead:
+        rc = Request("HEAD", false);
+        break;
+      case kPut:
+        rc = Request("PUT", true);
+        break;
+      case kDelete:
+        rc = Request("DELETE", false);
+        break;
+      default:
+        break;
+    }
+    if (interrupted_) rc = kErrTimeout;
+    busy_action_ = 0;
+  } while (rc == kOk && retry_request_);
   return rc;
 }
 
@@ -417,16 +422,7 @@ int HttpClient::Request(const char* method, bool with_body) {
     }
   }
   if (int rc = SendRequest(method, with_body); rc != kOk && status_code_ == 0) return rc;
-  const int rc = EvaluateResponse(WaitForResponse());
-  if (!retry_request_) return rc;
-  // One more round on the same connection: the proxy asked for credentials.
-  retry_request_ = false;
-  status_code_ = 0;
-  status_line_.clear();
-  status_version_.clear();
-  status_description_.clear();
-  response_complete_ = false;
-  return Request(method, with_body);
+  return EvaluateResponse(WaitForResponse());
 }
 
 int HttpClient::SendRequest(const char* method, bool with_body) {
@@ -517,11 +513,13 @@ void HttpClient::FireConnected(int code, const char* description) {
   const int64_t saved = timeout_ms_;
   timeout_ms_ = kAsyncSendTimeoutMs;
   StartDeadline();
+  const uint32_t text_version = ErrorTextVersion();
   const int rc = SendRequest(method, pending_with_body_);
   timeout_ms_ = saved;
   StartDeadline();
   if (rc != kOk && status_code_ == 0) {
-    FillDefaultErrorText(rc);
+    // The host may have run other calls since the request began.
+    FillDefaultErrorTextSince(text_version, rc);
     FireError(rc, GetLastError());
   }
 }
@@ -585,6 +583,7 @@ void HttpClient::OnHeadEnd() {
 }
 
 void HttpClient::OnBody(std::string_view data, int64_t received, int percent) {
+  if (response_error_ != 0) return;  // the rest of a piece inflated after a failure
   bytes_received_ = received;
   FireTransfer(1, received, percent, data);
   if (local_file_path_.Length() > 0 && status_code_ >= 200 && status_code_ <= 299) {

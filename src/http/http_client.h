@@ -29,7 +29,6 @@
 namespace orvelan {
 
 inline constexpr int kErrBusy = 143;
-inline constexpr int kErrHttp = 151;
 inline constexpr int kErrNoServer = 152;
 inline constexpr int kErrBadScheme = 153;
 inline constexpr int kErrLocalFile = 302;

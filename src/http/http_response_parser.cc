@@ -10,6 +10,9 @@ namespace {
 constexpr char kTextBadGzipHeader[] = "The GZIP header is invalid.";
 constexpr char kTextDecompressFailed[] = "Could not decompress content.";
 constexpr char kTextDecompressorInit[] = "Could not initialize decompressor.";
+constexpr char kTextBadContentLength[] = "HTTP protocol error. Invalid Content-Length.";
+constexpr char kTextConflictingContentLength[] = "HTTP protocol error. Conflicting Content-Length headers.";
+constexpr int64_t kTooLong = -2;
 
 std::string_view StripCr(std::string_view line) {
   if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
@@ -23,13 +26,16 @@ bool ContainsNoCase(std::string_view text, std::string_view word) {
   return false;
 }
 
+// The leading decimal number of `text`; -1 without digits, kTooLong when it
+// does not fit 63 bits.
 int64_t ParseLength(std::string_view text) {
   while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) text.remove_prefix(1);
   int64_t value = 0;
   size_t i = 0;
   for (; i < text.size() && IsDigit(static_cast<unsigned char>(text[i])); ++i) {
-    if (value > (INT64_MAX - 9) / 10) return -1;
-    value = value * 10 + (text[i] - '0');
+    const int digit = text[i] - '0';
+    if (value > (INT64_MAX - digit) / 10) return kTooLong;
+    value = value * 10 + digit;
   }
   return i == 0 ? -1 : value;
 }
@@ -64,9 +70,9 @@ void HttpResponseParser::Begin(bool allow_compression, bool no_body) {
   no_body_ = no_body;
   lines_.Clear();
   inflater_.Reset();
-  decoded_.clear();
   error_text_ = "";
   content_length_ = -1;
+  content_length_seen_ = false;
   wire_body_ = 0;
   received_ = 0;
   chunk_left_ = 0;
@@ -229,7 +235,19 @@ void HttpResponseParser::ParseHeader(std::string_view line) {
     }
   }
   if (EqualsNoCase(name, "Content-Length")) {
-    content_length_ = ParseLength(value);
+    // Guessing which length is meant would misframe the body (and the next
+    // response on a kept connection), so neither case is survivable.
+    const int64_t length = ParseLength(value);
+    if (length == kTooLong) {
+      Fail(kErrHttp, kTextBadContentLength);
+      return;
+    }
+    if (content_length_seen_ && length != content_length_) {
+      Fail(kErrHttp, kTextConflictingContentLength);
+      return;
+    }
+    content_length_seen_ = true;
+    content_length_ = length;
   } else if (EqualsNoCase(name, "Transfer-Encoding")) {
     if (ContainsNoCase(value, "chunked")) chunked_ = true;
   } else if (allow_compression_ && EqualsNoCase(name, "Content-Encoding")) {
@@ -260,21 +278,23 @@ void HttpResponseParser::EndHead() {
 
 int HttpResponseParser::Body(std::string_view data) {
   wire_body_ += static_cast<int64_t>(data.size());
-  if (encoding_ != Inflater::Format::kNone) {
-    decoded_.clear();
-    const int rc = inflater_.Inflate(data, &decoded_);
-    if (rc == Inflater::kBadHeader) return Fail(rc, kTextBadGzipHeader);
-    if (rc != 0) return Fail(rc, kTextDecompressFailed);
-    data = decoded_;
-  }
-  received_ += static_cast<int64_t>(data.size());
   int percent = -1;
   // The length on the wire is of the encoded body, so progress is measured there.
   if (content_length_ > 0 && !chunked_) {
     const int64_t p = wire_body_ * 100 / content_length_;
     percent = static_cast<int>(p > 100 ? 100 : p);
   }
-  sink_->OnBody(data, received_, percent);
+  const auto deliver = [this, percent](std::string_view decoded) {
+    received_ += static_cast<int64_t>(decoded.size());
+    sink_->OnBody(decoded, received_, percent);
+  };
+  if (encoding_ == Inflater::Format::kNone) {
+    deliver(data);
+    return 0;
+  }
+  const int rc = inflater_.Inflate(data, deliver);
+  if (rc == Inflater::kBadHeader) return Fail(rc, kTextBadGzipHeader);
+  if (rc != 0) return Fail(rc, kTextDecompressFailed);
   return 0;
 }
 

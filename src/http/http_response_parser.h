@@ -8,6 +8,9 @@
 
 namespace orvelan {
 
+// An HTTP failure: a non-2xx status, a body that cannot be decoded or framed.
+inline constexpr int kErrHttp = 151;
+
 // Where the parser reports what it found. Views are valid during the call only.
 class HttpResponseSink {
  public:
@@ -33,8 +36,9 @@ class HttpResponseSink {
 //   while (bytes arrive) if (int rc = parser.Feed(bytes)) return rc;
 //   parser.Finish();  // the peer closed: ends a close-delimited body
 //
-// A failure is sticky: Feed keeps returning the code (102 bad gzip header,
-// 151 decompression failure) and ErrorText() names it. Not thread-safe.
+// A failure is sticky: Feed keeps returning the code (102 bad gzip header;
+// 151 decompression failure, or a Content-Length that overflows or disagrees
+// with an earlier one) and ErrorText() names it. Not thread-safe.
 class HttpResponseParser {
  public:
   enum class State : uint8_t {
@@ -72,7 +76,6 @@ class HttpResponseParser {
   HttpResponseSink* sink_;  // not owned
   LineBuffer lines_{4000};
   Inflater inflater_;
-  std::string decoded_;
   const char* error_text_ = "";
   int64_t content_length_ = -1;
   int64_t wire_body_ = 0;     // body bytes as sent, before decoding
@@ -85,6 +88,7 @@ class HttpResponseParser {
   bool allow_compression_ = false;
   bool chunked_ = false;
   bool no_body_ = false;
+  bool content_length_seen_ = false;
 };
 
 }  // namespace orvelan

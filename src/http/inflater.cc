@@ -1,11 +1,6 @@
 #include "http/inflater.h"
 
 namespace orvelan {
-namespace {
-
-constexpr size_t kOutputStep = 65536;
-
-}  // namespace
 
 Inflater::~Inflater() { Reset(); }
 
@@ -56,10 +51,10 @@ int64_t Inflater::GzipHeaderLength(std::string_view bytes) {
   return static_cast<int64_t>(at);
 }
 
-int Inflater::Inflate(std::string_view input, std::string* out) {
+int Inflater::Inflate(std::string_view input, const std::function<void(std::string_view)>& emit) {
   if (failed_) return kFailed;
   if (format_ == Format::kNone) {
-    out->append(input.data(), input.size());
+    if (!input.empty()) emit(input);
     return kOk;
   }
   if (!header_done_) {
@@ -72,15 +67,15 @@ int Inflater::Inflate(std::string_view input, std::string* out) {
     input.remove_prefix(static_cast<size_t>(header));
     header_done_ = true;
   }
+  if (step_ == nullptr) step_.reset(new char[kOutputStep]);
   stream_.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(input.data()));
   stream_.avail_in = static_cast<uInt>(input.size());
   do {
-    const size_t old_size = out->size();
-    out->resize(old_size + kOutputStep);
-    stream_.next_out = reinterpret_cast<Bytef*>(&(*out)[old_size]);
+    stream_.next_out = reinterpret_cast<Bytef*>(step_.get());
     stream_.avail_out = static_cast<uInt>(kOutputStep);
     const int rc = inflate(&stream_, Z_SYNC_FLUSH);
-    out->resize(old_size + (kOutputStep - stream_.avail_out));
+    const size_t produced = kOutputStep - stream_.avail_out;
+    if (produced > 0) emit(std::string_view(step_.get(), produced));
     if (rc == Z_STREAM_END) return kOk;  // a gzip trailer after the end is ignored
     if (rc == Z_BUF_ERROR && stream_.avail_in == 0) return kOk;
     if (rc != Z_OK) {

@@ -2,7 +2,8 @@
 #include <zlib.h>
 
 #include <cstdint>
-#include <string>
+#include <functional>
+#include <memory>
 #include <string_view>
 
 namespace orvelan {
@@ -28,9 +29,14 @@ class Inflater {
   void Reset();
   Format format() const { return format_; }
 
-  // Appends the inflated form of `input` to *out. A decoder that failed stays
-  // failed. The gzip header must be whole in the first piece that reaches it.
-  int Inflate(std::string_view input, std::string* out);
+  // Most bytes handed to `emit` at once.
+  static constexpr size_t kOutputStep = 65536;
+  // Hands the inflated form of `input` to `emit` in steps of at most
+  // kOutputStep bytes, each valid during the call only: a small body that
+  // inflates to gigabytes is never held whole. Empty steps are not handed on.
+  // A decoder that failed stays failed. The gzip header must be whole in the
+  // first piece that reaches it.
+  int Inflate(std::string_view input, const std::function<void(std::string_view)>& emit);
 
   // Length of the gzip header at the front of `bytes`, or -1 when it is
   // invalid or cut short.
@@ -38,6 +44,7 @@ class Inflater {
 
  private:
   z_stream stream_{};
+  std::unique_ptr<char[]> step_;  // kOutputStep bytes, made on first use
   Format format_ = Format::kNone;
   bool initialised_ = false;
   bool header_done_ = false;

@@ -100,6 +100,10 @@ TEST_F(OFXAggregateAbiTest, PathExistsAndConfig) {
   }
   Do(OFXAGGREGATE_METHOD_CONFIG, "Bogus=1", -1);
   EXPECT_EQ(LastError(), "Unknown config setting.");
+  // This answer does not travel in the last-error text, which stays.
+  EXPECT_STREQ(static_cast<const char*>(Do(OFXAGGREGATE_METHOD_CONFIG, "AllowTextOutsideRoot")), "True");
+  EXPECT_EQ(LastCode(), 0);
+  EXPECT_EQ(LastError(), "Unknown config setting.");
 }
 
 TEST_F(OFXAggregateAbiTest, ErrorsCarryTheParserMessage) {

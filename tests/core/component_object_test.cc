@@ -126,9 +126,15 @@ TEST_F(ComponentObjectTest, MethodsReportTheirResultsAndFillSlots) {
   EXPECT_EQ(obj_.Do(3, 1, code, nullptr), 200);
   EXPECT_EQ(obj_.GetLastErrorCode(), 200);
   EXPECT_STREQ(obj_.GetLastError(), "Out of memory.");
+  // A success leaves the text for the next operation that sets one; a failure
+  // that sets none gets the default text, never the one left over.
   code[0] = nullptr;
   EXPECT_EQ(obj_.Do(3, 1, code, nullptr), 0);
-  EXPECT_STREQ(obj_.GetLastError(), "");
+  EXPECT_EQ(obj_.GetLastErrorCode(), 0);
+  EXPECT_STREQ(obj_.GetLastError(), "Out of memory.");
+  code[0] = reinterpret_cast<void*>(intptr_t{99});
+  EXPECT_EQ(obj_.Do(3, 1, code, nullptr), 99);
+  EXPECT_STREQ(obj_.GetLastError(), "");  // the core's own default covers 200 only
 
   void* params[3] = {const_cast<char*>("in"), nullptr, nullptr};
   int lengths[3] = {0, 0, 0};
@@ -157,6 +163,7 @@ TEST_F(ComponentObjectTest, PropertyValuesAndFailures) {
   EXPECT_STREQ(obj_.GetLastError(), "Level is invalid.");
   EXPECT_EQ(Integer(2), 7);
   EXPECT_EQ(obj_.Set(1, 0, "abc", -4), 0);  // bytes with a negative length count as none
+  EXPECT_STREQ(obj_.GetLastError(), "Level is invalid.");
   int length = -1;
   obj_.Get(1, 0, &length);
   EXPECT_EQ(length, 0);

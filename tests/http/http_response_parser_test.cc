@@ -37,6 +37,7 @@ struct Outcome {
   Recorder seen;
   int rc = 0;
   bool complete = false;
+  std::string error;
 };
 
 Outcome Parse(const std::vector<std::string>& pieces, bool close_at_end = false, bool compression = true) {
@@ -49,6 +50,7 @@ Outcome Parse(const std::vector<std::string>& pieces, bool close_at_end = false,
   }
   if (close_at_end) parser.Finish();
   o.complete = parser.IsComplete();
+  o.error = parser.ErrorText();
   return o;
 }
 
@@ -70,6 +72,7 @@ struct ParseCase {
   const char* status;
   const char* headers;
   const char* body;
+  const char* error = nullptr;  // checked when given
 };
 
 const ParseCase kCases[] = {
@@ -112,6 +115,16 @@ const ParseCase kCases[] = {
     {"gzip with broken stream",
      "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\n\r\n" + std::string("\x1f\x8b\x08\0\0\0\0\0\0\x03\xff\xff\xff", 13),
      false, 151, false, "HTTP/1.1|200|OK", "Content-Encoding=gzip|$", ""},
+    {"Content-Length overflowing 64 bits", "HTTP/1.1 200 OK\r\nContent-Length: 18446744073709551617\r\n\r\nabc", false,
+     151, false, "HTTP/1.1|200|OK", "", "", "HTTP protocol error. Invalid Content-Length."},
+    {"Content-Length one past the largest", "HTTP/1.1 200 OK\r\nContent-Length: 9223372036854775808\r\n\r\nabc", false,
+     151, false, "HTTP/1.1|200|OK", "", "", "HTTP protocol error. Invalid Content-Length."},
+    {"Content-Length the largest", "HTTP/1.1 200 OK\r\nContent-Length: 9223372036854775807\r\n\r\nabc", false, 0,
+     false, "HTTP/1.1|200|OK", "Content-Length=9223372036854775807|$", "abc"},
+    {"two Content-Length disagreeing", "HTTP/1.1 200 OK\r\nContent-Length: 5\r\nContent-Length: 3\r\n\r\nhello", false,
+     151, false, "HTTP/1.1|200|OK", "Content-Length=5|", "", "HTTP protocol error. Conflicting Content-Length headers."},
+    {"two Content-Length agreeing", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\ncontent-length: 3\r\n\r\nabcd", false, 0,
+     true, "HTTP/1.1|200|OK", "Content-Length=3|content-length=3|$", "abc"},
     {"unknown encoding passes through", "HTTP/1.1 200 OK\r\nContent-Encoding: br\r\nContent-Length: 3\r\n\r\nabc",
      false, 0, true, "HTTP/1.1|200|OK", "Content-Encoding=br|Content-Length=3|$", "abc"},
 };
@@ -138,6 +151,9 @@ TEST(HttpResponseParserTest, ParsesOrRejectsHoweverTheBytesArrive) {
       EXPECT_EQ(o.complete, c.complete);
       EXPECT_EQ(o.seen.headers, c.headers);
       EXPECT_EQ(o.seen.body, c.body);
+      if (c.error != nullptr) {
+        EXPECT_EQ(o.error, c.error);
+      }
     }
   }
 }

@@ -258,6 +258,7 @@ TEST(ProxyTunnelTest, NtlmProxyGetsOneRetry) {
     EXPECT_EQ(client.Post(Url(origin.port(), c.host), body), c.rc) << client.GetLastError() << proxy->Log();
     if (c.rc == 0) {
       EXPECT_TRUE(client.Body() == body);
+      EXPECT_STREQ(client.GetLastError(), "");  // the answered 407 leaves nothing behind
     } else {
       EXPECT_STREQ(client.GetLastError(), "HTTP protocol error. 407 Proxy Authentication Required.");
     }
