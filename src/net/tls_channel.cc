@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "core/error_text_table.h"
+#include "core/setting_table.h"
 #include "net/pem_block.h"
 
 namespace orvelan {
@@ -257,38 +258,47 @@ int TlsChannel::InitDefaults() {
 }
 
 int TlsChannel::HandleConfig(ConfigArgument& argument, const char*& out) {
-  struct TextSetting {
-    const char* name;
-    ByteString* value;
-    const char* warning;
-  };
-  const TextSetting settings[] = {
-      {"OpenSSLCAFile", &ca_file_, "SSL could not load verification file."},
-      {"OpenSSLCADir", &ca_dir_, "SSL could not load verification directory."},
-      {"OpenSSLCipherList", &cipher_list_, "SSL could not load cipher list."},
-  };
-  for (const TextSetting& s : settings) {
-    if (!argument.NameIs(s.name)) continue;
-    if (argument.IsQuery()) return ReturnConfigValue(out, s.value->Data());
-    if (int rc = s.value->Assign(argument.Value()); rc != kOk) return rc;
-    if (ctx_ == nullptr || s.value->Length() == 0) return kOk;
-    ERR_clear_error();
-    int ok;
-    if (s.value == &ca_file_) {
-      ok = SSL_CTX_load_verify_locations(ctx_.get(), ca_file_.Data(), nullptr);
-    } else if (s.value == &ca_dir_) {
-      ok = SSL_CTX_load_verify_locations(ctx_.get(), nullptr, ca_dir_.Data());
-    } else {
-      ok = SSL_CTX_set_cipher_list(ctx_.get(), cipher_list_.Data());
+  struct Verify {
+    // Stores the value, then hands it to a live context at once; a value the
+    // context refuses stays stored and is reported as a warning.
+    static int Set(TlsChannel& c, ByteString& value, const ConfigArgument& argument, const char* warning) {
+      if (int rc = value.Assign(argument.Value()); rc != kOk) return rc;
+      if (c.ctx_ == nullptr || value.Length() == 0) return kOk;
+      ERR_clear_error();
+      int ok;
+      if (&value == &c.ca_file_) {
+        ok = SSL_CTX_load_verify_locations(c.ctx_.get(), c.ca_file_.Data(), nullptr);
+      } else if (&value == &c.ca_dir_) {
+        ok = SSL_CTX_load_verify_locations(c.ctx_.get(), nullptr, c.ca_dir_.Data());
+      } else {
+        ok = SSL_CTX_set_cipher_list(c.ctx_.get(), c.cipher_list_.Data());
+      }
+      return ok == 1 ? kOk : c.ReportTlsProblem(false, warning, kErrTlsSetup);
     }
-    return ok == 1 ? kOk : ReportTlsProblem(false, s.warning, kErrTlsSetup);
-  }
-  if (argument.NameIs("OpenSSLPrngSeedData")) {
-    if (argument.IsQuery()) return ReturnConfigValue(out, prng_seed_.Data());
-    if (int rc = prng_seed_.Assign(argument.Value()); rc != kOk) return rc;
-    if (TakeSeedingChance() && prng_seed_.Length() > 0) RAND_seed(prng_seed_.Data(), prng_seed_.Length());
-    return kOk;
-  }
+  };
+  using R = Setting<TlsChannel>;
+  using A = const ConfigArgument&;
+  static constexpr R kSettings[] = {
+      {"OpenSSLCAFile", R::QueryText<&TlsChannel::ca_file_>,
+       [](TlsChannel& c, A argument) {
+         return Verify::Set(c, c.ca_file_, argument, "SSL could not load verification file.");
+       }},
+      {"OpenSSLCADir", R::QueryText<&TlsChannel::ca_dir_>,
+       [](TlsChannel& c, A argument) {
+         return Verify::Set(c, c.ca_dir_, argument, "SSL could not load verification directory.");
+       }},
+      {"OpenSSLCipherList", R::QueryText<&TlsChannel::cipher_list_>,
+       [](TlsChannel& c, A argument) {
+         return Verify::Set(c, c.cipher_list_, argument, "SSL could not load cipher list.");
+       }},
+      {"OpenSSLPrngSeedData", R::QueryText<&TlsChannel::prng_seed_>,
+       [](TlsChannel& c, A argument) {
+         if (int rc = c.prng_seed_.Assign(argument.Value()); rc != kOk) return rc;
+         if (TakeSeedingChance() && c.prng_seed_.Length() > 0) RAND_seed(c.prng_seed_.Data(), c.prng_seed_.Length());
+         return kOk;
+       }},
+  };
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return TcpClient::HandleConfig(argument, out);
 }
 
