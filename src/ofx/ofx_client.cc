@@ -10,6 +10,7 @@
 
 #include "base/text_util.h"
 #include "base/unique_fd.h"
+#include "core/setting_table.h"
 #include "markup/markup_errors.h"
 #include "ofx/ofx_log_file.h"
 #include "ofx/ofx_status_table.h"
@@ -674,44 +675,38 @@ int OFXClient::ParseUserDate(ByteString& out, std::string_view text) {
 // ---- Settings ----
 
 int OFXClient::HandleConfig(ConfigArgument& argument, const char*& out) {
-  const bool query = argument.IsQuery();
-  auto text_setting = [&](ByteString& field) {
-    return query ? ReturnConfigValue(out, field.Data()) : field.Assign(argument.Value(), argument.ValueLength());
+  using R = Setting<OFXClient>;
+  using A = const ConfigArgument&;
+  static constexpr R kSettings[] = {
+      R::Text<&OFXClient::version_>("OFXVersion"),
+      R::Text<&OFXClient::ofx_log_>("OFXLog"),
+      R::OneZero<&OFXClient::debug_trace_>("DebugTrace"),
+      R::OneZero<&OFXClient::include_images_>("IncludeImages"),
+      {"OFXDateFormat",
+       [](OFXClient& c, const char*& out) { return c.ReturnConfigValue(out, c.formats_.OFXDateFormat().Data()); },
+       [](OFXClient& c, A argument) { return c.formats_.SetOFXDateFormat(argument.Value()); }},
+      {"DateFormat",
+       [](OFXClient& c, const char*& out) { return c.ReturnConfigValue(out, c.formats_.DateFormat().Data()); },
+       [](OFXClient& c, A argument) { return c.formats_.SetDateFormat(argument.Value()); }},
+      R::Text<&OFXClient::currency_format_>("CurrencyFormat"),
+      {"OFXData",
+       [](OFXClient& c, const char*& out) {
+         const ByteString raw(c.RawResponse());
+         return c.ReturnConfigValue(out, raw.Data());
+       },
+       [](OFXClient& c, A argument) {
+         return c.SetData(std::string_view(argument.Value(), static_cast<size_t>(argument.ValueLength())));
+       }},
+      {"ExtraTags", [](OFXClient& c, const char*& out) { return c.ReturnConfigValue(out, c.document_.ExtraTags()); },
+       [](OFXClient& c, A argument) { return c.document_.SetExtraTags(argument.Value()); }},
+      R::Text<&OFXClient::new_password_>("NewPassword"),
+      R::Text<&OFXClient::client_uid_>("ClientUId"),
+      R::Text<&OFXClient::user_cred1_>("UserCred1A"),
+      R::Text<&OFXClient::user_cred2_>("UserCred2A"),
+      R::Text<&OFXClient::auth_token_>("AuthToken"),
+      {"ServerMessage", R::QueryText<&OFXClient::server_message_>},
   };
-  auto flag_setting = [&](bool& field) {
-    if (query) return ReturnConfigValue(out, field ? 1 : 0);
-    field = argument.ValueAsBool();
-    return kOk;
-  };
-  if (argument.NameIs("OFXVersion")) return text_setting(version_);
-  if (argument.NameIs("OFXLog")) return text_setting(ofx_log_);
-  if (argument.NameIs("DebugTrace")) return flag_setting(debug_trace_);
-  if (argument.NameIs("IncludeImages")) return flag_setting(include_images_);
-  if (argument.NameIs("OFXDateFormat")) {
-    return query ? ReturnConfigValue(out, formats_.OFXDateFormat().Data())
-                 : formats_.SetOFXDateFormat(argument.Value());
-  }
-  if (argument.NameIs("DateFormat")) {
-    return query ? ReturnConfigValue(out, formats_.DateFormat().Data()) : formats_.SetDateFormat(argument.Value());
-  }
-  if (argument.NameIs("CurrencyFormat")) return text_setting(currency_format_);
-  if (argument.NameIs("OFXData")) {
-    if (query) {
-      const ByteString raw(RawResponse());
-      return ReturnConfigValue(out, raw.Data());
-    }
-    return SetData(std::string_view(argument.Value(), static_cast<size_t>(argument.ValueLength())));
-  }
-  if (argument.NameIs("ExtraTags")) {
-    if (query) return ReturnConfigValue(out, document_.ExtraTags());
-    return document_.SetExtraTags(argument.Value());
-  }
-  if (argument.NameIs("NewPassword")) return text_setting(new_password_);
-  if (argument.NameIs("ClientUId")) return text_setting(client_uid_);
-  if (argument.NameIs("UserCred1A")) return text_setting(user_cred1_);
-  if (argument.NameIs("UserCred2A")) return text_setting(user_cred2_);
-  if (argument.NameIs("AuthToken")) return text_setting(auth_token_);
-  if (argument.NameIs("ServerMessage")) return query ? ReturnConfigValue(out, server_message_.Data()) : kOk;
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return HttpsClient::HandleConfig(argument, out);
 }
 

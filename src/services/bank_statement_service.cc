@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/error_codes.h"
+#include "core/setting_table.h"
 
 namespace orvelan {
 namespace {
@@ -75,11 +76,9 @@ int BankStatementService::ClearResponse() {
 }
 
 int BankStatementService::HandleConfig(ConfigArgument& argument, const char*& out) {
-  if (argument.NameIs("BankIdPresent")) {
-    if (argument.IsQuery()) return ReturnConfigValue(out, bank_id_present_ ? 1 : 0);
-    bank_id_present_ = argument.ValueAsBool();
-    return kOk;
-  }
+  using R = Setting<BankStatementService>;
+  static constexpr R kSettings[] = {R::OneZero<&BankStatementService::bank_id_present_>("BankIdPresent")};
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return OFXClient::HandleConfig(argument, out);
 }
 
