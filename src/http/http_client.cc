@@ -11,7 +11,6 @@ namespace {
 constexpr char kDefaultUserAgent[] = "Orvelan OFX Client 3.0";
 constexpr int32_t kSendPiece = 16384;
 constexpr int64_t kAsyncSendTimeoutMs = 10000;
-constexpr char kTextBusy[] = "Busy performing current action.";
 constexpr char kTextNoServer[] = "No server specified in URL";
 constexpr char kTextBadScheme[] = "Specified URLScheme is invalid.";
 constexpr char kTextLocalFile[] = "Can't open local file for writing.";

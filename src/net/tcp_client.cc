@@ -504,7 +504,10 @@ int TcpClient::ReceiveData(int mode) {
     const ssize_t received = recv(socket_.get(), room.data, room.size, 0);
     if (received < 0) {
       const int error = errno == EWOULDBLOCK ? kErrWouldBlock : errno;
-      if (error == kErrWouldBlock || error == EINTR || error == 88 || error == 103 || error == 104) return error;
+      if (error == kErrWouldBlock || error == EINTR || error == ENOTSOCK || error == ECONNABORTED ||
+          error == ECONNRESET) {
+        return error;
+      }
       ByteString text("socket error in recv: ");
       text.AppendInt(error);
       OnError(error, text.Data());

@@ -323,7 +323,7 @@ int TlsChannel::ReportTlsProblem(bool fatal, const char* message, int code) {
     text += line;
     last = e;
   }
-  if (code == 287) code = last != 0 ? static_cast<int>(last) : errno;
+  if (code == kErrTlsFailure) code = last != 0 ? static_cast<int>(last) : errno;
   if (fatal) {
     FireError(code, text.c_str());
   }
@@ -393,7 +393,7 @@ int TlsChannel::SendData(const char* data, int32_t length) {
   if (length <= 0) return kOk;
   const int result = session_.Write(std::string_view(data, static_cast<size_t>(length)));
   if (result == TlsSession::kFailed) {
-    const int code = ReportTlsProblem(true, "Error in writing to SSL Connection", 287);
+    const int code = ReportTlsProblem(true, "Error in writing to SSL Connection", kErrTlsFailure);
     AbortTls(code, GetLastError());
     return code;
   }
@@ -466,7 +466,7 @@ void TlsChannel::ContinueHandshake() {
   if (result != TlsSession::kDone) {
     const int code = result == TlsSession::kClosed
                          ? ReportTlsProblem(true, "Error in making an SSL Connection", kErrTlsSetup)
-                         : ReportTlsProblem(true, "Error in making an SSL Connection", 287);
+                         : ReportTlsProblem(true, "Error in making an SSL Connection", kErrTlsFailure);
     AbortTls(code, GetLastError());
     return;
   }
@@ -561,7 +561,7 @@ void TlsChannel::ReadPlaintext() {
       TcpClient::Disconnect(0);
       return;
     }
-    const int code = ReportTlsProblem(true, "Error in reading from SSL Connection", 287);
+    const int code = ReportTlsProblem(true, "Error in reading from SSL Connection", kErrTlsFailure);
     AbortTls(code, GetLastError());
     return;
   }
@@ -801,25 +801,25 @@ int TlsChannel::UseLoadedCertificate() {
 
 int TlsChannel::MakePlaceholderCertificate(EVP_PKEY* key, bool can_sign) {
   X509Ptr cert(X509_new());
-  if (cert == nullptr) return ReportError(287, "Unable to create empty certificate.");
+  if (cert == nullptr) return ReportError(kErrTlsFailure, "Unable to create empty certificate.");
   X509_set_version(cert.get(), 2);
   ASN1_INTEGER_set(X509_get_serialNumber(cert.get()), 0);
   X509_set_pubkey(cert.get(), key);
   X509_NAME* name = X509_NAME_new();
-  if (name == nullptr) return ReportError(287, "Unable to create empty X509_NAME.");
+  if (name == nullptr) return ReportError(kErrTlsFailure, "Unable to create empty X509_NAME.");
   if (X509_NAME_add_entry_by_NID(name, NID_commonName, MBSTRING_ASC,
                                  reinterpret_cast<const unsigned char*>("CN=pem_cert"), -1, -1, 0) != 1) {
     X509_NAME_free(name);
-    return ReportTlsProblem(false, "Error creating Name entry from NID", 287);
+    return ReportTlsProblem(false, "Error creating Name entry from NID", kErrTlsFailure);
   }
   X509_set_subject_name(cert.get(), name);
   X509_set_issuer_name(cert.get(), name);
   X509_NAME_free(name);
   if (X509_gmtime_adj(X509_getm_notBefore(cert.get()), 0) == nullptr) {
-    return ReportError(287, "Could not set notBefore.");
+    return ReportError(kErrTlsFailure, "Could not set notBefore.");
   }
   if (X509_gmtime_adj(X509_getm_notAfter(cert.get()), 31536000) == nullptr) {
-    return ReportError(287, "Could not set notAfter.");
+    return ReportError(kErrTlsFailure, "Could not set notAfter.");
   }
   // An unsigned certificate cannot be encoded at all, so the key signs its own
   // placeholder, or for a bare public key a throwaway key does; nothing checks
@@ -827,7 +827,7 @@ int TlsChannel::MakePlaceholderCertificate(EVP_PKEY* key, bool can_sign) {
   EvpPkeyPtr throwaway(can_sign ? nullptr : EVP_PKEY_Q_keygen(nullptr, nullptr, "ED25519"));
   const int signed_ok = can_sign ? X509_sign(cert.get(), key, EVP_sha256())
                                  : throwaway != nullptr ? X509_sign(cert.get(), throwaway.get(), nullptr) : 0;
-  if (signed_ok <= 0) return ReportTlsProblem(false, "Unable to create empty certificate.", 287);
+  if (signed_ok <= 0) return ReportTlsProblem(false, "Unable to create empty certificate.", kErrTlsFailure);
   client_cert_ = std::move(cert);
   return kOk;
 }

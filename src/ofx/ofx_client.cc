@@ -18,13 +18,6 @@
 namespace orvelan {
 namespace {
 
-constexpr int kErrInvalidValue = 202;
-constexpr int kErrCannotOpen = 302;
-constexpr int kErrCannotWrite = 304;
-constexpr int kErrCannotRead = 305;
-constexpr int kErrCannotCreate = 306;
-constexpr int kErrCannotClose = 307;
-
 constexpr char kHeader1[] =
     "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:~0~\r\nSECURITY:NONE\r\nENCODING:USASCII\r\nCHARSET:1252\r\n"
     "COMPRESSION:NONE\r\nOLDFILEUID:~1~\r\nNEWFILEUID:~2~\r\n\r\n";
@@ -51,11 +44,7 @@ constexpr char kImage211[] =
 constexpr char kPasswordChange[] =
     "<PINCHTRNRQ>\r\n<TRNUID>~0~\r\n<PINCHRQ>\r\n<USERID>~1~\r\n<NEWUSERPASS>~2~\r\n</PINCHRQ>\r\n</PINCHTRNRQ>\r\n";
 
-constexpr char kTextInvalidResponse[] = "Invalid OFX response.";
-constexpr char kTextUnknownTags[] = "OFX response contains unknown element tags.";
-constexpr char kTextMissingElement[] = "Expected element missing from server response.";
 constexpr char kTextStatementType[] = "Statement type is invalid.";
-constexpr char kTextCannotParseDate[] = "Cannot parse date.";
 constexpr char kDefaultCurrencyFormat[] = "";
 
 struct ImageStatus {
@@ -342,8 +331,8 @@ const char* OFXClient::OFXRequest() {
 // ---- Exchange and response ----
 
 int OFXClient::MapParseFailure(int code) {
-  if (code == kErrInvalidPath) return ReportError(kErrInvalidResponse, kTextInvalidResponse);
-  if (code == kErrUnbalancedTag) return ReportError(kErrUnknownTags, kTextUnknownTags);
+  if (code == kErrInvalidPath) return ReportError(kErrInvalidOFXResponse, kTextInvalidOFXResponse);
+  if (code == kErrUnbalancedTag) return ReportError(kErrUnknownOFXTags, kTextUnknownOFXTags);
   return code;
 }
 

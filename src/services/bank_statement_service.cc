@@ -31,8 +31,6 @@ constexpr int32_t kSlotCount = 7;
 constexpr char kTextBankIdMissing[] = "Missing required field: Bank Id is missing in the request.";
 constexpr char kTextAccountIdMissing[] = "Missing required field: Account Number is missing in the request.";
 constexpr char kTextBadVersion[] = "OFXVersion must begin with \"1\" or \"2\".";
-
-constexpr int kErrInvalidValue = 202;
 constexpr char kTextInvalidAccountType[] = "AccountType is invalid.";
 constexpr char kTextInvalidTxIndex[] = "Invalid TxIndex (out of bounds).";
 constexpr char kTextInvalidClosingIndex[] = "Invalid ClosingInfoIndex (out of bounds).";
