@@ -412,7 +412,8 @@ int MarkupDocument::HandleConfig(ConfigArgument& argument, const char*& out) {
          d.SetHTMLComments(argument.ValueAsBool());
          return kOk;
        }},
-      {"UseEncoding", [](MarkupDocument& d, const char*& out) { return d.ReturnConfigValue(out, d.parser_.EncodingName()); },
+      {"UseEncoding",
+       [](MarkupDocument& d, const char*& out) { return d.ReturnConfigValue(out, d.parser_.EncodingName()); },
        [](MarkupDocument& d, A argument) { return d.parser_.SetEncoding(argument.Value()); }},
   };
   if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);

@@ -79,7 +79,8 @@ int TcpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
          if (value > kMaxLineLength) value = kMaxLineLength;
          return c.line_buffer_.SetCapacity(static_cast<uint32_t>(value)) ? kOk : kErrOutOfMemory;
        }},
-      {"SocketHandle", [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{c.socket_.get()}); }},
+      {"SocketHandle",
+       [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{c.socket_.get()}); }},
       {"TcpNoDelay", R::QueryTrueFalse<&TcpClient::no_delay_>,
        [](TcpClient& c, A argument) {
          c.no_delay_ = argument.ValueAsBool();
@@ -95,15 +96,18 @@ int TcpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
       R::TrueFalse<&TcpClient::graceful_tls_shutdown_>("GracefullyShutDownSSL"),
       {"FirewallAutoDetect", [](TcpClient& c, const char*& out) { return AnswerTrueFalse(c, out, false); },
        [](TcpClient& c, A argument) { return c.SetFirewallAutoDetect(argument.ValueAsBool()); }},
-      {"FirewallType", [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{c.tunnel_.type()}); },
+      {"FirewallType",
+       [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{c.tunnel_.type()}); },
        [](TcpClient& c, A argument) { return c.SetFirewallType(argument.ValueAsInt()); }},
       {"FirewallHost", [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, c.FirewallHost()); },
        [](TcpClient& c, A argument) { return c.SetFirewallHost(argument.Value()); }},
-      {"FirewallPort", [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{c.tunnel_.port()}); },
+      {"FirewallPort",
+       [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{c.tunnel_.port()}); },
        [](TcpClient& c, A argument) { return c.SetFirewallPort(argument.ValueAsInt()); }},
       {"FirewallUser", [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, c.FirewallUser()); },
        [](TcpClient& c, A argument) { return c.SetFirewallUser(argument.Value()); }},
-      {"FirewallPassword", [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, c.FirewallPassword()); },
+      {"FirewallPassword",
+       [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, c.FirewallPassword()); },
        [](TcpClient& c, A argument) { return c.SetFirewallPassword(argument.Value()); }},
       {"FirewallData", [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, ""); }},
   };
