@@ -276,16 +276,5 @@ TEST(ProxyTunnelTest, NtlmProxyGetsOneRetry) {
   }
 }
 
-// Settings kept for hosts that use them elsewhere; here they change nothing.
-TEST(ProxyTunnelTest, SettingsWithoutEffectHere) {
-  HttpViaProxy client;
-  client.Set("FirewallAutoDetect=true");
-  client.Set("UseSystemSSPI=true");
-  client.Set("KerberosSPN=HTTP/proxy.corp");
-  EXPECT_EQ(client.Get("FirewallAutoDetect"), "False");
-  EXPECT_EQ(client.Get("UseSystemSSPI"), "False");
-  EXPECT_EQ(client.Get("KerberosSPN"), "HTTP/proxy.corp");
-}
-
 }  // namespace
 }  // namespace orvelan

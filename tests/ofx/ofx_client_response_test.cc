@@ -233,27 +233,5 @@ TEST_F(ResponseTest, DataFilesAreReadAndWrittenBack) {
   EXPECT_EQ(service_.ReadOFXDataFile(broken.c_str()), 2003);
 }
 
-TEST_F(ResponseTest, ConfigSettingsRoundTrip) {
-  struct Case {
-    const char* set;
-    const char* name;
-    const char* answer;
-  } cases[] = {
-      {"OFXVersion=211", "ofxversion", "211"},   {"DebugTrace=yes", "DebugTrace", "1"},
-      {"IncludeImages=TRUE", "IncludeImages", "1"}, {"IncludeImages=no", "IncludeImages", "0"},
-      {"ServerMessage=ignored", "ServerMessage", ""},
-  };
-  for (const Case& c : cases) {
-    const char* out = "";
-    EXPECT_EQ(service_.Config(c.set, out), 0) << c.set;
-    EXPECT_EQ(Query(c.name), c.answer) << c.set;
-  }
-  EXPECT_STREQ(service_.OFXVersion(), "211");
-  const char* out = "";
-  EXPECT_EQ(service_.Config("ExtraTags=MYAGG,OTHER", out), 0);
-  EXPECT_NE(Query("ExtraTags").find("MYAGG"), std::string::npos);
-  EXPECT_EQ(service_.Config("NoSuchSetting=1", out), -1);
-}
-
 }  // namespace
 }  // namespace orvelan
