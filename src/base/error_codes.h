@@ -5,7 +5,7 @@
 // host sees sit beside a code where the code has one fixed text; codes whose
 // text depends on what failed get it from the layer that failed.
 //
-// A few numbers belong to two families (104, 202, 302, 306): the families
+// A few numbers belong to two families (104, 106, 202, 306): the families
 // never meet in one operation, so the host reads them apart by the operation.
 namespace orvelan {
 

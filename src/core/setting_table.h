@@ -10,14 +10,17 @@
 // HandleConfig looks the name up in its own table and passes every name it
 // does not know to its base, so the chain of layers reads as a chain of tables:
 //
-//   int HttpsClient::HandleConfig(ConfigArgument& argument, const char*& out) {
-//     using R = Setting<HttpsClient>;
+//   int CCStatementService::HandleConfig(ConfigArgument& argument, const char*& out) {
+//     using R = Setting<CCStatementService>;
 //     static constexpr R kSettings[] = {
-//         R::TrueFalse<&HttpsClient::use_wininet_>("UseWinInet"),
-//         {"Busy", [](HttpsClient& c, const char*& out) { return c.ReturnConfigValue(out, c.busy_); }},
+//         R::OneZero<&CCStatementService::include_closing_>("IncludeClosing"),
+//         R::Text<&CCStatementService::card_suffix_>("CardSuffix"),
+//         {"LastBalance", [](CCStatementService& s, const char*& out) {
+//            return s.ReturnConfigValue(out, s.balance_.Data());  // query only: a set changes nothing
+//          }},
 //     };
 //     if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
-//     return HttpClient::HandleConfig(argument, out);
+//     return OFXClient::HandleConfig(argument, out);
 //   }
 //
 // The table lives inside the layer's HandleConfig so that its rows may name
