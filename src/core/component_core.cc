@@ -1,5 +1,7 @@
 #include "core/component_core.h"
 
+#include "core/setting_table.h"
+
 namespace orvelan {
 namespace {
 
@@ -19,16 +21,12 @@ int ComponentCore::InitDefaults() {
 }
 
 int ComponentCore::HandleConfig(ConfigArgument& argument, const char*& out) {
-  if (argument.NameIs("CodePage")) {
-    if (argument.IsQuery()) return ReturnConfigValue(out, code_page_);
-    code_page_ = argument.ValueAsInt();
-    return kOk;
-  }
-  if (argument.NameIs("CharsetMode")) {
-    if (argument.IsQuery()) return ReturnConfigValue(out, charset_mode_);
-    charset_mode_ = static_cast<int8_t>(static_cast<uint8_t>(argument.ValueAsInt() & 0xFF));
-    return kOk;
-  }
+  using R = Setting<ComponentCore>;
+  static constexpr R kSettings[] = {
+      R::Int<&ComponentCore::code_page_>("CodePage"),
+      R::Int<&ComponentCore::charset_mode_>("CharsetMode"),  // cut to 8 bits
+  };
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   out = "";
   SetErrorText(kTextUnknownSetting);
   return kErrUnknown;

@@ -8,10 +8,11 @@
 // The root of every service: the last error, the settings chain and the event
 // sink. Each layer of a service (transport, OFX engine, the service itself)
 // derives from the one below, handles its own setting names in HandleConfig
-// and passes the rest down:
+// (from a table of rows, core/setting_table.h) and passes the rest down:
 //
 //   int TcpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
-//     if (argument.NameIs("TcpNoDelay")) { ... return 0; }
+//     static constexpr Setting<TcpClient> kSettings[] = {...};
+//     if (const auto* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
 //     return SocketCore::HandleConfig(argument, out);
 //   }
 //

@@ -59,13 +59,6 @@ class ComponentTables {
   std::vector<const PropertyDef<S>*> by_id_;
 };
 
-inline constexpr int kGetVersionId = 0;
-inline constexpr int kGetCodePageId = 2010;
-inline constexpr int kDoExternalLoopOff = 2000;
-inline constexpr int kDoExternalLoopOn = 2001;
-inline constexpr int kDoProcessEvents = 2002;
-inline constexpr char kVersionBanner[] = "ORVELAN_VERSION_3_0_3909";
-
 template <class S>
 class ComponentObject : public ComponentEvents {
  public:
@@ -101,8 +94,8 @@ class ComponentObject : public ComponentEvents {
     } else if (id >= 10000) {
       id -= 10000;
     }
-    if (id == kGetVersionId) return const_cast<char*>(kVersionBanner);
-    if (id == kGetCodePageId) return IntegerResult(service_.CodePage());
+    if (id == ORVELAN_PROP_VERSION) return const_cast<char*>(ORVELAN_VERSION_BANNER);
+    if (id == ORVELAN_PROP_CODEPAGE) return IntegerResult(service_.CodePage());
     const PropertyDef<S>* p = tables_.Property(id);
     if (p == nullptr || p->get == nullptr) return nullptr;
     if (p->check_index != nullptr) {
@@ -164,11 +157,11 @@ class ComponentObject : public ComponentEvents {
 
   int Do(int id, int count, void** params, int* lengths) {
     if (id >= 10000) id -= 10000;  // text parameters pass unchanged on this platform
-    if (id == kDoExternalLoopOff || id == kDoExternalLoopOn) {
-      service_.SetExternalEventLoop(id == kDoExternalLoopOn);
+    if (id == ORVELAN_METHOD_EXTERNAL_EVENT_LOOP_OFF || id == ORVELAN_METHOD_EXTERNAL_EVENT_LOOP_ON) {
+      service_.SetExternalEventLoop(id == ORVELAN_METHOD_EXTERNAL_EVENT_LOOP_ON);
       return kOk;
     }
-    if (id == kDoProcessEvents) return service_.ProcessEvents(0);
+    if (id == ORVELAN_METHOD_PROCESS_EVENTS) return service_.ProcessEvents(0);
     Begin();
     const MethodDef<S>* m = tables_.Method(id);
     if (m == nullptr) return Finish(kOk);
@@ -194,45 +187,45 @@ class ComponentObject : public ComponentEvents {
   int WaitForEvents(long& timeout_ms) override {
     void* params[1] = {IntegerSlot(timeout_ms)};
     int lengths[1] = {0};
-    const int rc = Deliver(2000, 1, params, lengths);
+    const int rc = Deliver(ORVELAN_EVENT_WAIT_FOR_EVENTS, 1, params, lengths);
     timeout_ms = static_cast<long>(reinterpret_cast<intptr_t>(params[0]));
     return rc;
   }
   int WatchSocket(long socket, long event_mask, long& handle) override {
     void* params[3] = {IntegerSlot(socket), IntegerSlot(event_mask), IntegerSlot(handle)};
     int lengths[3] = {0, 0, 0};
-    const int rc = Deliver(2001, 3, params, lengths);
+    const int rc = Deliver(ORVELAN_EVENT_WATCH_SOCKET, 3, params, lengths);
     handle = static_cast<long>(reinterpret_cast<intptr_t>(params[2]));
     return rc;
   }
   int UnwatchSocket(long handle) override {
     void* params[1] = {IntegerSlot(handle)};
     int lengths[1] = {0};
-    return Deliver(2002, 1, params, lengths);
+    return Deliver(ORVELAN_EVENT_UNWATCH_SOCKET, 1, params, lengths);
   }
   int FireConnectionStatus(const char* connection_event, int status_code, const char* description) override {
     void* params[3] = {TextSlot(connection_event), IntegerSlot(status_code), TextSlot(description)};
     int lengths[3] = {0, 0, 0};
-    return Deliver(1, 3, params, lengths);
+    return Deliver(ORVELAN_EVENT_CONNECTION_STATUS, 3, params, lengths);
   }
   int FireError(int error_code, const char* description) override {
     void* params[2] = {IntegerSlot(error_code), TextSlot(description)};
     int lengths[2] = {0, 0};
-    return Deliver(2, 2, params, lengths);
+    return Deliver(ORVELAN_EVENT_ERROR, 2, params, lengths);
   }
   int FireSSLServerAuthentication(const char* cert_encoded, int cert_length, const char* cert_subject,
                                   const char* cert_issuer, const char* status, int& accept) override {
     void* params[5] = {TextSlot(cert_encoded), TextSlot(cert_subject), TextSlot(cert_issuer), TextSlot(status),
                        IntegerSlot(accept)};
     int lengths[5] = {cert_length, 0, 0, 0, 0};
-    const int rc = Deliver(3, 5, params, lengths);
+    const int rc = Deliver(ORVELAN_EVENT_SSL_SERVER_AUTHENTICATION, 5, params, lengths);
     if (callback_ != nullptr) accept = static_cast<int>(reinterpret_cast<intptr_t>(params[4]));
     return rc;
   }
   int FireSSLStatus(const char* message) override {
     void* params[1] = {TextSlot(message)};
     int lengths[1] = {0};
-    return Deliver(4, 1, params, lengths);
+    return Deliver(ORVELAN_EVENT_SSL_STATUS, 1, params, lengths);
   }
 
  private:

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "base/text_util.h"
+#include "core/setting_table.h"
 
 namespace orvelan {
 namespace {
@@ -10,14 +11,9 @@ namespace {
 constexpr char kDefaultUserAgent[] = "Orvelan OFX Client 3.0";
 constexpr int32_t kSendPiece = 16384;
 constexpr int64_t kAsyncSendTimeoutMs = 10000;
-constexpr char kTextBusy[] = "Busy performing current action.";
 constexpr char kTextNoServer[] = "No server specified in URL";
 constexpr char kTextBadScheme[] = "Specified URLScheme is invalid.";
 constexpr char kTextLocalFile[] = "Can't open local file for writing.";
-
-int ReturnBool(ComponentCore& core, const char*& out, bool value) {
-  return core.ReturnConfigValue(out, value ? "True" : "False");
-}
 
 void AppendBasic(ByteString& target, std::string_view user, std::string_view password) {
   std::string credential(user);
@@ -52,73 +48,57 @@ int HttpClient::InitDefaults() {
 }
 
 int HttpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
-  const bool query = argument.IsQuery();
-  struct TextSetting {
-    const char* name;
-    ByteString* value;
+  using R = Setting<HttpClient>;
+  using A = const ConfigArgument&;
+  static constexpr R kSettings[] = {
+      R::Text<&HttpClient::http_version_>("HTTPVersion"),
+      R::Text<&HttpClient::user_agent_>("UserAgent"),
+      R::Text<&HttpClient::authorization_>("Authorization"),
+      R::Text<&HttpClient::accept_encoding_>("AcceptEncoding"),
+      R::Text<&HttpClient::proxy_server_>("ProxyServer"),
+      // The proxy credentials make the proxy's Basic header anew.
+      {"ProxyUser", R::QueryText<&HttpClient::proxy_user_>,
+       [](HttpClient& c, A argument) {
+         const int rc = c.proxy_user_.Assign(argument.Value());
+         if (rc == kOk) c.ComputeProxyAuthorization();
+         return rc;
+       }},
+      {"ProxyPassword", R::QueryText<&HttpClient::proxy_password_>,
+       [](HttpClient& c, A argument) {
+         const int rc = c.proxy_password_.Assign(argument.Value());
+         if (rc == kOk) c.ComputeProxyAuthorization();
+         return rc;
+       }},
+      R::Text<&HttpClient::proxy_authorization_>("ProxyAuthorization"),
+      R::Text<&HttpClient::if_modified_since_>("IfModifiedSince"),
+      R::Text<&HttpClient::local_file_path_>("LocalFile"),
+      R::TrueFalse<&HttpClient::keep_alive_>("KeepAlive"),
+      R::TrueFalse<&HttpClient::allow_compression_>("AllowHTTPCompression"),
+      R::TrueFalse<&HttpClient::encode_url_>("EncodeURL"),
+      R::TrueFalse<&HttpClient::single_line_mode_>("SingleLineMode"),
+      R::TrueFalse<&HttpClient::get_on_302_redirect_>("GetOn302Redirect"),
+      R::TrueFalse<&HttpClient::debug_trace_>("DebugTrace"),
+      R::TrueFalse<&HttpClient::dont_clear_cookies_>("DontClearCookiesOnUrlChange"),
+      {"TransferredData",
+       [](HttpClient& c, const char*& out) { return c.ReturnConfigValue(out, c.transferred_data_.c_str()); }},
+      {"TransferredRequest",
+       [](HttpClient& c, const char*& out) { return c.ReturnConfigValue(out, c.recorded_request_.c_str()); },
+       [](HttpClient& c, A argument) {
+         c.record_request_ = CompareNoCase(argument.Value(), "on") == 0;
+         if (!c.record_request_) c.recorded_request_.clear();
+         return kOk;
+       }},
+      {"MaxTransferredData", R::QueryInt<&HttpClient::max_transferred_data_>,
+       [](HttpClient& c, A argument) {
+         c.max_transferred_data_ = ParseInt64(argument.Value());
+         return kOk;
+       }},
+      R::Int<&HttpClient::proxy_port_>("ProxyPort"),
+      R::Int<&HttpClient::proxy_ssl_>("ProxySSL"),
+      {"ProxyAuthScheme", R::QueryInt<&HttpClient::proxy_auth_scheme_>,
+       [](HttpClient& c, A argument) { return c.SetProxyAuthScheme(argument.ValueAsInt()); }},
   };
-  const TextSetting texts[] = {
-      {"HTTPVersion", &http_version_},     {"UserAgent", &user_agent_},
-      {"Authorization", &authorization_},  {"AcceptEncoding", &accept_encoding_},
-      {"ProxyServer", &proxy_server_},     {"ProxyUser", &proxy_user_},
-      {"ProxyPassword", &proxy_password_}, {"ProxyAuthorization", &proxy_authorization_},
-      {"IfModifiedSince", &if_modified_since_}, {"LocalFile", &local_file_path_},
-  };
-  for (const TextSetting& s : texts) {
-    if (!argument.NameIs(s.name)) continue;
-    if (query) return ReturnConfigValue(out, s.value->Data());
-    const int rc = s.value->Assign(argument.Value());
-    if (rc == kOk && (s.value == &proxy_user_ || s.value == &proxy_password_)) ComputeProxyAuthorization();
-    return rc;
-  }
-  struct BoolSetting {
-    const char* name;
-    bool* value;
-  };
-  const BoolSetting bools[] = {
-      {"KeepAlive", &keep_alive_},
-      {"AllowHTTPCompression", &allow_compression_},
-      {"EncodeURL", &encode_url_},
-      {"SingleLineMode", &single_line_mode_},
-      {"GetOn302Redirect", &get_on_302_redirect_},
-      {"DebugTrace", &debug_trace_},
-      {"DontClearCookiesOnUrlChange", &dont_clear_cookies_},
-  };
-  for (const BoolSetting& s : bools) {
-    if (!argument.NameIs(s.name)) continue;
-    if (query) return ReturnBool(*this, out, *s.value);
-    *s.value = argument.ValueAsBool();
-    return kOk;
-  }
-  if (argument.NameIs("TransferredData")) {
-    if (query) return ReturnConfigValue(out, transferred_data_.c_str());
-    return kOk;
-  }
-  if (argument.NameIs("TransferredRequest")) {
-    if (query) return ReturnConfigValue(out, recorded_request_.c_str());
-    record_request_ = CompareNoCase(argument.Value(), "on") == 0;
-    if (!record_request_) recorded_request_.clear();
-    return kOk;
-  }
-  if (argument.NameIs("MaxTransferredData")) {
-    if (query) return ReturnConfigValue(out, max_transferred_data_);
-    max_transferred_data_ = ParseInt64(argument.Value());
-    return kOk;
-  }
-  if (argument.NameIs("ProxyPort")) {
-    if (query) return ReturnConfigValue(out, int64_t{proxy_port_});
-    proxy_port_ = argument.ValueAsInt();
-    return kOk;
-  }
-  if (argument.NameIs("ProxySSL")) {
-    if (query) return ReturnConfigValue(out, int64_t{proxy_ssl_});
-    proxy_ssl_ = static_cast<uint8_t>(argument.ValueAsInt());
-    return kOk;
-  }
-  if (argument.NameIs("ProxyAuthScheme")) {
-    if (query) return ReturnConfigValue(out, int64_t{proxy_auth_scheme_});
-    return SetProxyAuthScheme(argument.ValueAsInt());
-  }
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return TransferChannel::HandleConfig(argument, out);
 }
 

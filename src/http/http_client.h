@@ -28,10 +28,6 @@
 // handler is refused with 143.
 namespace orvelan {
 
-inline constexpr int kErrBusy = 143;
-inline constexpr int kErrNoServer = 152;
-inline constexpr int kErrBadScheme = 153;
-inline constexpr int kErrLocalFile = 302;
 inline constexpr char kTextUnknownProxyScheme[] = "Unknown proxy authentication scheme.";
 
 class HttpClient : public TransferChannel, private HttpResponseSink {

@@ -3,13 +3,11 @@
 #include <string>
 #include <string_view>
 
+#include "base/error_codes.h"
 #include "http/inflater.h"
 #include "net/line_buffer.h"
 
 namespace orvelan {
-
-// An HTTP failure: a non-2xx status, a body that cannot be decoded or framed.
-inline constexpr int kErrHttp = 151;
 
 // Where the parser reports what it found. Views are valid during the call only.
 class HttpResponseSink {

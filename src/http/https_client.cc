@@ -1,5 +1,7 @@
 #include "http/https_client.h"
 
+#include "core/setting_table.h"
+
 namespace orvelan {
 
 HttpsClient::HttpsClient() { SetDefaults("https", 443); }
@@ -12,12 +14,12 @@ int HttpsClient::InitDefaults() {
 }
 
 int HttpsClient::HandleConfig(ConfigArgument& argument, const char*& out) {
-  for (auto [name, value] : {std::pair{"UseWinInet", &use_wininet_}, std::pair{"UseWinInetCookies", &use_wininet_cookies_}}) {
-    if (!argument.NameIs(name)) continue;
-    if (argument.IsQuery()) return ReturnConfigValue(out, *value ? "True" : "False");
-    *value = argument.ValueAsBool();
-    return kOk;
-  }
+  using R = Setting<HttpsClient>;
+  static constexpr R kSettings[] = {
+      R::TrueFalse<&HttpsClient::use_wininet_>("UseWinInet"),
+      R::TrueFalse<&HttpsClient::use_wininet_cookies_>("UseWinInetCookies"),
+  };
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return HttpClient::HandleConfig(argument, out);
 }
 

@@ -6,6 +6,8 @@
 #include <memory>
 #include <string_view>
 
+#include "base/error_codes.h"
+
 namespace orvelan {
 
 // Inflates an HTTP body sent with "Content-Encoding: gzip" or "deflate" as it
@@ -16,7 +18,7 @@ namespace orvelan {
 class Inflater {
  public:
   enum class Format : uint8_t { kNone = 0, kGzip = 1, kDeflate = 2 };
-  enum Result : int { kOk = 0, kBadHeader = 102, kFailed = 151 };
+  enum Result : int { kOk = orvelan::kOk, kBadHeader = kErrBadGzipHeader, kFailed = kErrHttp };
 
   Inflater() = default;
   Inflater(const Inflater&) = delete;

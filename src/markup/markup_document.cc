@@ -4,6 +4,7 @@
 
 #include "base/error_codes.h"
 #include "base/text_util.h"
+#include "core/setting_table.h"
 #include "markup/markup_errors.h"
 
 namespace orvelan {
@@ -364,50 +365,58 @@ const char* MarkupDocument::NamespaceURI(int32_t index) const {
   return p == 0 ? "" : parser_.Tree().DeclarationUri(p);
 }
 
-// Settings, tried in this order: IgnoreBadAttributePrefixes,
-// IgnoreBadElementPrefixes, AllowMoreThanOneRoot, AllowTextOutsideRoot
-// (queries answer "True"/"False" without touching the error text),
-// KeepOriginalText and CacheContent (1/0), XSubTree, XContents (query only),
-// AddSGMLTag, HTMLComments (1/0), UseEncoding.
+namespace {
+
+// The parser's options answer "True" or "False" without touching the error text.
+template <MarkupParser::Flag kFlag>
+int QueryFlag(MarkupDocument& d, const char*& out) {
+  out = d.Parser().HasFlag(kFlag) ? "True" : "False";
+  return kOk;
+}
+template <MarkupParser::Flag kFlag>
+int SetFlag(MarkupDocument& d, const ConfigArgument& argument) {
+  d.Parser().SetFlag(kFlag, argument.ValueAsBool());
+  return kOk;
+}
+int QueryKeptText(MarkupDocument& d, const char*& out) {
+  return d.ReturnConfigValue(out, d.Parser().KeepOriginalText() ? 1 : 0);
+}
+int SetKeptText(MarkupDocument& d, const ConfigArgument& argument) {
+  d.SetKeepOriginalText(argument.ValueAsBool());
+  return kOk;
+}
+
+}  // namespace
+
 int MarkupDocument::HandleConfig(ConfigArgument& argument, const char*& out) {
-  static constexpr struct {
-    const char* name;
-    MarkupParser::Flag flag;
-  } kFlags[] = {
-      {"IgnoreBadAttributePrefixes", MarkupParser::kIgnoreBadAttributePrefixes},
-      {"IgnoreBadElementPrefixes", MarkupParser::kIgnoreBadElementPrefixes},
-      {"AllowMoreThanOneRoot", MarkupParser::kAllowMoreThanOneRoot},
-      {"AllowTextOutsideRoot", MarkupParser::kAllowTextOutsideRoot},
+  using R = Setting<MarkupDocument>;
+  using A = const ConfigArgument&;
+  static constexpr R kSettings[] = {
+      {"IgnoreBadAttributePrefixes", QueryFlag<MarkupParser::kIgnoreBadAttributePrefixes>,
+       SetFlag<MarkupParser::kIgnoreBadAttributePrefixes>},
+      {"IgnoreBadElementPrefixes", QueryFlag<MarkupParser::kIgnoreBadElementPrefixes>,
+       SetFlag<MarkupParser::kIgnoreBadElementPrefixes>},
+      {"AllowMoreThanOneRoot", QueryFlag<MarkupParser::kAllowMoreThanOneRoot>,
+       SetFlag<MarkupParser::kAllowMoreThanOneRoot>},
+      {"AllowTextOutsideRoot", QueryFlag<MarkupParser::kAllowTextOutsideRoot>,
+       SetFlag<MarkupParser::kAllowTextOutsideRoot>},
+      {"KeepOriginalText", QueryKeptText, SetKeptText},
+      {"CacheContent", QueryKeptText, SetKeptText},
+      {"XSubTree", [](MarkupDocument& d, const char*& out) { return d.ReturnConfigValue(out, d.ElementSubtree()); }},
+      {"XContents", [](MarkupDocument& d, const char*& out) { return d.ReturnConfigValue(out, d.ElementContents()); }},
+      {"AddSGMLTag", [](MarkupDocument& d, const char*& out) { return d.ReturnConfigValue(out, d.ExtraTags()); },
+       [](MarkupDocument& d, A argument) { return d.AddSGMLTag(argument.Value()); }},
+      {"HTMLComments",
+       [](MarkupDocument& d, const char*& out) { return d.ReturnConfigValue(out, d.parser_.HTMLComments() ? 1 : 0); },
+       [](MarkupDocument& d, A argument) {
+         d.SetHTMLComments(argument.ValueAsBool());
+         return kOk;
+       }},
+      {"UseEncoding",
+       [](MarkupDocument& d, const char*& out) { return d.ReturnConfigValue(out, d.parser_.EncodingName()); },
+       [](MarkupDocument& d, A argument) { return d.parser_.SetEncoding(argument.Value()); }},
   };
-  for (const auto& f : kFlags) {
-    if (!argument.NameIs(f.name)) continue;
-    if (argument.IsQuery()) {
-      out = parser_.HasFlag(f.flag) ? "True" : "False";
-      return kOk;
-    }
-    parser_.SetFlag(f.flag, argument.ValueAsBool());
-    return kOk;
-  }
-  if (argument.NameIs("KeepOriginalText") || argument.NameIs("CacheContent")) {
-    if (argument.IsQuery()) return ReturnConfigValue(out, parser_.KeepOriginalText() ? 1 : 0);
-    SetKeepOriginalText(argument.ValueAsBool());
-    return kOk;
-  }
-  if (argument.NameIs("XSubTree")) return argument.IsQuery() ? ReturnConfigValue(out, ElementSubtree()) : kOk;
-  if (argument.NameIs("XContents")) return argument.IsQuery() ? ReturnConfigValue(out, ElementContents()) : kOk;
-  if (argument.NameIs("AddSGMLTag")) {
-    if (argument.IsQuery()) return ReturnConfigValue(out, ExtraTags());
-    return AddSGMLTag(argument.Value());
-  }
-  if (argument.NameIs("HTMLComments")) {
-    if (argument.IsQuery()) return ReturnConfigValue(out, parser_.HTMLComments() ? 1 : 0);
-    SetHTMLComments(argument.ValueAsBool());
-    return kOk;
-  }
-  if (argument.NameIs("UseEncoding")) {
-    if (argument.IsQuery()) return ReturnConfigValue(out, parser_.EncodingName());
-    return parser_.SetEncoding(argument.Value());
-  }
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return ComponentCore::HandleConfig(argument, out);
 }
 

@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "base/error_codes.h"
+
 namespace orvelan {
 
 int NameValueTable::Add(std::string_view name, std::string_view value) {
@@ -18,7 +20,7 @@ int NameValueTable::Add(std::string_view name, std::string_view value) {
 }
 
 int NameValueTable::RemoveLast() {
-  if (count_ == 0) return 433;
+  if (count_ == 0) return kErrTableEmpty;
   --count_;
   return kOk;
 }

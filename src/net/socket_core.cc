@@ -11,15 +11,9 @@
 #include <csignal>
 
 #include "core/error_text_table.h"
+#include "core/setting_table.h"
 
 namespace orvelan {
-namespace {
-
-int ReturnBool(ComponentCore& core, const char*& out, bool value) {
-  return core.ReturnConfigValue(out, value ? "True" : "False");
-}
-
-}  // namespace
 
 SocketCore::SocketCore() {
   // A send on a dead connection must return EPIPE, not end the host process.
@@ -60,61 +54,48 @@ int SocketCore::FillDefaultErrorText(int code) {
 }
 
 int SocketCore::HandleConfig(ConfigArgument& argument, const char*& out) {
-  const bool query = argument.IsQuery();
-  if (argument.NameIs("SelectWaitMillis")) {
-    if (query) return ReturnConfigValue(out, select_wait_ms_);
-    select_wait_ms_ = argument.ValueAsInt();
-    return kOk;
-  }
-  if (argument.NameIs("AbsoluteTimeout")) {
-    if (query) return ReturnBool(*this, out, absolute_timeout_);
-    absolute_timeout_ = argument.ValueAsBool();
-    return kOk;
-  }
-  if (argument.NameIs("TimeoutInMilliseconds")) {
-    if (query) return ReturnBool(*this, out, timeout_in_milliseconds_);
-    // The number stays and changes its unit: Timeout 60 becomes 60 ms.
-    const int32_t number = Timeout();
-    timeout_in_milliseconds_ = argument.ValueAsBool();
-    return SetTimeout(number);
-  }
-  if (argument.NameIs("WinsockStatus")) {
-    if (query) return ReturnConfigValue(out, int64_t{0});
-    return kOk;
-  }
-  if (argument.NameIs("IgnoreExternalEvents")) {
-    if (query) return ReturnBool(*this, out, ignore_external_events_);
-    ignore_external_events_ = argument.ValueAsBool();
-    return kOk;
-  }
-  if (argument.NameIs("UseIPv6")) {
-    if (query) return ReturnBool(*this, out, use_ipv6_);
-    use_ipv6_ = argument.ValueAsBool();
-    return kOk;
-  }
-  if (argument.NameIs("RecordToFile")) {
-    if (query) return ReturnConfigValue(out, transcript_path_.Data());
-    return transcript_path_.Assign(argument.Value());
-  }
-  for (int64_t* size : {&in_buffer_size_, &out_buffer_size_}) {
-    const bool is_in = size == &in_buffer_size_;
-    if (!argument.NameIs(is_in ? "InBufferSize" : "OutBufferSize")) continue;
-    if (query) return ReturnConfigValue(out, *size);
-    *size = argument.ValueAsInt();
-    if (*size == 0 || !socket_.is_valid()) return kOk;
-    const int value = static_cast<int>(*size);
-    if (setsockopt(socket_.get(), SOL_SOCKET, is_in ? SO_RCVBUF : SO_SNDBUF, &value, sizeof value) != 0) return errno;
-    return kOk;
-  }
-  if (argument.NameIs("KerberosSPN")) {
-    if (query) return ReturnConfigValue(out, kerberos_spn_.Data());
-    return kerberos_spn_.Assign(argument.Value());
-  }
-  if (argument.NameIs("UseSystemSSPI")) {
-    if (query) return ReturnBool(*this, out, false);  // no system security provider here
-    use_system_sspi_ = argument.ValueAsBool();
-    return kOk;
-  }
+  struct Buffer {
+    // A new size reaches a live socket at once; 0 keeps the system's.
+    static int Set(SocketCore& c, int64_t& size, int option, const ConfigArgument& argument) {
+      size = argument.ValueAsInt();
+      if (size == 0 || !c.socket_.is_valid()) return kOk;
+      const int value = static_cast<int>(size);
+      if (setsockopt(c.socket_.get(), SOL_SOCKET, option, &value, sizeof value) != 0) return errno;
+      return kOk;
+    }
+  };
+  using R = Setting<SocketCore>;
+  static constexpr R kSettings[] = {
+      R::Int<&SocketCore::select_wait_ms_>("SelectWaitMillis"),
+      R::TrueFalse<&SocketCore::absolute_timeout_>("AbsoluteTimeout"),
+      {"TimeoutInMilliseconds", R::QueryTrueFalse<&SocketCore::timeout_in_milliseconds_>,
+       [](SocketCore& c, const ConfigArgument& argument) {
+         // The number stays and changes its unit: Timeout 60 becomes 60 ms.
+         const int32_t number = c.Timeout();
+         c.timeout_in_milliseconds_ = argument.ValueAsBool();
+         return c.SetTimeout(number);
+       }},
+      {"WinsockStatus", [](SocketCore& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{0}); }},
+      R::TrueFalse<&SocketCore::ignore_external_events_>("IgnoreExternalEvents"),
+      R::TrueFalse<&SocketCore::use_ipv6_>("UseIPv6"),
+      R::Text<&SocketCore::transcript_path_>("RecordToFile"),
+      {"InBufferSize", R::QueryInt<&SocketCore::in_buffer_size_>,
+       [](SocketCore& c, const ConfigArgument& argument) {
+         return Buffer::Set(c, c.in_buffer_size_, SO_RCVBUF, argument);
+       }},
+      {"OutBufferSize", R::QueryInt<&SocketCore::out_buffer_size_>,
+       [](SocketCore& c, const ConfigArgument& argument) {
+         return Buffer::Set(c, c.out_buffer_size_, SO_SNDBUF, argument);
+       }},
+      R::Text<&SocketCore::kerberos_spn_>("KerberosSPN"),
+      // No system security provider here: the setting is kept, the answer is no.
+      {"UseSystemSSPI", [](SocketCore& c, const char*& out) { return AnswerTrueFalse(c, out, false); },
+       [](SocketCore& c, const ConfigArgument& argument) {
+         c.use_system_sspi_ = argument.ValueAsBool();
+         return kOk;
+       }},
+  };
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return ComponentCore::HandleConfig(argument, out);
 }
 

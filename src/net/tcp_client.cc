@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "core/setting_table.h"
+
 namespace orvelan {
 namespace {
 
@@ -46,10 +48,6 @@ bool IsZeroIPv4(const sockaddr_storage& address) {
          (address.ss_family != AF_INET || reinterpret_cast<const sockaddr_in&>(address).sin_addr.s_addr == 0);
 }
 
-int ReturnBool(ComponentCore& core, const char*& out, bool value) {
-  return core.ReturnConfigValue(out, value ? "True" : "False");
-}
-
 void SetPort(sockaddr_storage& address, int32_t port) {
   if (address.ss_family == AF_INET6) {
     reinterpret_cast<sockaddr_in6&>(address).sin6_port = htons(static_cast<uint16_t>(port));
@@ -69,64 +67,51 @@ int TcpClient::InitDefaults() {
 }
 
 int TcpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
-  const bool query = argument.IsQuery();
-  if (argument.NameIs("MaxLineLength")) {
-    if (query) return ReturnConfigValue(out, int64_t{line_buffer_.Capacity()});
-    if (socket_.is_valid()) return ReportError(kErrMaxLineLengthBusy, kTextMaxLineLengthBusy);
-    int64_t value = argument.ValueAsInt();
-    if (value < 1) value = 1;
-    if (value > kMaxLineLength) value = kMaxLineLength;
-    return line_buffer_.SetCapacity(static_cast<uint32_t>(value)) ? kOk : kErrOutOfMemory;
-  }
-  if (argument.NameIs("SocketHandle")) {
-    if (query) return ReturnConfigValue(out, int64_t{socket_.get()});
-    return kOk;
-  }
-  if (argument.NameIs("TcpNoDelay")) {
-    if (query) return ReturnBool(*this, out, no_delay_);
-    no_delay_ = argument.ValueAsBool();
-    const int value = no_delay_ ? 1 : 0;
-    if (socket_.is_valid()) setsockopt(socket_.get(), IPPROTO_TCP, TCP_NODELAY, &value, sizeof value);
-    return kOk;
-  }
-  if (argument.NameIs("SplitCRLF")) {
-    if (query) return ReturnBool(*this, out, line_buffer_.SplitAny());
-    line_buffer_.SetSplitAny(argument.ValueAsBool());
-    return kOk;
-  }
-  if (argument.NameIs("GracefullyShutDownSSL")) {
-    if (query) return ReturnBool(*this, out, graceful_tls_shutdown_);
-    graceful_tls_shutdown_ = argument.ValueAsBool();
-    return kOk;
-  }
-  if (argument.NameIs("FirewallAutoDetect")) {
-    if (query) return ReturnBool(*this, out, false);
-    return SetFirewallAutoDetect(argument.ValueAsBool());
-  }
-  if (argument.NameIs("FirewallType")) {
-    if (query) return ReturnConfigValue(out, int64_t{tunnel_.type()});
-    return SetFirewallType(argument.ValueAsInt());
-  }
-  if (argument.NameIs("FirewallHost")) {
-    if (query) return ReturnConfigValue(out, FirewallHost());
-    return SetFirewallHost(argument.Value());
-  }
-  if (argument.NameIs("FirewallPort")) {
-    if (query) return ReturnConfigValue(out, int64_t{tunnel_.port()});
-    return SetFirewallPort(argument.ValueAsInt());
-  }
-  if (argument.NameIs("FirewallUser")) {
-    if (query) return ReturnConfigValue(out, FirewallUser());
-    return SetFirewallUser(argument.Value());
-  }
-  if (argument.NameIs("FirewallPassword")) {
-    if (query) return ReturnConfigValue(out, FirewallPassword());
-    return SetFirewallPassword(argument.Value());
-  }
-  if (argument.NameIs("FirewallData")) {
-    if (query) return ReturnConfigValue(out, "");
-    return kOk;
-  }
+  using R = Setting<TcpClient>;
+  using A = const ConfigArgument&;
+  static constexpr R kSettings[] = {
+      {"MaxLineLength",
+       [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{c.line_buffer_.Capacity()}); },
+       [](TcpClient& c, A argument) {
+         if (c.socket_.is_valid()) return c.ReportError(kErrMaxLineLengthBusy, kTextMaxLineLengthBusy);
+         int64_t value = argument.ValueAsInt();
+         if (value < 1) value = 1;
+         if (value > kMaxLineLength) value = kMaxLineLength;
+         return c.line_buffer_.SetCapacity(static_cast<uint32_t>(value)) ? kOk : kErrOutOfMemory;
+       }},
+      {"SocketHandle",
+       [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{c.socket_.get()}); }},
+      {"TcpNoDelay", R::QueryTrueFalse<&TcpClient::no_delay_>,
+       [](TcpClient& c, A argument) {
+         c.no_delay_ = argument.ValueAsBool();
+         const int value = c.no_delay_ ? 1 : 0;
+         if (c.socket_.is_valid()) setsockopt(c.socket_.get(), IPPROTO_TCP, TCP_NODELAY, &value, sizeof value);
+         return kOk;
+       }},
+      {"SplitCRLF", [](TcpClient& c, const char*& out) { return AnswerTrueFalse(c, out, c.line_buffer_.SplitAny()); },
+       [](TcpClient& c, A argument) {
+         c.line_buffer_.SetSplitAny(argument.ValueAsBool());
+         return kOk;
+       }},
+      R::TrueFalse<&TcpClient::graceful_tls_shutdown_>("GracefullyShutDownSSL"),
+      {"FirewallAutoDetect", [](TcpClient& c, const char*& out) { return AnswerTrueFalse(c, out, false); },
+       [](TcpClient& c, A argument) { return c.SetFirewallAutoDetect(argument.ValueAsBool()); }},
+      {"FirewallType",
+       [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{c.tunnel_.type()}); },
+       [](TcpClient& c, A argument) { return c.SetFirewallType(argument.ValueAsInt()); }},
+      {"FirewallHost", [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, c.FirewallHost()); },
+       [](TcpClient& c, A argument) { return c.SetFirewallHost(argument.Value()); }},
+      {"FirewallPort",
+       [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, int64_t{c.tunnel_.port()}); },
+       [](TcpClient& c, A argument) { return c.SetFirewallPort(argument.ValueAsInt()); }},
+      {"FirewallUser", [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, c.FirewallUser()); },
+       [](TcpClient& c, A argument) { return c.SetFirewallUser(argument.Value()); }},
+      {"FirewallPassword",
+       [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, c.FirewallPassword()); },
+       [](TcpClient& c, A argument) { return c.SetFirewallPassword(argument.Value()); }},
+      {"FirewallData", [](TcpClient& c, const char*& out) { return c.ReturnConfigValue(out, ""); }},
+  };
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return SocketCore::HandleConfig(argument, out);
 }
 
@@ -523,7 +508,10 @@ int TcpClient::ReceiveData(int mode) {
     const ssize_t received = recv(socket_.get(), room.data, room.size, 0);
     if (received < 0) {
       const int error = errno == EWOULDBLOCK ? kErrWouldBlock : errno;
-      if (error == kErrWouldBlock || error == EINTR || error == 88 || error == 103 || error == 104) return error;
+      if (error == kErrWouldBlock || error == EINTR || error == ENOTSOCK || error == ECONNABORTED ||
+          error == ECONNRESET) {
+        return error;
+      }
       ByteString text("socket error in recv: ");
       text.AppendInt(error);
       OnError(error, text.Data());

@@ -22,17 +22,6 @@
 // Not thread-safe.
 namespace orvelan {
 
-inline constexpr int kErrRemotePortBusy = 100;
-inline constexpr int kErrRemoteHostBusy = 101;
-inline constexpr int kErrInvalidAddress = 102;
-inline constexpr int kErrAlreadyConnected = 104;
-inline constexpr int kErrLocalPortBusy = 106;
-inline constexpr int kErrNotConnected = 107;
-inline constexpr int kErrWouldBlock = 11;
-inline constexpr int kErrMaxLineLengthBusy = 112;
-inline constexpr int kErrZeroPort = 116;
-inline constexpr int kErrTunnel = 118;
-
 class TcpClient : public SocketCore {
  public:
   TcpClient() = default;

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "core/error_text_table.h"
+#include "core/setting_table.h"
 #include "net/pem_block.h"
 
 namespace orvelan {
@@ -257,38 +258,47 @@ int TlsChannel::InitDefaults() {
 }
 
 int TlsChannel::HandleConfig(ConfigArgument& argument, const char*& out) {
-  struct TextSetting {
-    const char* name;
-    ByteString* value;
-    const char* warning;
-  };
-  const TextSetting settings[] = {
-      {"OpenSSLCAFile", &ca_file_, "SSL could not load verification file."},
-      {"OpenSSLCADir", &ca_dir_, "SSL could not load verification directory."},
-      {"OpenSSLCipherList", &cipher_list_, "SSL could not load cipher list."},
-  };
-  for (const TextSetting& s : settings) {
-    if (!argument.NameIs(s.name)) continue;
-    if (argument.IsQuery()) return ReturnConfigValue(out, s.value->Data());
-    if (int rc = s.value->Assign(argument.Value()); rc != kOk) return rc;
-    if (ctx_ == nullptr || s.value->Length() == 0) return kOk;
-    ERR_clear_error();
-    int ok;
-    if (s.value == &ca_file_) {
-      ok = SSL_CTX_load_verify_locations(ctx_.get(), ca_file_.Data(), nullptr);
-    } else if (s.value == &ca_dir_) {
-      ok = SSL_CTX_load_verify_locations(ctx_.get(), nullptr, ca_dir_.Data());
-    } else {
-      ok = SSL_CTX_set_cipher_list(ctx_.get(), cipher_list_.Data());
+  struct Verify {
+    // Stores the value, then hands it to a live context at once; a value the
+    // context refuses stays stored and is reported as a warning.
+    static int Set(TlsChannel& c, ByteString& value, const ConfigArgument& argument, const char* warning) {
+      if (int rc = value.Assign(argument.Value()); rc != kOk) return rc;
+      if (c.ctx_ == nullptr || value.Length() == 0) return kOk;
+      ERR_clear_error();
+      int ok;
+      if (&value == &c.ca_file_) {
+        ok = SSL_CTX_load_verify_locations(c.ctx_.get(), c.ca_file_.Data(), nullptr);
+      } else if (&value == &c.ca_dir_) {
+        ok = SSL_CTX_load_verify_locations(c.ctx_.get(), nullptr, c.ca_dir_.Data());
+      } else {
+        ok = SSL_CTX_set_cipher_list(c.ctx_.get(), c.cipher_list_.Data());
+      }
+      return ok == 1 ? kOk : c.ReportTlsProblem(false, warning, kErrTlsSetup);
     }
-    return ok == 1 ? kOk : ReportTlsProblem(false, s.warning, kErrTlsSetup);
-  }
-  if (argument.NameIs("OpenSSLPrngSeedData")) {
-    if (argument.IsQuery()) return ReturnConfigValue(out, prng_seed_.Data());
-    if (int rc = prng_seed_.Assign(argument.Value()); rc != kOk) return rc;
-    if (TakeSeedingChance() && prng_seed_.Length() > 0) RAND_seed(prng_seed_.Data(), prng_seed_.Length());
-    return kOk;
-  }
+  };
+  using R = Setting<TlsChannel>;
+  using A = const ConfigArgument&;
+  static constexpr R kSettings[] = {
+      {"OpenSSLCAFile", R::QueryText<&TlsChannel::ca_file_>,
+       [](TlsChannel& c, A argument) {
+         return Verify::Set(c, c.ca_file_, argument, "SSL could not load verification file.");
+       }},
+      {"OpenSSLCADir", R::QueryText<&TlsChannel::ca_dir_>,
+       [](TlsChannel& c, A argument) {
+         return Verify::Set(c, c.ca_dir_, argument, "SSL could not load verification directory.");
+       }},
+      {"OpenSSLCipherList", R::QueryText<&TlsChannel::cipher_list_>,
+       [](TlsChannel& c, A argument) {
+         return Verify::Set(c, c.cipher_list_, argument, "SSL could not load cipher list.");
+       }},
+      {"OpenSSLPrngSeedData", R::QueryText<&TlsChannel::prng_seed_>,
+       [](TlsChannel& c, A argument) {
+         if (int rc = c.prng_seed_.Assign(argument.Value()); rc != kOk) return rc;
+         if (TakeSeedingChance() && c.prng_seed_.Length() > 0) RAND_seed(c.prng_seed_.Data(), c.prng_seed_.Length());
+         return kOk;
+       }},
+  };
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return TcpClient::HandleConfig(argument, out);
 }
 
@@ -313,7 +323,7 @@ int TlsChannel::ReportTlsProblem(bool fatal, const char* message, int code) {
     text += line;
     last = e;
   }
-  if (code == 287) code = last != 0 ? static_cast<int>(last) : errno;
+  if (code == kErrTlsFailure) code = last != 0 ? static_cast<int>(last) : errno;
   if (fatal) {
     FireError(code, text.c_str());
   }
@@ -383,7 +393,7 @@ int TlsChannel::SendData(const char* data, int32_t length) {
   if (length <= 0) return kOk;
   const int result = session_.Write(std::string_view(data, static_cast<size_t>(length)));
   if (result == TlsSession::kFailed) {
-    const int code = ReportTlsProblem(true, "Error in writing to SSL Connection", 287);
+    const int code = ReportTlsProblem(true, "Error in writing to SSL Connection", kErrTlsFailure);
     AbortTls(code, GetLastError());
     return code;
   }
@@ -456,7 +466,7 @@ void TlsChannel::ContinueHandshake() {
   if (result != TlsSession::kDone) {
     const int code = result == TlsSession::kClosed
                          ? ReportTlsProblem(true, "Error in making an SSL Connection", kErrTlsSetup)
-                         : ReportTlsProblem(true, "Error in making an SSL Connection", 287);
+                         : ReportTlsProblem(true, "Error in making an SSL Connection", kErrTlsFailure);
     AbortTls(code, GetLastError());
     return;
   }
@@ -551,7 +561,7 @@ void TlsChannel::ReadPlaintext() {
       TcpClient::Disconnect(0);
       return;
     }
-    const int code = ReportTlsProblem(true, "Error in reading from SSL Connection", 287);
+    const int code = ReportTlsProblem(true, "Error in reading from SSL Connection", kErrTlsFailure);
     AbortTls(code, GetLastError());
     return;
   }
@@ -791,25 +801,25 @@ int TlsChannel::UseLoadedCertificate() {
 
 int TlsChannel::MakePlaceholderCertificate(EVP_PKEY* key, bool can_sign) {
   X509Ptr cert(X509_new());
-  if (cert == nullptr) return ReportError(287, "Unable to create empty certificate.");
+  if (cert == nullptr) return ReportError(kErrTlsFailure, "Unable to create empty certificate.");
   X509_set_version(cert.get(), 2);
   ASN1_INTEGER_set(X509_get_serialNumber(cert.get()), 0);
   X509_set_pubkey(cert.get(), key);
   X509_NAME* name = X509_NAME_new();
-  if (name == nullptr) return ReportError(287, "Unable to create empty X509_NAME.");
+  if (name == nullptr) return ReportError(kErrTlsFailure, "Unable to create empty X509_NAME.");
   if (X509_NAME_add_entry_by_NID(name, NID_commonName, MBSTRING_ASC,
                                  reinterpret_cast<const unsigned char*>("CN=pem_cert"), -1, -1, 0) != 1) {
     X509_NAME_free(name);
-    return ReportTlsProblem(false, "Error creating Name entry from NID", 287);
+    return ReportTlsProblem(false, "Error creating Name entry from NID", kErrTlsFailure);
   }
   X509_set_subject_name(cert.get(), name);
   X509_set_issuer_name(cert.get(), name);
   X509_NAME_free(name);
   if (X509_gmtime_adj(X509_getm_notBefore(cert.get()), 0) == nullptr) {
-    return ReportError(287, "Could not set notBefore.");
+    return ReportError(kErrTlsFailure, "Could not set notBefore.");
   }
   if (X509_gmtime_adj(X509_getm_notAfter(cert.get()), 31536000) == nullptr) {
-    return ReportError(287, "Could not set notAfter.");
+    return ReportError(kErrTlsFailure, "Could not set notAfter.");
   }
   // An unsigned certificate cannot be encoded at all, so the key signs its own
   // placeholder, or for a bare public key a throwaway key does; nothing checks
@@ -817,7 +827,7 @@ int TlsChannel::MakePlaceholderCertificate(EVP_PKEY* key, bool can_sign) {
   EvpPkeyPtr throwaway(can_sign ? nullptr : EVP_PKEY_Q_keygen(nullptr, nullptr, "ED25519"));
   const int signed_ok = can_sign ? X509_sign(cert.get(), key, EVP_sha256())
                                  : throwaway != nullptr ? X509_sign(cert.get(), throwaway.get(), nullptr) : 0;
-  if (signed_ok <= 0) return ReportTlsProblem(false, "Unable to create empty certificate.", 287);
+  if (signed_ok <= 0) return ReportTlsProblem(false, "Unable to create empty certificate.", kErrTlsFailure);
   client_cert_ = std::move(cert);
   return kOk;
 }

@@ -17,14 +17,6 @@
 // handler. Versions below TLS 1.2 are refused. Not thread-safe.
 namespace orvelan {
 
-inline constexpr int kErrCertStore = 1;
-inline constexpr char kTextCertStoreNotSet[] = "Either the store or its length not set correctly";
-inline constexpr int kErrPfxStore = 271;
-inline constexpr int kErrNoMatchingCert = 272;
-inline constexpr int kErrCertRejected = 276;
-inline constexpr int kErrTlsSetup = 282;
-inline constexpr int kErrStoreTypeNotSupported = 306;
-
 class TlsChannel : public TcpClient {
  public:
   TlsChannel();

@@ -3,8 +3,6 @@
 namespace orvelan {
 namespace {
 
-constexpr int kErrInvalidValue = 202;
-
 constexpr const char* kRequestKinds[MessageSetTable::kCount] = {"ACCTINFO", "STMT",  "INTRA",   "CCSTMT", "LOANSTMT",
                                                                 "INVSTMT",  "INTER", "BILLPAY", "PROF"};
 constexpr const char* kMessageSets[MessageSetTable::kCount] = {"SIGNUP",  "BANK", "BANK",    "CREDITCARD", "LOAN",

@@ -10,19 +10,13 @@
 
 #include "base/text_util.h"
 #include "base/unique_fd.h"
+#include "core/setting_table.h"
 #include "markup/markup_errors.h"
 #include "ofx/ofx_log_file.h"
 #include "ofx/ofx_status_table.h"
 
 namespace orvelan {
 namespace {
-
-constexpr int kErrInvalidValue = 202;
-constexpr int kErrCannotOpen = 302;
-constexpr int kErrCannotWrite = 304;
-constexpr int kErrCannotRead = 305;
-constexpr int kErrCannotCreate = 306;
-constexpr int kErrCannotClose = 307;
 
 constexpr char kHeader1[] =
     "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:~0~\r\nSECURITY:NONE\r\nENCODING:USASCII\r\nCHARSET:1252\r\n"
@@ -50,11 +44,7 @@ constexpr char kImage211[] =
 constexpr char kPasswordChange[] =
     "<PINCHTRNRQ>\r\n<TRNUID>~0~\r\n<PINCHRQ>\r\n<USERID>~1~\r\n<NEWUSERPASS>~2~\r\n</PINCHRQ>\r\n</PINCHTRNRQ>\r\n";
 
-constexpr char kTextInvalidResponse[] = "Invalid OFX response.";
-constexpr char kTextUnknownTags[] = "OFX response contains unknown element tags.";
-constexpr char kTextMissingElement[] = "Expected element missing from server response.";
 constexpr char kTextStatementType[] = "Statement type is invalid.";
-constexpr char kTextCannotParseDate[] = "Cannot parse date.";
 constexpr char kDefaultCurrencyFormat[] = "";
 
 struct ImageStatus {
@@ -341,8 +331,8 @@ const char* OFXClient::OFXRequest() {
 // ---- Exchange and response ----
 
 int OFXClient::MapParseFailure(int code) {
-  if (code == kErrInvalidPath) return ReportError(kErrInvalidResponse, kTextInvalidResponse);
-  if (code == kErrUnbalancedTag) return ReportError(kErrUnknownTags, kTextUnknownTags);
+  if (code == kErrInvalidPath) return ReportError(kErrInvalidOFXResponse, kTextInvalidOFXResponse);
+  if (code == kErrUnbalancedTag) return ReportError(kErrUnknownOFXTags, kTextUnknownOFXTags);
   return code;
 }
 
@@ -674,44 +664,38 @@ int OFXClient::ParseUserDate(ByteString& out, std::string_view text) {
 // ---- Settings ----
 
 int OFXClient::HandleConfig(ConfigArgument& argument, const char*& out) {
-  const bool query = argument.IsQuery();
-  auto text_setting = [&](ByteString& field) {
-    return query ? ReturnConfigValue(out, field.Data()) : field.Assign(argument.Value(), argument.ValueLength());
+  using R = Setting<OFXClient>;
+  using A = const ConfigArgument&;
+  static constexpr R kSettings[] = {
+      R::Text<&OFXClient::version_>("OFXVersion"),
+      R::Text<&OFXClient::ofx_log_>("OFXLog"),
+      R::OneZero<&OFXClient::debug_trace_>("DebugTrace"),
+      R::OneZero<&OFXClient::include_images_>("IncludeImages"),
+      {"OFXDateFormat",
+       [](OFXClient& c, const char*& out) { return c.ReturnConfigValue(out, c.formats_.OFXDateFormat().Data()); },
+       [](OFXClient& c, A argument) { return c.formats_.SetOFXDateFormat(argument.Value()); }},
+      {"DateFormat",
+       [](OFXClient& c, const char*& out) { return c.ReturnConfigValue(out, c.formats_.DateFormat().Data()); },
+       [](OFXClient& c, A argument) { return c.formats_.SetDateFormat(argument.Value()); }},
+      R::Text<&OFXClient::currency_format_>("CurrencyFormat"),
+      {"OFXData",
+       [](OFXClient& c, const char*& out) {
+         const ByteString raw(c.RawResponse());
+         return c.ReturnConfigValue(out, raw.Data());
+       },
+       [](OFXClient& c, A argument) {
+         return c.SetData(std::string_view(argument.Value(), static_cast<size_t>(argument.ValueLength())));
+       }},
+      {"ExtraTags", [](OFXClient& c, const char*& out) { return c.ReturnConfigValue(out, c.document_.ExtraTags()); },
+       [](OFXClient& c, A argument) { return c.document_.SetExtraTags(argument.Value()); }},
+      R::Text<&OFXClient::new_password_>("NewPassword"),
+      R::Text<&OFXClient::client_uid_>("ClientUId"),
+      R::Text<&OFXClient::user_cred1_>("UserCred1A"),
+      R::Text<&OFXClient::user_cred2_>("UserCred2A"),
+      R::Text<&OFXClient::auth_token_>("AuthToken"),
+      {"ServerMessage", R::QueryText<&OFXClient::server_message_>},
   };
-  auto flag_setting = [&](bool& field) {
-    if (query) return ReturnConfigValue(out, field ? 1 : 0);
-    field = argument.ValueAsBool();
-    return kOk;
-  };
-  if (argument.NameIs("OFXVersion")) return text_setting(version_);
-  if (argument.NameIs("OFXLog")) return text_setting(ofx_log_);
-  if (argument.NameIs("DebugTrace")) return flag_setting(debug_trace_);
-  if (argument.NameIs("IncludeImages")) return flag_setting(include_images_);
-  if (argument.NameIs("OFXDateFormat")) {
-    return query ? ReturnConfigValue(out, formats_.OFXDateFormat().Data())
-                 : formats_.SetOFXDateFormat(argument.Value());
-  }
-  if (argument.NameIs("DateFormat")) {
-    return query ? ReturnConfigValue(out, formats_.DateFormat().Data()) : formats_.SetDateFormat(argument.Value());
-  }
-  if (argument.NameIs("CurrencyFormat")) return text_setting(currency_format_);
-  if (argument.NameIs("OFXData")) {
-    if (query) {
-      const ByteString raw(RawResponse());
-      return ReturnConfigValue(out, raw.Data());
-    }
-    return SetData(std::string_view(argument.Value(), static_cast<size_t>(argument.ValueLength())));
-  }
-  if (argument.NameIs("ExtraTags")) {
-    if (query) return ReturnConfigValue(out, document_.ExtraTags());
-    return document_.SetExtraTags(argument.Value());
-  }
-  if (argument.NameIs("NewPassword")) return text_setting(new_password_);
-  if (argument.NameIs("ClientUId")) return text_setting(client_uid_);
-  if (argument.NameIs("UserCred1A")) return text_setting(user_cred1_);
-  if (argument.NameIs("UserCred2A")) return text_setting(user_cred2_);
-  if (argument.NameIs("AuthToken")) return text_setting(auth_token_);
-  if (argument.NameIs("ServerMessage")) return query ? ReturnConfigValue(out, server_message_.Data()) : kOk;
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return HttpsClient::HandleConfig(argument, out);
 }
 

@@ -30,12 +30,6 @@
 // One engine belongs to one component; not thread-safe.
 namespace orvelan {
 
-inline constexpr char kTextNoResponse[] = "No response available from the server.";
-inline constexpr int kErrMissingField = 2000;
-inline constexpr int kErrServerStatus = 2001;
-inline constexpr int kErrInvalidResponse = 2002;
-inline constexpr int kErrUnknownTags = 2003;
-
 class OFXClient : public HttpsClient {
  public:
   // The text every masked credential reads as in the OFX log.

@@ -15,8 +15,6 @@
 // other runs are literal text. Field values are never range-checked.
 namespace orvelan {
 
-inline constexpr int kErrCannotParseDate = 676;
-
 class OFXDateTime {
  public:
   // Holds the current local time, milliseconds 0 and zone offset 0.

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "base/error_codes.h"
 #include "base/unique_fd.h"
 
 namespace orvelan {
@@ -27,21 +28,21 @@ int OFXLogFile::Fail(int code, const char* text) {
 
 int OFXLogFile::WriteRequest(std::string_view request) {
   UniqueFd fd(::open(path_, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
-  if (!fd.is_valid()) return Fail(306, "Cannot create OFX log file.");
+  if (!fd.is_valid()) return Fail(kErrCannotCreate, "Cannot create OFX log file.");
   WriteAll(fd.get(), kRequestBegin);
-  if (!WriteAll(fd.get(), request)) return Fail(304, "Cannot write in OFX log file.");
+  if (!WriteAll(fd.get(), request)) return Fail(kErrCannotWrite, "Cannot write in OFX log file.");
   WriteAll(fd.get(), kRequestEnd);
-  if (!CloseChecked(fd)) return Fail(307, "Cannot close OFX log file.");
+  if (!CloseChecked(fd)) return Fail(kErrCannotClose, "Cannot close OFX log file.");
   return 0;
 }
 
 int OFXLogFile::WriteResponse(std::string_view response) {
   UniqueFd fd(::open(path_, O_WRONLY | O_APPEND | O_CLOEXEC));
-  if (!fd.is_valid()) return Fail(302, "Cannot open OFX log file.");
+  if (!fd.is_valid()) return Fail(kErrCannotOpen, "Cannot open OFX log file.");
   WriteAll(fd.get(), kResponseBegin);
-  if (!WriteAll(fd.get(), response)) return Fail(304, "Cannot append to OFX log file.");
+  if (!WriteAll(fd.get(), response)) return Fail(kErrCannotWrite, "Cannot append to OFX log file.");
   WriteAll(fd.get(), kResponseEnd);
-  if (!CloseChecked(fd)) return Fail(307, "Cannot close open OFX log file.");
+  if (!CloseChecked(fd)) return Fail(kErrCannotClose, "Cannot close open OFX log file.");
   return 0;
 }
 

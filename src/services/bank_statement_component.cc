@@ -10,71 +10,86 @@ using P = PropertyBuilder<S>;
 
 std::vector<PropertyDef<S>> Properties() {
   std::vector<PropertyDef<S>> table = {
-      P::Text<&S::AccountId, &S::SetAccountId>(1, "AccountId", ""),
-      P::Int<&S::AccountType, &S::SetAccountType>(2, "AccountType", true, 0),
-      P::Text<&S::AvailableBalance>(3, "AvailableBalance"),
-      P::Text<&S::AvailableBalanceDate>(4, "AvailableBalanceDate"),
-      P::Text<&S::BankId, &S::SetBankId>(5, "BankId", ""),
-      P::Int<&S::ClosingInfoCount>(6, "ClosingInfoCount"),
-      P::IndexedText<&S::ClosingInfoAggregate, &S::CheckClosingIndex>(7, "ClosingInfoAggregate"),
-      P::IndexedText<&S::ClosingInfoBalanceClose, &S::CheckClosingIndex>(8, "ClosingInfoBalanceClose"),
-      P::IndexedText<&S::ClosingInfoBalanceOpen, &S::CheckClosingIndex>(9, "ClosingInfoBalanceOpen"),
-      P::IndexedText<&S::ClosingInfoDateClose, &S::CheckClosingIndex>(10, "ClosingInfoDateClose"),
-      P::IndexedText<&S::ClosingInfoDateEnd, &S::CheckClosingIndex>(11, "ClosingInfoDateEnd"),
-      P::IndexedText<&S::ClosingInfoDateOpen, &S::CheckClosingIndex>(12, "ClosingInfoDateOpen"),
-      P::IndexedText<&S::ClosingInfoDateStart, &S::CheckClosingIndex>(13, "ClosingInfoDateStart"),
-      P::IndexedText<&S::ClosingInfoFITID, &S::CheckClosingIndex>(14, "ClosingInfoFITID"),
-      P::IndexedText<&S::ClosingInfoImageRef, &S::CheckClosingIndex>(15, "ClosingInfoImageRef"),
-      P::IndexedText<&S::ClosingInfoImageRefType, &S::CheckClosingIndex>(16, "ClosingInfoImageRefType"),
-      P::IndexedText<&S::ClosingInfoTotalCredits, &S::CheckClosingIndex>(17, "ClosingInfoTotalCredits"),
-      P::IndexedText<&S::ClosingInfoTotalDebits, &S::CheckClosingIndex>(18, "ClosingInfoTotalDebits"),
-      P::IndexedText<&S::ClosingInfoTotalFees, &S::CheckClosingIndex>(19, "ClosingInfoTotalFees"),
-      P::IndexedText<&S::ClosingInfoTotalInterest, &S::CheckClosingIndex>(20, "ClosingInfoTotalInterest"),
-      P::Text<&S::CurrencyCode>(21, "CurrencyCode"),
-      P::Text<&S::EndDate, &S::SetEndDate>(22, "EndDate", ""),
-      P::Text<&S::LedgerBalance>(34, "LedgerBalance"),
-      P::Text<&S::LedgerBalanceDate>(35, "LedgerBalanceDate"),
-      P::Text<&S::StartDate, &S::SetStartDate>(51, "StartDate", ""),
-      P::Int<&S::TxCount>(53, "TxCount"),
-      P::IndexedText<&S::TxAggregate, &S::CheckTxIndex>(54, "TxAggregate"),
-      P::IndexedText<&S::TxAmount, &S::CheckTxIndex>(55, "TxAmount"),
-      P::IndexedText<&S::TxCheckNumber, &S::CheckTxIndex>(56, "TxCheckNumber"),
-      P::IndexedText<&S::TxDateInitiated, &S::CheckTxIndex>(57, "TxDateInitiated"),
-      P::IndexedText<&S::TxDatePosted, &S::CheckTxIndex>(58, "TxDatePosted"),
-      P::IndexedText<&S::TxFITID, &S::CheckTxIndex>(59, "TxFITID"),
-      P::IndexedText<&S::TxMemo, &S::CheckTxIndex>(60, "TxMemo"),
-      P::IndexedText<&S::TxPayeeName, &S::CheckTxIndex>(61, "TxPayeeName"),
-      P::IndexedInt<&S::TxType, &S::CheckTxIndex>(62, "TxType"),
-      P::IndexedText<&S::TxTypeDescription, &S::CheckTxIndex>(63, "TxTypeDescription"),
+      P::Text<&S::AccountId, &S::SetAccountId>(BANKSTATEMENT_PROP_ACCOUNTID, "AccountId", ""),
+      P::Int<&S::AccountType, &S::SetAccountType>(BANKSTATEMENT_PROP_ACCOUNTTYPE, "AccountType", true, 0),
+      P::Text<&S::AvailableBalance>(BANKSTATEMENT_PROP_AVAILABLEBALANCE, "AvailableBalance"),
+      P::Text<&S::AvailableBalanceDate>(BANKSTATEMENT_PROP_AVAILABLEBALANCEDATE, "AvailableBalanceDate"),
+      P::Text<&S::BankId, &S::SetBankId>(BANKSTATEMENT_PROP_BANKID, "BankId", ""),
+      P::Int<&S::ClosingInfoCount>(BANKSTATEMENT_PROP_CLOSINGINFOCOUNT, "ClosingInfoCount"),
+      P::IndexedText<&S::ClosingInfoAggregate, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFOAGGREGATE,
+                                                                      "ClosingInfoAggregate"),
+      P::IndexedText<&S::ClosingInfoBalanceClose, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFOBALANCECLOSE,
+                                                                         "ClosingInfoBalanceClose"),
+      P::IndexedText<&S::ClosingInfoBalanceOpen, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFOBALANCEOPEN,
+                                                                        "ClosingInfoBalanceOpen"),
+      P::IndexedText<&S::ClosingInfoDateClose, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFODATECLOSE,
+                                                                      "ClosingInfoDateClose"),
+      P::IndexedText<&S::ClosingInfoDateEnd, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFODATEEND,
+                                                                    "ClosingInfoDateEnd"),
+      P::IndexedText<&S::ClosingInfoDateOpen, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFODATEOPEN,
+                                                                     "ClosingInfoDateOpen"),
+      P::IndexedText<&S::ClosingInfoDateStart, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFODATESTART,
+                                                                      "ClosingInfoDateStart"),
+      P::IndexedText<&S::ClosingInfoFITID, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFOFITID,
+                                                                  "ClosingInfoFITID"),
+      P::IndexedText<&S::ClosingInfoImageRef, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFOIMAGEREF,
+                                                                     "ClosingInfoImageRef"),
+      P::IndexedText<&S::ClosingInfoImageRefType, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFOIMAGEREFTYPE,
+                                                                         "ClosingInfoImageRefType"),
+      P::IndexedText<&S::ClosingInfoTotalCredits, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFOTOTALCREDITS,
+                                                                         "ClosingInfoTotalCredits"),
+      P::IndexedText<&S::ClosingInfoTotalDebits, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFOTOTALDEBITS,
+                                                                        "ClosingInfoTotalDebits"),
+      P::IndexedText<&S::ClosingInfoTotalFees, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFOTOTALFEES,
+                                                                      "ClosingInfoTotalFees"),
+      P::IndexedText<&S::ClosingInfoTotalInterest, &S::CheckClosingIndex>(BANKSTATEMENT_PROP_CLOSINGINFOTOTALINTEREST,
+                                                                          "ClosingInfoTotalInterest"),
+      P::Text<&S::CurrencyCode>(BANKSTATEMENT_PROP_CURRENCYCODE, "CurrencyCode"),
+      P::Text<&S::EndDate, &S::SetEndDate>(BANKSTATEMENT_PROP_ENDDATE, "EndDate", ""),
+      P::Text<&S::LedgerBalance>(BANKSTATEMENT_PROP_LEDGERBALANCE, "LedgerBalance"),
+      P::Text<&S::LedgerBalanceDate>(BANKSTATEMENT_PROP_LEDGERBALANCEDATE, "LedgerBalanceDate"),
+      P::Text<&S::StartDate, &S::SetStartDate>(BANKSTATEMENT_PROP_STARTDATE, "StartDate", ""),
+      P::Int<&S::TxCount>(BANKSTATEMENT_PROP_TXCOUNT, "TxCount"),
+      P::IndexedText<&S::TxAggregate, &S::CheckTxIndex>(BANKSTATEMENT_PROP_TXAGGREGATE, "TxAggregate"),
+      P::IndexedText<&S::TxAmount, &S::CheckTxIndex>(BANKSTATEMENT_PROP_TXAMOUNT, "TxAmount"),
+      P::IndexedText<&S::TxCheckNumber, &S::CheckTxIndex>(BANKSTATEMENT_PROP_TXCHECKNUMBER, "TxCheckNumber"),
+      P::IndexedText<&S::TxDateInitiated, &S::CheckTxIndex>(BANKSTATEMENT_PROP_TXDATEINITIATED, "TxDateInitiated"),
+      P::IndexedText<&S::TxDatePosted, &S::CheckTxIndex>(BANKSTATEMENT_PROP_TXDATEPOSTED, "TxDatePosted"),
+      P::IndexedText<&S::TxFITID, &S::CheckTxIndex>(BANKSTATEMENT_PROP_TXFITID, "TxFITID"),
+      P::IndexedText<&S::TxMemo, &S::CheckTxIndex>(BANKSTATEMENT_PROP_TXMEMO, "TxMemo"),
+      P::IndexedText<&S::TxPayeeName, &S::CheckTxIndex>(BANKSTATEMENT_PROP_TXPAYEENAME, "TxPayeeName"),
+      P::IndexedInt<&S::TxType, &S::CheckTxIndex>(BANKSTATEMENT_PROP_TXTYPE, "TxType"),
+      P::IndexedText<&S::TxTypeDescription, &S::CheckTxIndex>(BANKSTATEMENT_PROP_TXTYPEDESCRIPTION,
+                                                              "TxTypeDescription"),
   };
   CommonPropertyIds ids;
-  ids.fi_id = 23;
-  ids.fi_organization = 24;
-  ids.firewall_auto_detect = 25;
-  ids.firewall_type = 26;
-  ids.firewall_host = 27;
-  ids.firewall_password = 28;
-  ids.firewall_port = 29;
-  ids.firewall_user = 30;
-  ids.fi_url = 31;
-  ids.image_file = 32;
-  ids.include_images = 33;
-  ids.ofx_access_key = 36;
-  ids.ofx_app_id = 37;
-  ids.ofx_app_version = 38;
-  ids.ofx_password = 39;
-  ids.ofx_request = 40;
-  ids.ofx_response = 41;
-  ids.ofx_user = 42;
-  ids.ofx_version = 43;
-  ids.ssl_accept_server_cert_encoded = 44;
-  ids.ssl_cert_encoded = 45;
-  ids.ssl_cert_store = 46;
-  ids.ssl_cert_store_password = 47;
-  ids.ssl_cert_store_type = 48;
-  ids.ssl_cert_subject = 49;
-  ids.ssl_server_cert_encoded = 50;
-  ids.timeout = 52;
+  ids.fi_id = BANKSTATEMENT_PROP_FIID;
+  ids.fi_organization = BANKSTATEMENT_PROP_FIORGANIZATION;
+  ids.firewall_auto_detect = BANKSTATEMENT_PROP_FIREWALLAUTODETECT;
+  ids.firewall_type = BANKSTATEMENT_PROP_FIREWALLTYPE;
+  ids.firewall_host = BANKSTATEMENT_PROP_FIREWALLHOST;
+  ids.firewall_password = BANKSTATEMENT_PROP_FIREWALLPASSWORD;
+  ids.firewall_port = BANKSTATEMENT_PROP_FIREWALLPORT;
+  ids.firewall_user = BANKSTATEMENT_PROP_FIREWALLUSER;
+  ids.fi_url = BANKSTATEMENT_PROP_FIURL;
+  ids.image_file = BANKSTATEMENT_PROP_IMAGEFILE;
+  ids.include_images = BANKSTATEMENT_PROP_INCLUDEIMAGES;
+  ids.ofx_access_key = BANKSTATEMENT_PROP_OFXACCESSKEY;
+  ids.ofx_app_id = BANKSTATEMENT_PROP_OFXAPPID;
+  ids.ofx_app_version = BANKSTATEMENT_PROP_OFXAPPVERSION;
+  ids.ofx_password = BANKSTATEMENT_PROP_OFXPASSWORD;
+  ids.ofx_request = BANKSTATEMENT_PROP_OFXREQUEST;
+  ids.ofx_response = BANKSTATEMENT_PROP_OFXRESPONSE;
+  ids.ofx_user = BANKSTATEMENT_PROP_OFXUSER;
+  ids.ofx_version = BANKSTATEMENT_PROP_OFXVERSION;
+  ids.ssl_accept_server_cert_encoded = BANKSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED;
+  ids.ssl_cert_encoded = BANKSTATEMENT_PROP_SSLCERTENCODED;
+  ids.ssl_cert_store = BANKSTATEMENT_PROP_SSLCERTSTORE;
+  ids.ssl_cert_store_password = BANKSTATEMENT_PROP_SSLCERTSTOREPASSWORD;
+  ids.ssl_cert_store_type = BANKSTATEMENT_PROP_SSLCERTSTORETYPE;
+  ids.ssl_cert_subject = BANKSTATEMENT_PROP_SSLCERTSUBJECT;
+  ids.ssl_server_cert_encoded = BANKSTATEMENT_PROP_SSLSERVERCERTENCODED;
+  ids.timeout = BANKSTATEMENT_PROP_TIMEOUT;
   AppendCommonProperties(table, ids);
   return table;
 }
@@ -97,13 +112,13 @@ int RunGetImage(S& s, MethodCall<S>& call) {
 
 std::vector<MethodDef<S>> Methods() {
   return {
-      MethodDef<S>{2, "Config", RunConfigMethod<S>},
-      MethodDef<S>{3, "GetClosingInfo", RunGetClosingInfo},
-      MethodDef<S>{4, "GetImage", RunGetImage},
-      MethodDef<S>{5, "GetStatement", RunGetStatement},
-      MethodDef<S>{6, "ReadOFXDataFile", RunReadOFXDataFile},
-      MethodDef<S>{7, "Reset", RunReset},
-      MethodDef<S>{8, "WriteOFXDataFile", RunWriteOFXDataFile},
+      MethodDef<S>{BANKSTATEMENT_METHOD_CONFIG, "Config", RunConfigMethod<S>},
+      MethodDef<S>{BANKSTATEMENT_METHOD_GETCLOSINGINFO, "GetClosingInfo", RunGetClosingInfo},
+      MethodDef<S>{BANKSTATEMENT_METHOD_GETIMAGE, "GetImage", RunGetImage},
+      MethodDef<S>{BANKSTATEMENT_METHOD_GETSTATEMENT, "GetStatement", RunGetStatement},
+      MethodDef<S>{BANKSTATEMENT_METHOD_READOFXDATAFILE, "ReadOFXDataFile", RunReadOFXDataFile},
+      MethodDef<S>{BANKSTATEMENT_METHOD_RESET, "Reset", RunReset},
+      MethodDef<S>{BANKSTATEMENT_METHOD_WRITEOFXDATAFILE, "WriteOFXDataFile", RunWriteOFXDataFile},
   };
 }
 

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "base/error_codes.h"
+#include "core/setting_table.h"
 
 namespace orvelan {
 namespace {
@@ -30,8 +31,6 @@ constexpr int32_t kSlotCount = 7;
 constexpr char kTextBankIdMissing[] = "Missing required field: Bank Id is missing in the request.";
 constexpr char kTextAccountIdMissing[] = "Missing required field: Account Number is missing in the request.";
 constexpr char kTextBadVersion[] = "OFXVersion must begin with \"1\" or \"2\".";
-
-constexpr int kErrInvalidValue = 202;
 constexpr char kTextInvalidAccountType[] = "AccountType is invalid.";
 constexpr char kTextInvalidTxIndex[] = "Invalid TxIndex (out of bounds).";
 constexpr char kTextInvalidClosingIndex[] = "Invalid ClosingInfoIndex (out of bounds).";
@@ -75,11 +74,9 @@ int BankStatementService::ClearResponse() {
 }
 
 int BankStatementService::HandleConfig(ConfigArgument& argument, const char*& out) {
-  if (argument.NameIs("BankIdPresent")) {
-    if (argument.IsQuery()) return ReturnConfigValue(out, bank_id_present_ ? 1 : 0);
-    bank_id_present_ = argument.ValueAsBool();
-    return kOk;
-  }
+  using R = Setting<BankStatementService>;
+  static constexpr R kSettings[] = {R::OneZero<&BankStatementService::bank_id_present_>("BankIdPresent")};
+  if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return OFXClient::HandleConfig(argument, out);
 }
 

@@ -8,21 +8,23 @@ using P = PropertyBuilder<S>;
 
 std::vector<PropertyDef<S>> Properties() {
   return {
-      P::Text<&S::Aggregate, &S::SetAggregate>(1, "Aggregate", ""),
-      P::Int<&S::NamespaceCount>(2, "AggregateNamespaceCount"),
-      P::IndexedText<&S::NamespacePrefix, &S::CheckNamespaceIndex>(3, "AggregateNamespacePrefix"),
-      P::IndexedText<&S::NamespaceURI, &S::CheckNamespaceIndex>(4, "AggregateNamespaceURI"),
-      P::Int<&S::ChildCount>(5, "ChildCount"),
-      P::IndexedText<&S::ChildName, &S::CheckChildIndex>(6, "ChildName"),
-      P::IndexedText<&S::ChildNamespace, &S::CheckChildIndex>(7, "ChildNamespace"),
-      P::IndexedText<&S::ChildPrefix, &S::CheckChildIndex>(8, "ChildPrefix"),
-      P::IndexedText<&S::ChildText, &S::CheckChildIndex>(9, "ChildText"),
-      P::Text<&S::ElementName>(10, "ElementName"),
-      P::Text<&S::ElementNamespace>(11, "ElementNamespace"),
-      P::Text<&S::ParentName>(12, "ElementParent"),
-      P::Text<&S::ElementPath, &S::SetElementPath>(13, "ElementPath", ""),
-      P::Text<&S::ElementPrefix>(14, "ElementPrefix"),
-      P::Text<&S::ElementText>(15, "ElementText"),
+      P::Text<&S::Aggregate, &S::SetAggregate>(OFXAGGREGATE_PROP_AGGREGATE, "Aggregate", ""),
+      P::Int<&S::NamespaceCount>(OFXAGGREGATE_PROP_AGGREGATENAMESPACECOUNT, "AggregateNamespaceCount"),
+      P::IndexedText<&S::NamespacePrefix, &S::CheckNamespaceIndex>(OFXAGGREGATE_PROP_AGGREGATENAMESPACEPREFIX,
+                                                                   "AggregateNamespacePrefix"),
+      P::IndexedText<&S::NamespaceURI, &S::CheckNamespaceIndex>(OFXAGGREGATE_PROP_AGGREGATENAMESPACEURI,
+                                                                "AggregateNamespaceURI"),
+      P::Int<&S::ChildCount>(OFXAGGREGATE_PROP_CHILDCOUNT, "ChildCount"),
+      P::IndexedText<&S::ChildName, &S::CheckChildIndex>(OFXAGGREGATE_PROP_CHILDNAME, "ChildName"),
+      P::IndexedText<&S::ChildNamespace, &S::CheckChildIndex>(OFXAGGREGATE_PROP_CHILDNAMESPACE, "ChildNamespace"),
+      P::IndexedText<&S::ChildPrefix, &S::CheckChildIndex>(OFXAGGREGATE_PROP_CHILDPREFIX, "ChildPrefix"),
+      P::IndexedText<&S::ChildText, &S::CheckChildIndex>(OFXAGGREGATE_PROP_CHILDTEXT, "ChildText"),
+      P::Text<&S::ElementName>(OFXAGGREGATE_PROP_ELEMENTNAME, "ElementName"),
+      P::Text<&S::ElementNamespace>(OFXAGGREGATE_PROP_ELEMENTNAMESPACE, "ElementNamespace"),
+      P::Text<&S::ParentName>(OFXAGGREGATE_PROP_ELEMENTPARENT, "ElementParent"),
+      P::Text<&S::ElementPath, &S::SetElementPath>(OFXAGGREGATE_PROP_ELEMENTPATH, "ElementPath", ""),
+      P::Text<&S::ElementPrefix>(OFXAGGREGATE_PROP_ELEMENTPREFIX, "ElementPrefix"),
+      P::Text<&S::ElementText>(OFXAGGREGATE_PROP_ELEMENTTEXT, "ElementText"),
   };
 }
 
@@ -33,7 +35,8 @@ int RunPathExists(S& s, MethodCall<S>& call) {
 }
 
 std::vector<MethodDef<S>> Methods() {
-  return {MethodDef<S>{2, "Config", RunConfigMethod<S>}, MethodDef<S>{3, "PathExists", RunPathExists}};
+  return {MethodDef<S>{OFXAGGREGATE_METHOD_CONFIG, "Config", RunConfigMethod<S>},
+          MethodDef<S>{OFXAGGREGATE_METHOD_PATHEXISTS, "PathExists", RunPathExists}};
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include "core/component_core.h"
+#include "core/setting_table.h"
 
 #include <string>
 
@@ -7,16 +8,24 @@
 namespace orvelan {
 namespace {
 
-// A layer above the core with one setting of its own, to show the chain.
+// A layer above the core with settings of its own, declared as a service would.
 class LayeredCore : public ComponentCore {
  public:
   int HandleConfig(ConfigArgument& argument, const char*& out) override {
-    if (!argument.NameIs("Depth")) return ComponentCore::HandleConfig(argument, out);
-    if (argument.IsQuery()) return ReturnConfigValue(out, depth_);
-    depth_ = argument.ValueAsInt();
-    return 0;
+    using R = Setting<LayeredCore>;
+    static constexpr R kSettings[] = {
+        R::Int<&LayeredCore::depth_>("Depth"),
+        R::TrueFalse<&LayeredCore::deep_>("Deep"),
+        R::OneZero<&LayeredCore::deep_>("DeepBit"),
+        R::Text<&LayeredCore::label_>("Label"),
+        {"Fixed", [](LayeredCore& c, const char*& out) { return c.ReturnConfigValue(out, "fixed"); }},
+    };
+    if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
+    return ComponentCore::HandleConfig(argument, out);
   }
-  int depth_ = 3;
+  int32_t depth_ = 3;
+  bool deep_ = false;
+  ByteString label_;
 };
 
 // Parsing itself is covered with ConfigArgument; these are the core's settings.
@@ -25,6 +34,9 @@ TEST(ComponentCoreTest, ConfigSettingsThroughTheLayers) {
       {"CodePage", 0, "0"},        {"codepage=65001", 0, ""}, {"CODEPAGE", 0, "65001"}, {"CodePage=", 0, ""},
       {"CharsetMode=300", 0, ""},  {"charsetmode", 0, "44"},  {"CharsetMode=200", 0, ""},
       {"CharsetMode", 0, "-56"},   {"depth", 0, "3"},         {"Depth=9", 0, ""},       {"Depth", 0, "9"},
+      {"Deep=YES", 0, ""},         {"deep", 0, "True"},       {"DeepBit", 0, "1"},      {"DeepBit=0", 0, ""},
+      {"Deep", 0, "False"},        {"Label=a=b", 0, ""},      {"LABEL", 0, "a=b"},      {"Fixed=x", 0, ""},
+      {"Fixed", 0, "fixed"},
       {"Foo=1", -1, ""},           {"CodePage2", -1, ""},     {nullptr, -1, ""},
   };
   LayeredCore core;

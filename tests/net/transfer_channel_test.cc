@@ -241,6 +241,28 @@ TEST(TransferChannelTest, LocalAndFirewallHostFailuresAreSystemErrors) {
   }
 }
 
+TEST(TransferChannelTest, SettingsAnswerQueries) {
+  Probe p;
+  const struct { const char* set; const char* name; const char* answer; } cases[] = {
+      {nullptr, "SelectWaitMillis", "20"},
+      {"AbsoluteTimeout=YES", "AbsoluteTimeout", "True"},
+      {"MaxLineLength=100000", "MaxLineLength", "65536"},
+      {"MaxLineLength=0", "MaxLineLength", "1"},
+      {nullptr, "InBufferSize", "65536"},
+      {nullptr, "SocketHandle", "-1"},
+      {"FirewallType=2", "FirewallPort", "1080"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    if (c.set != nullptr) {
+      EXPECT_EQ(p.Set(c.set), 0);
+    }
+    EXPECT_EQ(p.Query(c.name), c.answer);
+  }
+  EXPECT_EQ(p.Set("NoSuchSetting=1"), -1);
+  EXPECT_STREQ(p.GetLastError(), "Unknown config setting.");
+}
+
 TEST(TransferChannelTest, ExternalEventLoopWaitsThroughTheHost) {
   LoopbackServer server([](int fd) { LoopbackServer::WriteAll(fd, "hi"); });
   Probe p;

@@ -40,7 +40,8 @@ TEST(BankStatementComponentTest, TransactionTypeDescriptionsOutsideTheTable) {
 }
 
 // The transport's settings answer through the component's Config, from the
-// HTTP layer down to the socket layer, with an OFX client's defaults.
+// HTTP layer down to the socket layer, with an OFX client's defaults; the
+// engine's DebugTrace (1 or 0) hides the HTTP layer's (True or False).
 TEST(BankStatementComponentTest, ConfigReachesTheTransport) {
   BankStatementComponent component(nullptr, nullptr);
   auto& s = component.service();
@@ -49,6 +50,7 @@ TEST(BankStatementComponentTest, ConfigReachesTheTransport) {
     const char* answer;
   } cases[] = {
       {"MaxTransferredData", "0"}, {"HTTPVersion", "1.1"}, {"SelectWaitMillis", "20"}, {"MaxLineLength", "2048"},
+      {"DebugTrace", "0"},
   };
   const char* out = nullptr;
   for (const auto& c : cases) {
