@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-
 namespace orvelan {
 namespace {
 
@@ -37,26 +36,6 @@ TEST(BankStatementComponentTest, TransactionTypeDescriptionsOutsideTheTable) {
   const std::pair<int, const char*> cases[] = {{0, "Credit"}, {18, "Payment of Balloon Amount"}, {19, "Other"},
                                                {255, "Other"}, {-1, "Other"}};
   for (const auto& [index, text] : cases) EXPECT_STREQ(StatementTransaction::TypeDescription(index), text) << index;
-}
-
-// The transport's settings answer through the component's Config, from the
-// HTTP layer down to the socket layer, with an OFX client's defaults.
-TEST(BankStatementComponentTest, ConfigReachesTheTransport) {
-  BankStatementComponent component(nullptr, nullptr);
-  auto& s = component.service();
-  const struct {
-    const char* query;
-    const char* answer;
-  } cases[] = {
-      {"MaxTransferredData", "0"}, {"HTTPVersion", "1.1"}, {"SelectWaitMillis", "20"}, {"MaxLineLength", "2048"},
-  };
-  const char* out = nullptr;
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.query);
-    ASSERT_EQ(s.Config(c.query, out), 0);
-    EXPECT_STREQ(out, c.answer);
-  }
-  EXPECT_EQ(s.Timeout(), 60);
 }
 
 }  // namespace
