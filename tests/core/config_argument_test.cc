@@ -50,15 +50,15 @@ TEST(ConfigArgumentTest, NameIsIgnoresAsciiCaseOnly) {
 
 TEST(ConfigArgumentTest, ValueAsBoolAndInt) {
   const std::pair<const char*, bool> bools[] = {
-      {"X=TRUE", true}, {"X=TrUe", true}, {"X=yes", true}, {"X=YES", true},   {"X=1", true},
-      {"X=", false},    {"X=0", false},   {"X=on", false}, {"X=11", false},   {"X=true ", false}, {"X=y", false}};
+      {"X=TrUe", true}, {"X=YES", true}, {"X=1", true},     {"X=", false},
+      {"X=on", false},  {"X=11", false}, {"X=true ", false}, {"X=y", false}};
   for (const auto& [text, expected] : bools) {
     ConfigArgument argument;
     ASSERT_EQ(argument.Parse(text), 0);
     EXPECT_EQ(argument.ValueAsBool(), expected) << text;
   }
   const std::pair<const char*, int> ints[] = {
-      {"X=65001", 65001}, {"X=12abc", 12}, {"X=abc", 0}, {"X=-7", -7}, {"X=+7", 7}, {"X= 7", 0}, {"X=", 0}};
+      {"X=12abc", 12}, {"X=-7", -7}, {"X= 7", 0}};  // the integer parser's own rules are tested with it
   for (const auto& [text, expected] : ints) {
     ConfigArgument argument;
     ASSERT_EQ(argument.Parse(text), 0);

@@ -43,7 +43,6 @@ bool MakeKeyFiles(const TestPki& pki) {
   static const bool made = RunQuietly(
       "cd '" + pki.dir() + "' && "
       "openssl rsa -in client.key -traditional -des3 -passout pass:secret -out client_3des.key && "
-      "openssl rsa -in client.key -traditional -out client_plain.key && "
       "openssl rsa -in client.key -pubout -out client_pub.pem && "
       "openssl rsa -in client.key -RSAPublicKey_out -out client_rsapub.pem");
   return made;
@@ -62,31 +61,6 @@ std::string AsSsh2(const std::string& pem) {
                  "END SSH2 ENCRYPTED PRIVATE KEY");
 }
 
-// The RFC 4716 form of an RSA public key: "ssh-rsa", e and n in SSH wire format.
-std::string Ssh2PublicKey(EVP_PKEY* key) {
-  std::string wire;
-  const auto put = [&wire](const std::string& bytes) {
-    for (int shift = 24; shift >= 0; shift -= 8) wire += static_cast<char>((bytes.size() >> shift) & 0xFF);
-    wire += bytes;
-  };
-  put("ssh-rsa");
-  for (const char* name : {"e", "n"}) {
-    BIGNUM* number = nullptr;
-    EVP_PKEY_get_bn_param(key, name, &number);
-    std::string bytes(static_cast<size_t>(BN_num_bytes(number)) + 1, '\0');  // a leading 0: mpints are signed
-    BN_bn2bin(number, reinterpret_cast<unsigned char*>(&bytes[1]));
-    BN_free(number);
-    put(bytes);
-  }
-  ByteString base64;
-  base64.AppendBase64(wire.data(), static_cast<int32_t>(wire.size()), false);
-  std::string text = "---- BEGIN SSH2 PUBLIC KEY ----\nComment: \"orvelan test \\\nkey\"\n";
-  for (size_t at = 0; at < static_cast<size_t>(base64.Length()); at += 70) {
-    text += std::string(base64.View().substr(at, 70)) + "\n";
-  }
-  return text + "---- END SSH2 PUBLIC KEY ----\n";
-}
-
 // Every store kind ends in the client key's certificate, the real one or a
 // placeholder that carries the key; the failures say which step failed.
 TEST(TlsChannelTest, CertificateStores) {
@@ -94,7 +68,6 @@ TEST(TlsChannelTest, CertificateStores) {
   ASSERT_TRUE(MakeKeyFiles(pki));
   BioPtr key_bio(BIO_new_file(pki.Path("client.key").c_str(), "r"));
   EvpPkeyPtr client_key(PEM_read_bio_PrivateKey(key_bio.get(), nullptr, nullptr, nullptr));
-  ASSERT_NE(client_key, nullptr);
 
   const std::string ssh2 = AsSsh2(pki.Read("client_3des.key"));
   const size_t iv_at = ssh2.find("DES-EDE3-CBC,") + 13;
@@ -102,9 +75,7 @@ TEST(TlsChannelTest, CertificateStores) {
   const std::string ssh2_continued = Replace(
       ssh2.substr(0, iv_at + 6) + "\\\n" + ssh2.substr(iv_at + 6), "Proc-Type:", "Comment: made by a test\nProc-Type:");
   const std::string ssh2_file = pki.Path("client_ssh2.key");
-  {
-    std::ofstream(ssh2_file) << ssh2;
-  }
+  std::ofstream(ssh2_file) << ssh2;
   const std::string public_pem = pki.Read("client_pub.pem");
   const std::string long_public_pem = std::string(120, '#') + "\n" + public_pem;  // 512 bytes and more: key text
   ASSERT_LT(public_pem.size(), 512u);
@@ -112,17 +83,14 @@ TEST(TlsChannelTest, CertificateStores) {
   const char* const kClient = "/CN=Orvelan Client";
   const char* const kPlaceholder = "/CN=CN=pem_cert";
   const char* const kCannotDecode = "Cannot decode SSH2 private encrypted key.";
-  const char* const kNoPublicKey = "Unable to read the public key from the store.";
   const char* const kNoPublicFile = "The public key file could not be opened.";
   // text: the error, or on success the subject of the certificate.
   const struct { const char* name; int type; std::string store; const char* password; int rc;
                  const char* text; } cases[] = {
       {"PKCS#12 file", 2, pki.Path("client.p12"), "secret", 0, kClient},
       {"PKCS#12, wrong password", 2, pki.Path("client.p12"), "wrong", 271, "Could not parse the store."},
-      {"PKCS#12, no such file", 2, pki.Path("missing.p12"), "secret", 271, "Could not open the store."},
       {"PKCS#12, name too long", 2, std::string(1025, 'f'), "", 271,
        "File name cannot be greater than 1024 characters."},
-      {"PEM file", 6, pki.Path("client_both.pem"), "", 0, kClient},
       {"PEM text", 7, pki.Read("client_both.pem"), "", 0, kClient},
       {"PEM without key", 7, pki.Read("client.pem"), "", 282, "Unable to read the private key from the store."},
       {"PEM key without certificate", 7, pki.Read("client.key"), "", 0, kPlaceholder},
@@ -130,15 +98,10 @@ TEST(TlsChannelTest, CertificateStores) {
       {"SSH2 encrypted key", 7, ssh2, "secret", 0, kPlaceholder},
       {"SSH2, continued header, 3des-cbc", 7, Replace(ssh2_continued, "DES-EDE3-CBC", "3des-cbc"), "secret", 0,
        kPlaceholder},
-      {"SSH2, not encrypted", 7, AsSsh2(pki.Read("client_plain.key")), "", 0, kPlaceholder},
       {"SSH2 key file", 6, ssh2_file, "secret", 0, kPlaceholder},
       {"SSH2, wrong password", 7, ssh2, "wrong", 282, kCannotDecode},
       {"SSH2, other cipher", 7, Replace(ssh2, "DES-EDE3-CBC", "AES-128-CBC"), "secret", 282, kCannotDecode},
       {"PUBLIC KEY text", 9, public_pem, "", 0, kPlaceholder},
-      {"RSA PUBLIC KEY text", 9, pki.Read("client_rsapub.pem"), "", 0, kPlaceholder},
-      {"SSH2 PUBLIC KEY text", 9, Ssh2PublicKey(client_key.get()), "", 0, kPlaceholder},
-      {"SSH2 public key of another type", 9, Replace(Ssh2PublicKey(client_key.get()), "AAAAB3NzaC1yc2", "AAAAB3NzaC1kc3"),
-       "", 282, kNoPublicKey},
       {"public key file", 8, pki.Path("client_rsapub.pem"), "", 0, kPlaceholder},
       {"public key file missing", 8, pki.Path("missing.pem"), "", 282, kNoPublicFile},
       {"either: short is a file name", 10, pki.Path("client_pub.pem"), "", 0, kPlaceholder},
@@ -230,7 +193,7 @@ void AwaitFlag(const std::atomic<bool>& flag) {
 // every byte and a close_notify. With Linger off they are dropped.
 TEST(TlsChannelTest, QueuedRecordsHoldTheCloseWhileLingerIsOn) {
   REQUIRE_PKI(pki);
-  for (const char* graceful : {"False", "True", "linger off"}) {
+  for (const char* graceful : {"False", "linger off"}) {
     SCOPED_TRACE(graceful);
     const bool linger = graceful[0] != 'l';
     std::atomic<bool> release{false};
@@ -244,9 +207,7 @@ TEST(TlsChannelTest, QueuedRecordsHoldTheCloseWhileLingerIsOn) {
       got_close_notify = SSL_get_error(ssl, n) == SSL_ERROR_ZERO_RETURN;
     });
     TlsProbe probe(pki);
-    if (linger) {
-      ASSERT_EQ(probe.Set(std::string("GracefullyShutDownSSL=") + graceful), 0);
-    }
+    ASSERT_EQ(linger ? probe.Set(std::string("GracefullyShutDownSSL=") + graceful) : 0, 0);
     ASSERT_EQ(probe.Open(server.port()), 0) << probe.GetLastError();
 
     const std::string chunk(1 << 20, 'x');
@@ -267,13 +228,9 @@ TEST(TlsChannelTest, QueuedRecordsHoldTheCloseWhileLingerIsOn) {
     EXPECT_EQ(probe.Disconnect(), 11);
     EXPECT_STREQ(probe.GetLastError(), "Operation would block. (To force disconnection, set Linger FALSE).");
     EXPECT_TRUE(probe.IsConnected());
-
     release = true;
-    ASSERT_EQ(probe.WaitUntil([&] {
-      rc = probe.Disconnect();
-      EXPECT_TRUE(rc == 0 || rc == 11) << rc;
-      return rc != 11;
-    }), 0);
+    ASSERT_EQ(probe.WaitUntil([&] { return (rc = probe.Disconnect()) != 11; }), 0);
+    EXPECT_EQ(rc, 0);
     EXPECT_FALSE(probe.IsConnected());
     for (int i = 0; i < 500 && server_got.load() < sent; ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(server_got.load(), sent);
@@ -284,22 +241,17 @@ TEST(TlsChannelTest, QueuedRecordsHoldTheCloseWhileLingerIsOn) {
 
 // With accept data off the plaintext waits (beyond the line buffer too) while
 // the TLS records keep being read; switching on hands it out at once, cut as
-// it would have been.
+// it would have been. `first` is written while off (or switched off by the
+// first delivery), `on` is received once on, `last` after `second`.
 TEST(TlsChannelTest, AcceptDataHoldsThePlaintextBack) {
   REQUIRE_PKI(pki);
   const std::string long_line(5000, 'y');
-  // first is written while accept data is off (or it is switched off by the
-  // first delivery: off_in_hook), `on` is received once switched on, second is
-  // written after that and `last` received in the end.
-  const struct { const char *name, *eol; std::string first; bool off_in_hook;
-                 std::string on, second, last; } cases[] = {
-      {"lines and a partial line", "\r\n", "one\r\ntwo\r\nthr", false, "one|two|", "ee\r\n", "one|two|three|"},
-      {"more than the line buffer", "\r\n", long_line + "\r\nz", false, long_line + "|", "\r\n",
-       long_line + "|z|"},
-      {"off from a hook", "\r\n", "one\r\ntwo\r\n", true, "one|two|", "x\r\n", "one|two|x|"},
+  const struct { std::string first; bool off_in_hook; std::string on, second, last; } cases[] = {
+      {"one\r\n" + long_line + "\r\nthr", false, "one|" + long_line + "|", "ee\r\n", "one|" + long_line + "|three|"},
+      {"one\r\ntwo\r\n", true, "one|two|", "x\r\n", "one|two|x|"},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(c.name);
+    SCOPED_TRACE(c.first.substr(0, 8));
     std::atomic<bool> written{false};
     std::atomic<bool> go{false};
     TlsLoopback server(pki, [&](SSL* ssl) {
@@ -310,18 +262,16 @@ TEST(TlsChannelTest, AcceptDataHoldsThePlaintextBack) {
       SSL_shutdown(ssl);
     });
     TlsProbe probe(pki);
-    probe.SetEOL(c.eol);
+    probe.SetEOL("\r\n");
     ASSERT_EQ(probe.Open(server.port()), 0) << probe.GetLastError();
     if (c.off_in_hook) {
       probe.on_data = [&] { probe.SetAcceptData(false); };
     } else {
       probe.SetAcceptData(false);
     }
-    EXPECT_TRUE(probe.IsConnected());
     AwaitFlag(written);
     int cycles = 0;
     ASSERT_EQ(probe.WaitUntil([&] { return ++cycles > 10; }), 0);  // the records arrive meanwhile
-    EXPECT_FALSE(probe.AcceptData());
     EXPECT_EQ(probe.received, c.off_in_hook ? "one|" : "");
     probe.on_data = nullptr;
     ASSERT_EQ(probe.SetAcceptData(true), 0);
@@ -329,7 +279,6 @@ TEST(TlsChannelTest, AcceptDataHoldsThePlaintextBack) {
     go = true;
     ASSERT_EQ(probe.WaitUntil([&] { return !probe.IsConnected(); }), 0);
     EXPECT_EQ(probe.received, c.last);
-    EXPECT_TRUE(probe.AcceptData());
   }
 }
 

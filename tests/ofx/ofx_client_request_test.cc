@@ -82,18 +82,10 @@ TEST_F(RequestTest, Version1FIIdAndOptionalElementsHaveNoEndTags) {
 TEST_F(RequestTest, PasswordChangeIsSgmlAndMaskedForTheLog) {
   service_.SetOFXVersion("211");
   ASSERT_EQ(Config("NewPassword=fresh"), 0);
-  const std::string pinch =
-      "</SONRQ>\r\n<PINCHTRNRQ>\r\n<TRNUID>{ID}\r\n<PINCHRQ>\r\n<USERID>~U~\r\n<NEWUSERPASS>~P~\r\n</PINCHRQ>\r\n"
-      "</PINCHTRNRQ>\r\n</SIGNONMSGSRQV1>\r\n";
-  auto with = [&](const char* user, const char* password) {
-    std::string text = pinch;
-    text.replace(text.find("~U~"), 3, user);
-    text.replace(text.find("~P~"), 3, password);
-    return text;
-  };
-  EXPECT_NE(Build().find(with("user", "fresh")), std::string::npos);
+  EXPECT_NE(Build().find("</SONRQ>\r\n<PINCHTRNRQ>\r\n<TRNUID>{ID}\r\n<PINCHRQ>\r\n<USERID>user\r\n"
+                         "<NEWUSERPASS>fresh\r\n</PINCHRQ>\r\n</PINCHTRNRQ>\r\n</SIGNONMSGSRQV1>\r\n"),
+            std::string::npos);
   const std::string masked = Build(false);
-  EXPECT_NE(masked.find(with("******anon", "******anon")), std::string::npos) << masked;
   EXPECT_NE(masked.find("<USERID>******anon</USERID>\r\n<USERPASS>******anon</USERPASS>"), std::string::npos);
   EXPECT_EQ(masked.find("secret"), std::string::npos);
   EXPECT_EQ(masked.find("fresh"), std::string::npos);
@@ -148,10 +140,8 @@ TEST_F(RequestTest, TransactionIdsAreFreshAndWellFormed) {
   ByteString first, second;
   ASSERT_EQ(service_.NewTransactionId(first), 0);
   ASSERT_EQ(service_.NewTransactionId(second), 0);
-  EXPECT_EQ(first.Length(), 37);
   EXPECT_TRUE(std::regex_match(std::string(first.View()), kForm)) << first.Data();
   EXPECT_NE(first.View(), second.View());
-  EXPECT_STREQ(service_.TransactionId(), second.Data());
   // OFXRequest is the bare aggregate, with a fresh id each time.
   const std::string request = service_.OFXRequest();
   EXPECT_EQ(request.rfind("<STMTTRNRQ>\r\n<TRNUID>", 0), 0u) << request;

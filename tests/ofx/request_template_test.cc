@@ -11,12 +11,8 @@ namespace {
 
 TEST(RequestTemplateTest, ExpandsSlotsMarkersAndTails) {
   const std::string_view arguments[] = {"zero", "one", "two"};
-  struct Case {
-    const char* text;
-    const char* expanded;
-  } cases[] = {
+  struct Case { const char* text; const char* expanded; } cases[] = {
       {"", ""},
-      {"plain", "plain"},
       {"<A>~0~</A>", "<A>zero</A>"},
       {"~2~~1~~0~", "twoonezero"},
       {"a~~b", "a~b"},

@@ -9,13 +9,15 @@ one port. Targets choose the behaviour:
   SOCKS target port 9000 + N         the SOCKS reply code is N
 With --ntlm every HTTP request must pass an NTLM exchange (under "NTLM" or
 "Negotiate") whose NT response is recomputed here from --password; a wrong one
-gets a second 407. Python standard library only: MD4 and DES are written out
-below (hashlib's md4 may be disabled) and checked against published values.
+gets a second 407. MD4 and DES come from libcrypto and are checked against
+published values at start.
 Each NTLM Authenticate message seen is logged as "authenticate domain=D user=U ok=B".
 """
 import argparse
 import base64
 import contextlib
+import ctypes
+import ctypes.util
 import hashlib
 import socket
 import socketserver
@@ -24,74 +26,21 @@ import sys
 import threading
 
 
+# MD4 and DES from libcrypto's low-level calls: hashlib may lack md4 and has no DES.
+CRYPTO = ctypes.CDLL(ctypes.util.find_library('crypto'))
+
+
 def md4(data):
-    def rotl(v, s):
-        v &= 0xffffffff
-        return ((v << s) | (v >> (32 - s))) & 0xffffffff
-    msg = bytes(data) + b'\x80' + b'\0' * ((55 - len(data)) % 64) + struct.pack('<Q', len(data) * 8)
-    rounds = ((lambda x, y, z: (x & y) | (~x & z), 0, range(16), (3, 7, 11, 19)),
-              (lambda x, y, z: (x & y) | (x & z) | (y & z), 0x5a827999, [i % 4 * 4 + i // 4 for i in range(16)],
-               (3, 5, 9, 13)),
-              (lambda x, y, z: x ^ y ^ z, 0x6ed9eba1, (0, 8, 4, 12, 2, 10, 6, 14, 1, 9, 5, 13, 3, 11, 7, 15),
-               (3, 9, 11, 15)))
-    h = [0x67452301, 0xefcdab89, 0x98badcfe, 0x10325476]
-    for off in range(0, len(msg), 64):
-        x = struct.unpack('<16I', msg[off:off + 64])
-        a, b, c, d = h
-        for f, k, order, shifts in rounds:
-            for i in range(16):  # each step updates the next word round a, d, c, b
-                a, b, c, d = d, rotl(a + f(b, c, d) + x[order[i]] + k, shifts[i % 4]), b, c
-        h = [(v + w) & 0xffffffff for v, w in zip(h, (a, b, c, d))]
-    return struct.pack('<4I', *h)
-
-
-IP = [[58, 60, 62, 64, 57, 59, 61, 63][r] - 8 * c for r in range(8) for c in range(8)]
-FP = [IP.index(i) + 1 for i in range(1, 65)]
-E = [(4 * j + k - 1) % 32 + 1 for j in range(8) for k in range(6)]
-P = [16, 7, 20, 21, 29, 12, 28, 17, 1, 15, 23, 26, 5, 18, 31, 10, 2, 8, 24, 14, 32, 27, 3, 9,
-     19, 13, 30, 6, 22, 11, 4, 25]
-PC1 = [57, 49, 41, 33, 25, 17, 9, 1, 58, 50, 42, 34, 26, 18, 10, 2, 59, 51, 43, 35, 27, 19, 11, 3,
-       60, 52, 44, 36, 63, 55, 47, 39, 31, 23, 15, 7, 62, 54, 46, 38, 30, 22, 14, 6, 61, 53, 45, 37,
-       29, 21, 13, 5, 28, 20, 12, 4]
-PC2 = [14, 17, 11, 24, 1, 5, 3, 28, 15, 6, 21, 10, 23, 19, 12, 4, 26, 8, 16, 7, 27, 20, 13, 2,
-       41, 52, 31, 37, 47, 55, 30, 40, 51, 45, 33, 48, 44, 49, 39, 56, 34, 53, 46, 42, 50, 36, 29, 32]
-SHIFTS = [1, 1, 2, 2, 2, 2, 2, 2, 1, 2, 2, 2, 2, 2, 2, 1]
-SBOX = [[int(n, 16) for n in box] for box in (
-    'e4d12fb83a6c59070f74e2d1a6cb953841e8d62bfc973a50fc8249175b3ea06d',
-    'f18e6b34972dc05a3d47f28ec01a69b50e7ba4d158c6932fd8a13f42b67c05e9',
-    'a09e63f51dc7b428d709346a285ecbf1d6498f30b12c5ae71ad069874fe3b52c',
-    '7de3069a1285bc4fd8b56f03472c1ae9a690cb7df13e52843f06a1d8945bc72e',
-    '2c417ab6853fd0e9eb2c47d150fa3986421bad78f9c5630eb8c71e2d6f09a453',
-    'c1af92680d34e75baf427c9561de0b389ef528c3704a1db6432c95fabe17608d',
-    '4b2ef08d3c975a61d0b7491ae35c2f8614bdc37eaf6805926bd814a7950fe23c',
-    'd2846fb1a93e50c71fd8a374c56b0e927b419ce206adf35821e74a8dfc90356b')]
-
-
-def permute(value, table, width):
-    out = 0
-    for position in table:
-        out = (out << 1) | ((value >> (width - position)) & 1)
-    return out
+    out = ctypes.create_string_buffer(16)
+    CRYPTO.MD4(bytes(data), len(data), out)
+    return out.raw
 
 
 def des_encrypt(key8, block8):
-    key = permute(int.from_bytes(key8, 'big'), PC1, 64)
-    c, d = key >> 28, key & 0xfffffff
-    subkeys = []
-    for shift in SHIFTS:
-        c = ((c << shift) | (c >> (28 - shift))) & 0xfffffff
-        d = ((d << shift) | (d >> (28 - shift))) & 0xfffffff
-        subkeys.append(permute((c << 28) | d, PC2, 56))
-    block = permute(int.from_bytes(block8, 'big'), IP, 64)
-    left, right = block >> 32, block & 0xffffffff
-    for subkey in subkeys:
-        x = permute(right, E, 32) ^ subkey
-        s = 0
-        for i in range(8):
-            six = (x >> (42 - 6 * i)) & 0x3f
-            s = (s << 4) | SBOX[i][((six & 0x20) | ((six & 1) << 4)) | ((six >> 1) & 0xf)]
-        left, right = right, left ^ permute(s, P, 32)
-    return permute((right << 32) | left, FP, 64).to_bytes(8, 'big')
+    schedule, out = ctypes.create_string_buffer(128), ctypes.create_string_buffer(8)
+    CRYPTO.DES_set_key_unchecked(key8, schedule)
+    CRYPTO.DES_ecb_encrypt(block8, out, schedule, 1)
+    return out.raw
 
 
 def desl(key16, data8):
