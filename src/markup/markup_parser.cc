@@ -90,6 +90,7 @@ int MarkupParser::Reset() {
   leaf_candidate_at_ = leaf_name_at_ = 0;
   char_count_ = 0;
   tag_start_ = 0;
+  failed_ = 0;
   attributes_.Clear();
   open_.Clear();
   namespaces_.Clear();
@@ -202,19 +203,21 @@ int MarkupParser::TakeRun(const uint8_t* run, size_t length) {
 }
 
 int MarkupParser::FeedRetained(const char* data, size_t length) {
+  if (failed_ != kOk) return failed_;
   if (keep_text_ && retained_ == nullptr && char_count_ == 0 && kept_.IsEmpty() && length < 0x7FFFFFF0u) {
     retained_ = data;
-    return FeedBytes(data, length);
+    return Settle(FeedBytes(data, length));
   }
   return Feed(data, length);
 }
 
 int MarkupParser::Feed(const char* data, size_t length) {
+  if (failed_ != kOk) return failed_;
   // Later input may not outlive the call, so the kept text takes its own copy.
   if (retained_ != nullptr) {
-    if (int rc = CopyKeptText(); rc != kOk) return rc;
+    if (int rc = CopyKeptText(); rc != kOk) return Settle(rc);
   }
-  return FeedBytes(data, length);
+  return Settle(FeedBytes(data, length));
 }
 
 int MarkupParser::FeedBytes(const char* data, size_t length) {
@@ -866,10 +869,11 @@ int MarkupParser::FinishSection() {
 }
 
 int MarkupParser::Finish() {
-  if (int rc = Deliver(Delivery::kTailTrimmed); rc != kOk) return rc;
-  if (open_.Count() > 0) return Fail(kErrUnbalancedDocument);
-  if (tree_.TopCount() > 1 && !HasFlag(kAllowMoreThanOneRoot)) return Fail(kErrMoreThanOneRoot);
-  if (state_ != kText && state_ != kAfterTag) return Fail(kErrInvalidEndState);
+  if (failed_ != kOk) return failed_;
+  if (int rc = Deliver(Delivery::kTailTrimmed); rc != kOk) return Settle(rc);
+  if (open_.Count() > 0) return Settle(Fail(kErrUnbalancedDocument));
+  if (tree_.TopCount() > 1 && !HasFlag(kAllowMoreThanOneRoot)) return Settle(Fail(kErrMoreThanOneRoot));
+  if (state_ != kText && state_ != kAfterTag) return Settle(Fail(kErrInvalidEndState));
   return kOk;
 }
 

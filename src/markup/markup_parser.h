@@ -38,7 +38,9 @@ class MarkupParser {
   // Empties buffers, tables, tree, kept text and counters; the container list
   // and the options stay.
   int Reset();
-  // Feeds a NUL-terminated text; 0 or the code of the first failure.
+  // Feeds a NUL-terminated text; 0 or the code of the first failure. A
+  // failure is final: later Feed and Finish calls return its code and leave
+  // its text until Reset.
   int Feed(const char* text);
   // The same for `length` bytes, which may hold NULs.
   int Feed(const char* data, size_t length);
@@ -114,6 +116,11 @@ class MarkupParser {
   int Input(uint8_t ch);
   int Handle(uint8_t ch);
   int Fail(int code);
+  // Remembers a non-zero result as the parse's final one.
+  int Settle(int rc) {
+    if (rc != 0) failed_ = rc;
+    return rc;
+  }
   int Fail(int code, const char* prefix, std::string_view name);
   int Deliver(Delivery how);
   int DeliverText(const char* text, int32_t length);
@@ -186,6 +193,7 @@ class MarkupParser {
   uint32_t leaf_name_at_ = 0;       // the same for leaf_name_
   uint32_t char_count_ = 0;
   uint32_t tag_start_ = 0;
+  int failed_ = 0;  // the first failure's code since Reset
   NameValueTable attributes_;
   NameValueTable open_;
   NameValueTable namespaces_;

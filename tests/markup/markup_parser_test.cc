@@ -114,17 +114,24 @@ TEST(MarkupParserTest, TreeDoesNotDependOnHowBytesArrive) {
   EXPECT_EQ(testing::DumpTree(parser.Tree()), whole.tree);
 }
 
+// A failed feed is final: more input and Finish repeat its code and text.
 TEST(MarkupParserTest, FinishChecksTheEndState) {
-  struct FinishCase {
-    const char* input;
-    int rc;
-  } cases[] = {{"<A", 205}, {"<A>", 206}, {"<A/>", 0}, {"<A/> text ", 0}, {"<A/><B/>", 0}};
+  struct FinishCase { const char* input; int feed_rc; int rc; } cases[] = {
+      {"<A", 0, 205}, {"<A>", 0, 206}, {"<A/>", 0, 0}, {"<A/> text ", 0, 0}, {"<A/><B/>", 0, 0},
+      {"<A b=>", 204, 204}, {"<A><B>1</A>", 201, 201}};
   for (const FinishCase& c : cases) {
     SCOPED_TRACE(c.input);
     MarkupParser parser;
     parser.SetBuildDOM(true);
-    ASSERT_EQ(parser.Feed(c.input), 0);
+    ASSERT_EQ(parser.Feed(c.input), c.feed_rc);
+    const std::string error = parser.ErrorText();
+    if (c.feed_rc != 0) {
+      EXPECT_EQ(parser.Feed("</A><Z/>"), c.feed_rc);
+    }
     EXPECT_EQ(parser.Finish(), c.rc);
+    if (c.feed_rc != 0) {
+      EXPECT_EQ(parser.ErrorText(), error);
+    }
   }
   MarkupParser parser;
   parser.SetBuildDOM(true);
