@@ -108,9 +108,10 @@ int OFXClient::InitDefaults() {
   ResetDocument();
   for (ByteString* text :
        {&image_file_, &access_key_, &client_uid_, &user_cred1_, &user_cred2_, &auth_token_, &ofx_log_, &request_,
-        &retained_, &file_text_, &server_message_, &image_data_, &transaction_id_}) {
+        &retained_, &server_message_, &image_data_, &transaction_id_}) {
     text->Clear();
   }
+  file_text_.Clear();
   response_is_set_ = false;
   raw_source_ = RawSource::kNone;
   challenges_.Clear();
