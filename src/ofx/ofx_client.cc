@@ -158,7 +158,8 @@ int OFXClient::ClearResponse() {
   request_.Clear();
   retained_.Clear();
   parsed_ = retained_.View();
-  file_text_.Clear();
+  // The block stays for the next file: refilling it costs no fresh pages.
+  file_text_.Truncate(0);
   response_is_set_ = false;
   raw_source_ = RawSource::kNone;
   return kOk;
