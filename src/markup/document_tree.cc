@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "base/error_codes.h"
+#include "markup/block_memory.h"
 #include "markup/markup_errors.h"
 
 namespace orvelan {
@@ -18,7 +19,7 @@ uint32_t RoundUp4(uint32_t n) { return (n + 3u) & ~3u; }
 
 DocumentTree::DocumentTree() { ResetTree(); }
 
-DocumentTree::~DocumentTree() { std::free(data_); }
+DocumentTree::~DocumentTree() { FreeBlock(data_, capacity_); }
 
 uint32_t DocumentTree::Field(uint32_t record, uint32_t at) const {
   uint32_t value;
@@ -34,7 +35,7 @@ int DocumentTree::Reserve(uint32_t bytes) {
   if (static_cast<uint64_t>(size_) + bytes <= capacity_) return kOk;
   const uint64_t wanted = static_cast<uint64_t>(size_) + bytes;
   if (wanted > 0xFFFFFFF0u) return kErrOutOfMemory;
-  char* block = static_cast<char*>(std::realloc(data_, static_cast<size_t>(wanted)));
+  char* block = static_cast<char*>(ResizeBlock(data_, capacity_, static_cast<size_t>(wanted)));
   if (block == nullptr) return kErrOutOfMemory;
   data_ = block;
   capacity_ = static_cast<uint32_t>(wanted);
@@ -46,12 +47,12 @@ int DocumentTree::Append(char kind, uint32_t payload, uint32_t& record) {
   const uint64_t wanted = size_ + size;
   if (wanted > 0xFFFFFFF0u) return kErrOutOfMemory;
   if (wanted > capacity_) {
-    // Half again: appends stay amortised linear, and realloc of a large block
+    // Half again: appends stay amortised linear, and growing a large block
     // moves pages rather than bytes.
     uint64_t grown = wanted + wanted / 2;
     if (grown < 4096) grown = 4096;
     if (grown > 0xFFFFFFF0u) grown = 0xFFFFFFF0u;
-    char* block = static_cast<char*>(std::realloc(data_, static_cast<size_t>(grown)));
+    char* block = static_cast<char*>(ResizeBlock(data_, capacity_, static_cast<size_t>(grown)));
     if (block == nullptr) return kErrOutOfMemory;
     data_ = block;
     capacity_ = static_cast<uint32_t>(grown);
@@ -188,8 +189,13 @@ uint32_t DocumentTree::NextSibling(uint32_t e) const {
 }
 
 DocumentTree::WalkMemo& DocumentTree::MemoFor(uint32_t parent, std::string_view name) {
+  // Only spreads the steps over the slots (a slot is checked in full before
+  // use), so the length and the two ends of the name are enough.
   uint32_t h = parent * 2654435761u;
-  for (char c : name) h = (h ^ static_cast<uint8_t>(c)) * 16777619u;
+  if (!name.empty()) {
+    h ^= static_cast<uint32_t>(name.size()) * 0x9E3779B1u;
+    h ^= (static_cast<uint8_t>(name.front()) << 8 | static_cast<uint8_t>(name.back())) * 16777619u;
+  }
   return memo_[(h >> 7) % kMemoSlots];
 }
 
@@ -303,6 +309,23 @@ int DocumentTree::SelectChild(std::string_view name, int32_t index, std::string_
   }
   for (; child != 0 && visited < limit; child = NextSibling(child)) {
     ++visited;
+    // Most elements carry no namespace (their P record is the empty one at
+    // offset 0): only the local name can match, and it is compared in place.
+    if (!filtered && Field(child, 20) == 0) {
+      const char* local = LocalName(child);
+      size_t i = 0;
+      while (i < name.size() && local[i] != '\0' && local[i] == name[i]) ++i;
+      if (i != name.size() || local[i] != '\0' || ++count != index) continue;
+      if (index > 1 || visited > 8) {
+        memo.parent = e;
+        memo.child = child;
+        memo.visited = visited;
+        memo.matched = count;
+        memo.name.Assign(name);
+      }
+      cursor_ = child;
+      return kOk;
+    }
     if (*Uri(child) != '\0' && name == UriName(child)) {
       cursor_ = child;
       return kOk;

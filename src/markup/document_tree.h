@@ -114,7 +114,7 @@ class DocumentTree {
   uint32_t SkipDeclarations(uint32_t r) const;
   bool NameMatches(uint32_t child, std::string_view name, int32_t& count, int32_t index);
 
-  char* data_ = nullptr;  // owned, malloc'd
+  char* data_ = nullptr;  // owned; from ResizeBlock, capacity_ bytes
   uint32_t size_ = 0;
   uint32_t capacity_ = 0;
   uint32_t cursor_ = 0;

@@ -41,10 +41,18 @@ int32_t TrimmedLength(const ByteString& s) {
   return n;
 }
 
+// Four bytes per step: this runs for every start tag.
 uint32_t HashName(std::string_view name) {
-  uint32_t h = 2166136261u;
-  for (char c : name) h = (h ^ static_cast<uint8_t>(c)) * 16777619u;
-  return h;
+  uint32_t h = static_cast<uint32_t>(name.size()) * 0x9E3779B1u;
+  size_t i = 0;
+  for (; i + 4 <= name.size(); i += 4) {
+    uint32_t chunk;
+    std::memcpy(&chunk, name.data() + i, 4);
+    h = (h ^ chunk) * 0x85EBCA6Bu;
+    h ^= h >> 15;
+  }
+  for (; i < name.size(); ++i) h = (h ^ static_cast<uint8_t>(name[i])) * 16777619u;
+  return h ^ (h >> 13);
 }
 
 // The byte of "#65" or "#x41"; 0 when the reference is no character reference
@@ -140,6 +148,7 @@ int MarkupParser::AddSGMLTag(std::string_view name) {
     if (i > piece) IndexContainer(piece, i - piece);
     piece = i + 1;
   }
+  candidate_is_container_ = IsContainer(leaf_candidate_.View());
   return kOk;
 }
 
@@ -232,33 +241,87 @@ int MarkupParser::FeedBytes(const char* data, size_t length) {
     if (keep_text_ && retained_ == nullptr) kept_.Reserve(kept_.Length() + static_cast<int32_t>(length + length / 4));
   }
   while (p < end) {
-    // Runs that need nothing but an append; a listener sees every byte, so
-    // it takes the byte-at-a-time path.
+    // Runs that need nothing but an append, and whole simple tags; a listener
+    // sees every byte, so it takes the byte-at-a-time path.
     if (listener_ == nullptr) {
       const uint8_t* run = p;
       if (state_ == kText) {
         while (p < end && !(kCharClass[*p] & kTextStop)) ++p;
-        if (p != run) {
-          if (int rc = text_.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(p - run)); rc != kOk) {
-            return Fail(rc);
-          }
-        }
+      } else if (state_ == kAfterTag) {
+        while (p < end && IsWhite(*p)) ++p;
       } else if (state_ == kStartName || (state_ == kEndName && prev_ != '/')) {
         while (p < end && IsNameChar(*p)) ++p;
-        if (p != run) {
-          if (int rc = token_.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(p - run)); rc != kOk) {
-            return Fail(rc);
-          }
-        }
       }
       if (p != run) {
+        ByteString& target = state_ == kText || state_ == kAfterTag ? text_ : token_;
+        if (int rc = target.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(p - run)); rc != kOk) {
+          return Fail(rc);
+        }
         if (int rc = TakeRun(run, static_cast<size_t>(p - run)); rc != kOk) return rc;
         continue;
+      }
+      if (*p == '<' && (state_ == kText || state_ == kAfterTag)) {
+        int rc = kOk;
+        if (TakeTag(p, end, rc)) {
+          if (rc != kOk) return rc;
+          continue;
+        }
       }
     }
     if (int rc = Input(*p++); rc != kOk) return rc;
   }
   return kOk;
+}
+
+// "<NAME>" or "</NAME>" whole in [p, end), at "<" in character data or after
+// a tag: the same steps in the same order as byte by byte, without the
+// per-byte dispatch. False, with p unchanged, for any other markup.
+bool MarkupParser::TakeTag(const uint8_t*& p, const uint8_t* end, int& rc) {
+  const bool is_end = p + 1 < end && p[1] == '/';
+  const uint8_t* const name = p + (is_end ? 2 : 1);
+  if (name >= end || !IsNameStart(*name)) return false;
+  const uint8_t* close = name + 1;
+  while (close < end && IsNameChar(*close)) ++close;
+  if (close == end || *close != '>') return false;
+
+  const uint32_t tag_start = char_count_;
+  if ((rc = TakeRun(p, 1)) != kOk) return true;
+  if (state_ == kAfterTag) {
+    if ((rc = Deliver(Delivery::kWhitespaceOnly)) != kOk) return true;
+    state_ = kText;
+  }
+  if ((rc = Deliver(Delivery::kTailTrimmed)) != kOk) return true;
+  token_.SetLength(0);
+  if (is_end && (rc = TakeRun(p + 1, 1)) != kOk) return true;
+  tag_start_ = tag_start;
+  const size_t length = static_cast<size_t>(close - name);
+  if (token_.Append(reinterpret_cast<const char*>(name), static_cast<int32_t>(length)) != kOk) {
+    rc = Fail(kErrOutOfMemory);
+    return true;
+  }
+  if ((rc = TakeRun(name, length)) != kOk) return true;
+  p = close + 1;
+  // ">" is kept and counted before it is handled, and becomes the previous
+  // character only afterwards.
+  if (keep_text_ && retained_ == nullptr && kept_.AppendChar('>') != kOk) {
+    rc = Fail(kErrOutOfMemory);
+    return true;
+  }
+  ++char_count_;
+  if (is_end) {
+    state_ = kAfterTag;
+    rc = EndTag(token_.View(), false, false);
+  } else {
+    state_ = kStartName;
+    rc = StartTagNameComplete();
+    if (rc == kOk) {
+      state_ = kAfterTag;
+      rc = TagComplete();
+    }
+  }
+  prev2_ = prev_;
+  prev_ = '>';
+  return true;
 }
 
 int MarkupParser::Input(uint8_t ch) {
@@ -618,10 +681,11 @@ int MarkupParser::Handle(uint8_t ch) {
 
 int MarkupParser::StartTagNameComplete() {
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
-  const bool is_leaf = !containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !IsContainer(leaf_candidate_.View());
+  const bool is_leaf = !containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_;
   leaf_name_.Swap(leaf_candidate_);
   leaf_name_at_ = leaf_candidate_at_;
   if (int rc = leaf_candidate_.Assign(token_); rc != kOk) return Fail(rc);
+  candidate_is_container_ = IsContainer(token_.View());
   if (is_leaf) {
     if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
   }
@@ -700,9 +764,10 @@ int MarkupParser::ResolvePrefix(std::string_view qualified, bool is_attribute, i
                                 std::string_view& local) {
   entry = 0;
   local = qualified;
-  const size_t colon = qualified.find(':');
-  if (colon == std::string_view::npos) {
-    if (!is_attribute) entry = namespaces_.Find({}, true) + 1;
+  size_t colon = 0;  // names are short: a loop beats a call to memchr
+  while (colon < qualified.size() && qualified[colon] != ':') ++colon;
+  if (colon == qualified.size()) {
+    if (!is_attribute && namespaces_.Count() > 0) entry = namespaces_.Find({}, true) + 1;
     return kOk;
   }
   const std::string_view prefix = qualified.substr(0, colon);
@@ -771,7 +836,7 @@ int MarkupParser::StartElement(bool is_empty) {
 int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty) {
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
   if (!is_implicit) {
-    if (!containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !IsContainer(leaf_candidate_.View()) &&
+    if (!containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_ &&
         leaf_candidate_.View() != name) {
       if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
       leaf_name_at_ = leaf_candidate_at_;

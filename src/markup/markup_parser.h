@@ -135,6 +135,7 @@ class MarkupParser {
   bool IsContainer(std::string_view name) const;
   void IndexContainer(uint32_t offset, uint32_t length);
   int TakeRun(const uint8_t* run, size_t length);
+  bool TakeTag(const uint8_t*& p, const uint8_t* end, int& rc);
   int CloseLeafAtTag();
   int FeedBytes(const char* data, size_t length);
   int CopyKeptText();
@@ -153,6 +154,7 @@ class MarkupParser {
   ByteString token_;
   ByteString entity_value_;
   ByteString leaf_candidate_;
+  bool candidate_is_container_ = false;  // leaf_candidate_ is in the container list
   ByteString attribute_name_;
   ByteString error_text_;
   TextBuffer kept_;

@@ -1,10 +1,10 @@
 #pragma once
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <string_view>
 
 #include "base/error_codes.h"
+#include "markup/block_memory.h"
 
 // The parser's kept text: an append-mostly byte buffer that, unlike
 // ByteString, keeps its block when it shrinks and can be sized up front, so a
@@ -18,7 +18,7 @@ class TextBuffer {
   TextBuffer() = default;
   TextBuffer(const TextBuffer&) = delete;
   TextBuffer& operator=(const TextBuffer&) = delete;
-  ~TextBuffer() { std::free(data_); }
+  ~TextBuffer() { Clear(); }
 
   const char* Data() const { return data_ != nullptr ? data_ : ""; }
   int32_t Length() const { return length_; }
@@ -29,7 +29,8 @@ class TextBuffer {
   int Reserve(int32_t capacity) {
     if (capacity <= capacity_) return kOk;
     if (capacity > kMaxCapacity) return kErrOutOfMemory;
-    char* block = static_cast<char*>(std::realloc(data_, static_cast<size_t>(capacity) + 1));
+    char* block = static_cast<char*>(
+        ResizeBlock(data_, data_ == nullptr ? 0 : static_cast<size_t>(capacity_) + 1, static_cast<size_t>(capacity) + 1));
     if (block == nullptr) return kErrOutOfMemory;
     data_ = block;
     data_[length_] = '\0';
@@ -63,16 +64,24 @@ class TextBuffer {
     length_ = length;
     if (data_ != nullptr) data_[length_] = '\0';
   }
+  // Grows (the new bytes undefined until written through MutableData) or
+  // truncates to `length`; 0 or 200.
+  int SetLength(int32_t length) {
+    if (int rc = Reserve(length); rc != kOk) return rc;
+    if (data_ != nullptr) Truncate(length);
+    return kOk;
+  }
+  char* MutableData() { return data_; }
   // Empties the buffer and hands the block back.
   void Clear() {
-    std::free(data_);
+    FreeBlock(data_, data_ == nullptr ? 0 : static_cast<size_t>(capacity_) + 1);
     data_ = nullptr;
     length_ = capacity_ = 0;
   }
 
  private:
   static constexpr int32_t kMaxCapacity = 0x7FFFFFF0;
-  char* data_ = nullptr;  // owned, malloc'd; capacity_ + 1 bytes
+  char* data_ = nullptr;  // owned, from ResizeBlock; capacity_ + 1 bytes
   int32_t length_ = 0;
   int32_t capacity_ = 0;
 };

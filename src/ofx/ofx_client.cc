@@ -98,9 +98,10 @@ int OFXClient::InitDefaults() {
   ResetDocument();
   for (ByteString* text :
        {&image_file_, &access_key_, &client_uid_, &user_cred1_, &user_cred2_, &auth_token_, &ofx_log_, &request_,
-        &retained_, &file_text_, &server_message_, &image_data_, &transaction_id_}) {
+        &retained_, &server_message_, &image_data_, &transaction_id_}) {
     text->Clear();
   }
+  file_text_.Clear();
   response_is_set_ = false;
   raw_source_ = RawSource::kNone;
   challenges_.Clear();
@@ -147,7 +148,8 @@ int OFXClient::ClearResponse() {
   request_.Clear();
   retained_.Clear();
   parsed_ = retained_.View();
-  file_text_.Clear();
+  // The block stays for the next file: refilling it costs no fresh pages.
+  file_text_.Truncate(0);
   response_is_set_ = false;
   raw_source_ = RawSource::kNone;
   return kOk;

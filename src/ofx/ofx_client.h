@@ -5,6 +5,7 @@
 #include "base/byte_string.h"
 #include "base/item_list.h"
 #include "http/https_client.h"
+#include "markup/text_buffer.h"
 #include "ofx/date_amount_format.h"
 #include "ofx/mfa_challenge.h"
 #include "ofx/ofx_date_time.h"
@@ -249,7 +250,7 @@ class OFXClient : public HttpsClient {
   ByteString retained_;           // a response that did not come over HTTP
   std::string_view parsed_;       // what the document refers to: retained_ or the HTTP body
   bool response_is_set_ = false;  // parsed_ is OFXResponse (both end in a NUL)
-  ByteString file_text_;          // a data file as read, parsed in place
+  TextBuffer file_text_;          // a data file as read, parsed in place
   ByteString file_response_;      // OFXResponse of a data file, made when first read
   bool document_parsed_ = false;  // the last response parsed as markup
   RawSource raw_source_ = RawSource::kNone;

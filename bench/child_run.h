@@ -1,0 +1,74 @@
+#pragma once
+// Runs one timed case in a fresh child process, so that the peak memory it
+// reports belongs to that case alone, and hands its figures back through a
+// pipe. Shared by the timing programs.
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace orvelan::bench {
+
+struct Run {
+  double seconds = 0;
+  double parse_seconds = 0;   // the parse alone, where a case has one
+  long peak_growth_kib = 0;   // peak resident size over the size before the case
+  // The case once more in the same process, its memory now recycled.
+  double warm_seconds = 0;
+  double warm_parse_seconds = 0;
+};
+
+inline long ResidentKiB() {
+  std::FILE* status = std::fopen("/proc/self/status", "r");
+  long kib = 0;
+  char line[256];
+  while (status != nullptr && std::fgets(line, sizeof line, status) != nullptr) {
+    if (std::strncmp(line, "VmRSS:", 6) == 0) kib = std::atol(line + 6);
+  }
+  if (status != nullptr) std::fclose(status);
+  return kib;
+}
+
+inline long PeakKiB() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  return usage.ru_maxrss;
+}
+
+// `body` runs in the child and returns its Run, or exits non-zero on failure.
+template <typename Body>
+Run RunInChild(Body&& body) {
+  int fds[2];
+  if (pipe(fds) != 0) std::exit(1);
+  const pid_t child = fork();
+  if (child == 0) {
+    close(fds[0]);
+    const Run run = body();
+    if (write(fds[1], &run, sizeof run) != static_cast<ssize_t>(sizeof run)) std::_Exit(1);
+    std::_Exit(0);
+  }
+  close(fds[1]);
+  Run run;
+  const bool ok = read(fds[0], &run, sizeof run) == static_cast<ssize_t>(sizeof run);
+  close(fds[0]);
+  int status = 0;
+  waitpid(child, &status, 0);
+  if (!ok || !WIFEXITED(status) || WEXITSTATUS(status) != 0) {
+    std::fprintf(stderr, "a timed case failed\n");
+    std::exit(1);
+  }
+  return run;
+}
+
+template <typename T>
+T Median(std::vector<T> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+}  // namespace orvelan::bench
