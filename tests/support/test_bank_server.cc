@@ -19,21 +19,11 @@ std::string ReadFile(const std::string& path) {
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-// Beside this source file unless the build says where the sources are.
-std::string ScriptPath() {
-  if (const char* source = std::getenv("ORVELAN_SOURCE_DIR")) {
-    return std::string(source) + "/tests/support/test_bank.py";
-  }
-  std::string here = __FILE__;
-  const size_t slash = here.rfind('/');
-  return (slash == std::string::npos ? std::string(".") : here.substr(0, slash)) + "/test_bank.py";
-}
-
 }  // namespace
 
 TestBankServer::TestBankServer() {
   const std::string python = FindProgram("python3");
-  const std::string script = ScriptPath();
+  const std::string script = ORVELAN_TESTBANK;  // in the build tree, put there by CMake
   char templ[] = "/tmp/orvelan-bank-XXXXXX";
   if (python.empty() || access(script.c_str(), R_OK) != 0 || mkdtemp(templ) == nullptr) {
     why_ = python.empty() ? "no python3 program" : "no script at " + script + " or no temporary directory";

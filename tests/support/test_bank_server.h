@@ -8,8 +8,8 @@
 
 namespace orvelan {
 
-// The scripted OFX bank (test_bank.py; its header lists the scenarios, chosen
-// by USERID) on a free loopback port for the object's lifetime.
+// The scripted OFX bank (tools/orvelan-testbank; its --help lists the
+// scenarios, chosen by USERID) on a free loopback port for the object's lifetime.
 class TestBankServer {
  public:
   TestBankServer();
