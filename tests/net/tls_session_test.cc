@@ -38,7 +38,7 @@ Outcome Exchange(const TestPki& pki, const char* host, int max_version, size_t p
   SSL_CTX_set_verify(ctx.get(), SSL_VERIFY_PEER, nullptr);
   TlsSession client;
   EXPECT_TRUE(client.Start(ctx.get(), host, nullptr, nullptr, nullptr));
-  Outcome run{client.Handshake()};
+  Outcome run{client.Handshake(), {}, {}};
   bool sent = false;
   char buffer[4096];
   int n = 0, read = 0;

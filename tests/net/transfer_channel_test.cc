@@ -40,11 +40,11 @@ TEST(TransferChannelTest, ExchangesLinesWithAServer) {
       LoopbackServer::WriteAll(fd, c.second);
     }, c.ipv6);
     Probe p;
-    if (*c.setting) ASSERT_EQ(p.Set(c.setting), 0);
+    ASSERT_EQ(*c.setting ? p.Set(c.setting) : 0, 0);
     p.Target(server.port(), c.ipv6 ? "::1" : "127.0.0.1");
     EXPECT_STREQ(p.RemoteHost(), c.ipv6 ? "::1" : "127.0.0.1");
     ASSERT_EQ(p.ConnectAndWait(), 0) << p.GetLastError();
-    if (*c.eol) ASSERT_EQ(p.SetEOL(c.eol), 0);
+    ASSERT_EQ(*c.eol ? p.SetEOL(c.eol) : 0, 0);
     ASSERT_EQ(p.SendAll("hello\n", 6, false), 0);
     EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
     EXPECT_EQ(p.received, c.received);
@@ -114,7 +114,7 @@ TEST(TransferChannelTest, ConnectChecksTargetFirst) {
     p.SetFirewallPort(c.firewall_port);
     p.SetRemoteHost(c.host);
     p.SetRemotePort(c.port);
-    EXPECT_EQ(p.Connect(true), c.code);
+    EXPECT_EQ(p.ConnectAndWait(), c.code);
     EXPECT_STREQ(p.GetLastError(), c.text);
     EXPECT_EQ(p.SocketHandle(), -1);
   }
