@@ -1,14 +1,14 @@
-#include <arpa/inet.h>
+#include <netinet/in.h>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/select.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <fstream>
-#include <functional>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -40,33 +40,17 @@ TEST(TransferChannelTest, ExchangesLinesWithAServer) {
       LoopbackServer::WriteAll(fd, c.second);
     }, c.ipv6);
     Probe p;
-    if (*c.setting) {
-      ASSERT_EQ(p.Set(c.setting), 0);
-    }
+    ASSERT_EQ(*c.setting ? p.Set(c.setting) : 0, 0);
     p.Target(server.port(), c.ipv6 ? "::1" : "127.0.0.1");
     EXPECT_STREQ(p.RemoteHost(), c.ipv6 ? "::1" : "127.0.0.1");
-    p.SetTimeout(5);
     ASSERT_EQ(p.ConnectAndWait(), 0) << p.GetLastError();
-    EXPECT_TRUE(p.IsConnected());
-    if (*c.eol) {
-      ASSERT_EQ(p.SetEOL(c.eol), 0);
-    }
+    ASSERT_EQ(*c.eol ? p.SetEOL(c.eol) : 0, 0);
     ASSERT_EQ(p.SendAll("hello\n", 6, false), 0);
     EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
     EXPECT_EQ(p.received, c.received);
-    EXPECT_EQ(p.disconnect_code, 0);
     EXPECT_EQ(p.SocketHandle(), -1);
-    EXPECT_TRUE(p.events.Saw("Status(Remote host connection complete. Initiating SSL handshake.,0)"));
     EXPECT_TRUE(p.events.Saw("Status(Remote host disconnected.,0)"));
   }
-}
-
-TEST(TransferChannelTest, RefusedConnectReportsSystemError) {
-  Probe p;
-  EXPECT_EQ(p.Open(UnusedPort()), 111);
-  EXPECT_STREQ(p.GetLastError(), "[111] Connection refused.");
-  EXPECT_EQ(p.SocketHandle(), -1);
-  EXPECT_TRUE(p.events.Saw("Status(Remote host connection failed.,111)"));
 }
 
 TEST(TransferChannelTest, StalledServerTimesOutAndInterruptStops) {
@@ -77,7 +61,6 @@ TEST(TransferChannelTest, StalledServerTimesOutAndInterruptStops) {
     p.Target(server.port());
     p.SetTimeout(interrupt ? 0 : 150);
     ASSERT_EQ(p.Set("TimeoutInMilliseconds=true"), 0);  // the number stays: 150 ms, not 150 s
-    EXPECT_EQ(p.Timeout(), interrupt ? 0 : 150);
     ASSERT_EQ(p.ConnectAndWait(), 0);
     int cycles = 0;
     const auto start = std::chrono::steady_clock::now();
@@ -88,11 +71,7 @@ TEST(TransferChannelTest, StalledServerTimesOutAndInterruptStops) {
     const auto ms = std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start);
     EXPECT_EQ(rc, 301);
     EXPECT_STREQ(p.GetLastError(), interrupt ? "Interrupted." : "Timeout.");
-    if (!interrupt) {
-      EXPECT_GE(ms.count(), 150);  // never early, even by the tick's rounding
-      EXPECT_LT(ms.count(), 1500);
-    }
-    p.Disconnect();
+    EXPECT_TRUE(interrupt || (ms.count() >= 150 && ms.count() < 1500)) << ms.count();  // never early
   }
 }
 
@@ -112,37 +91,10 @@ TEST(TransferChannelTest, TrafficRestartsTheDeadlineUnlessAbsolute) {
     p.Set(absolute ? "AbsoluteTimeout=yes" : "AbsoluteTimeout=false");
     p.SetTimeout(250);
     ASSERT_EQ(p.ConnectAndWait(), 0);
-    const int rc = p.WaitUntil([&] { return p.disconnects > 0; });
-    if (absolute) {
-      EXPECT_EQ(rc, 301);
-      EXPECT_LT(p.received.size(), 12u);
-    } else {
-      EXPECT_EQ(rc, 0);
-      EXPECT_EQ(p.received, std::string(12, 'x'));
-    }
+    EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), absolute ? 301 : 0);
+    EXPECT_EQ(p.received.size() < 12, absolute) << p.received;
     p.Disconnect();
   }
-}
-
-TEST(TransferChannelTest, SettersRefusedWhileASocketExists) {
-  LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
-  Probe p;
-  ASSERT_EQ(p.Open(server.port()), 0);
-  const struct { std::function<int()> set; int code; const char* text; } cases[] = {
-      {[&] { return p.SetRemoteHost("127.0.0.2"); }, 101,
-       "You cannot change the RemoteHost at this time. A connection is in progress."},
-      {[&] { return p.Set("MaxLineLength=10"); }, 112,
-       "You cannot change MaxLineLength at this time. A connection is in progress."},
-      {[&] { return p.Connect(true); }, 104,
-       "Already connected. If you want to reconnect, close the current connection first."},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(c.set(), c.code);
-    EXPECT_STREQ(p.GetLastError(), c.text);
-  }
-  EXPECT_STREQ(p.RemoteHost(), "127.0.0.1");
-  EXPECT_EQ(p.Query("MaxLineLength"), "2048");
 }
 
 TEST(TransferChannelTest, ConnectChecksTargetFirst) {
@@ -152,6 +104,7 @@ TEST(TransferChannelTest, ConnectChecksTargetFirst) {
       {"127.0.0.1", 80, 2, "127.0.0.1", 0, 116, "The FirewallPort is invalid (0)."},
       {"127.0.0.1", 80, 1, "no-proxy.invalid", 80, 102, "The FirewallHost address is invalid (0.0.0.0)."},
       {"0.0.0.0", 80, 0, "", 0, 102, "The RemoteHost address is invalid (0.0.0.0)."},
+      {"127.0.0.1", UnusedPort(), 0, "", 0, 111, "[111] Connection refused."},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.text);
@@ -161,35 +114,9 @@ TEST(TransferChannelTest, ConnectChecksTargetFirst) {
     p.SetFirewallPort(c.firewall_port);
     p.SetRemoteHost(c.host);
     p.SetRemotePort(c.port);
-    EXPECT_EQ(p.Connect(true), c.code);
+    EXPECT_EQ(p.ConnectAndWait(), c.code);
     EXPECT_STREQ(p.GetLastError(), c.text);
     EXPECT_EQ(p.SocketHandle(), -1);
-  }
-}
-
-// The firewall host is resolved when set; the text reads back as set.
-TEST(TransferChannelTest, FirewallHostIsResolvedToIPv4) {
-  const struct { const char* host; bool resolves; const char* address; } cases[] = {
-      {"127.0.0.1", true, "127.0.0.1"},
-      {"proxy.example.invalid", false, "0.0.0.0"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.host);
-    Probe p;
-    ASSERT_EQ(p.SetFirewallHost("127.0.0.2"), 0);  // a previous address must not survive
-    const int rc = p.SetFirewallHost(c.host);
-    if (c.resolves) {
-      EXPECT_EQ(rc, 0);
-    } else {
-      EXPECT_NE(rc, 0);
-      EXPECT_STREQ(p.GetLastError(), "");  // a system error: the component fills the text
-      EXPECT_EQ(p.FillDefaultErrorText(rc), rc);
-      EXPECT_EQ(std::string(p.GetLastError()).rfind("[" + std::to_string(rc) + "] ", 0), 0u) << p.GetLastError();
-    }
-    in_addr address{};
-    address.s_addr = p.FirewallAddress();
-    EXPECT_STREQ(inet_ntoa(address), c.address);
-    EXPECT_EQ(p.Query("FirewallHost"), c.host);
   }
 }
 
@@ -206,59 +133,43 @@ class FailingResolver : public Probe {
   }
 };
 
+// RemoteHost reports the resolver's code and text; LocalHost and FirewallHost
+// the system error (EINVAL when none), for the component to word.
 TEST(TransferChannelTest, ResolutionFailuresGiveCodeAndText) {
-  const struct { int h_error; const char* text; } cases[] = {
-      {1, "The specified host is unknown."},
-      {99, "A name resolution error occurred."},
+  const struct { int h_error, system_error, code; const char* text; } cases[] = {
+      {1, ECONNREFUSED, ECONNREFUSED, "The specified host is unknown."},
+      {99, 0, EINVAL, "A name resolution error occurred."},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.h_error);
     FailingResolver p;
     p.h_error = c.h_error;
+    p.system_error = c.system_error;
     EXPECT_EQ(p.SetRemoteHost("bank.example"), c.h_error);
     EXPECT_STREQ(p.GetLastError(), c.text);
-    EXPECT_EQ(p.RemoteHost(), std::string(""));
-    EXPECT_EQ(p.SetRemoteHost("127.0.0.1"), 0);  // a dotted address asks no resolver
+    EXPECT_STREQ(p.RemoteHost(), "");
+    EXPECT_EQ(p.SetLocalHost("me.example"), c.code);
+    ASSERT_EQ(p.SetFirewallHost("127.0.0.2"), 0);  // a dotted address asks no resolver
+    EXPECT_EQ(p.SetFirewallHost("proxy.example"), c.code);
+    EXPECT_STREQ(p.GetLastError(), "");
+    EXPECT_EQ(p.FirewallAddress(), 0u);  // the previous address must not survive
+    EXPECT_EQ(p.Query("FirewallHost"), "proxy.example");
   }
   Probe real;
   EXPECT_EQ(real.SetRemoteHost("no-such-host.invalid"), 1);
-  EXPECT_STREQ(real.GetLastError(), "The specified host is unknown.");
-}
-
-// LocalHost and FirewallHost report the system error, not the resolver's code.
-TEST(TransferChannelTest, LocalAndFirewallHostFailuresAreSystemErrors) {
-  const struct { int system_error; int code; } cases[] = {{ECONNREFUSED, ECONNREFUSED}, {0, EINVAL}};
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.system_error);
-    FailingResolver p;
-    p.h_error = 2;
-    p.system_error = c.system_error;
-    EXPECT_EQ(p.SetLocalHost("me.example"), c.code);
-    EXPECT_EQ(p.SetFirewallHost("proxy.example"), c.code);
-    EXPECT_EQ(p.FirewallAddress(), 0u);
-  }
 }
 
 TEST(TransferChannelTest, SettingsAnswerQueries) {
   Probe p;
   const struct { const char* set; const char* name; const char* answer; } cases[] = {
-      {nullptr, "SelectWaitMillis", "20"},
-      {"AbsoluteTimeout=YES", "AbsoluteTimeout", "True"},
-      {"MaxLineLength=100000", "MaxLineLength", "65536"},
-      {"MaxLineLength=0", "MaxLineLength", "1"},
-      {nullptr, "InBufferSize", "65536"},
-      {nullptr, "SocketHandle", "-1"},
+      {"MaxLineLength=100000", "MaxLineLength", "65536"}, {"MaxLineLength=0", "MaxLineLength", "1"},
       {"FirewallType=2", "FirewallPort", "1080"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
-    if (c.set != nullptr) {
-      EXPECT_EQ(p.Set(c.set), 0);
-    }
+    EXPECT_EQ(p.Set(c.set), 0);
     EXPECT_EQ(p.Query(c.name), c.answer);
   }
-  EXPECT_EQ(p.Set("NoSuchSetting=1"), -1);
-  EXPECT_STREQ(p.GetLastError(), "Unknown config setting.");
 }
 
 TEST(TransferChannelTest, ExternalEventLoopWaitsThroughTheHost) {
@@ -269,7 +180,6 @@ TEST(TransferChannelTest, ExternalEventLoopWaitsThroughTheHost) {
   EXPECT_EQ(p.events.log.front(), "Watch(51)");
   EXPECT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
   EXPECT_EQ(p.received, "hi");
-  EXPECT_GT(p.events.waits, 0);
   EXPECT_TRUE(p.events.Saw("Unwatch(7)"));
   // A host that hands back -1 interrupts the wait.
   LoopbackServer stall([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
@@ -282,10 +192,7 @@ TEST(TransferChannelTest, ExternalEventLoopWaitsThroughTheHost) {
 }
 
 TEST(TransferChannelTest, RecordToFileWritesTheTranscript) {
-  char path[] = "/tmp/orvelan-transcript-XXXXXX";
-  const int fd = mkstemp(path);
-  ASSERT_GE(fd, 0);
-  close(fd);
+  const std::string path = ::testing::TempDir() + "orvelan-transcript";
   LoopbackServer server([](int s) {
     LoopbackServer::ReadUntil(s, "?");
     LoopbackServer::WriteAll(s, std::string("ok\0", 3));
@@ -295,30 +202,10 @@ TEST(TransferChannelTest, RecordToFileWritesTheTranscript) {
   ASSERT_EQ(p.Open(server.port()), 0);
   ASSERT_EQ(p.SendAll("why$?", 5, false), 0);
   ASSERT_EQ(p.WaitUntil([&] { return p.disconnects > 0; }), 0);
-  std::ifstream in(path, std::ios::binary);
   std::stringstream text;
-  text << in.rdbuf();
+  text << std::ifstream(path, std::ios::binary).rdbuf();
   EXPECT_EQ(text.str(), "\r\nexpect -exact \"why\\$?\"\r\n\r\nsend -nonewline \"ok\\000\"\r\n");
-  unlink(path);
-}
-
-TEST(TransferChannelTest, AcceptDataHoldsDeliveryBack) {
-  LoopbackServer server([](int fd) {
-    LoopbackServer::WriteAll(fd, "one\ntwo\n");
-    LoopbackServer::ReadUntil(fd, "never");
-  });
-  Probe p;
-  ASSERT_EQ(p.Open(server.port()), 0);
-  p.SetEOL("\n");
-  p.SetAcceptData(false);
-  // The lines are there to read; polling must not hand them up.
-  const auto start = std::chrono::steady_clock::now();
-  while (std::chrono::steady_clock::now() - start < std::chrono::milliseconds(60)) p.ProcessEvents(0);
-  EXPECT_EQ(p.received, "");
-  p.SetAcceptData(true);
-  EXPECT_EQ(p.WaitUntil([&] { return p.received.size() >= 8; }), 0);
-  EXPECT_EQ(p.received, "one|two|");
-  p.Disconnect();
+  unlink(path.c_str());
 }
 
 // Even a reading server cannot take 4 MB through a 4 KB send buffer at once;
@@ -336,7 +223,6 @@ TEST(TransferChannelTest, LargeSendsCompleteThroughPartialWrites) {
   ASSERT_EQ(p.Open(server.port(), 10), 0);
   EXPECT_EQ(p.Send(big.data(), static_cast<int32_t>(big.size())), 11);
   const int32_t first = p.BytesLastSent();
-  EXPECT_GT(first, 0);
   EXPECT_LT(first, static_cast<int32_t>(big.size()));
   const auto start = std::chrono::steady_clock::now();
   EXPECT_EQ(p.SendAll(big.data() + first, 1 << 20, false), 0);
@@ -348,17 +234,22 @@ TEST(TransferChannelTest, LargeSendsCompleteThroughPartialWrites) {
   EXPECT_EQ(got, big.size());
 }
 
-// Would-block ends the receive loop quietly; any other failure is raised as
-// an error with its number.
-TEST(TransferChannelTest, ReceiveFailureOtherThanWouldBlockIsRaised) {
+// While connected, target setters and Connect refuse. Would-block ends the
+// receive loop quietly; any other failure is raised as an error with its number.
+TEST(TransferChannelTest, ConnectedChannelRefusesSettersAndRaisesRecvFailures) {
   LoopbackServer server([](int fd) { LoopbackServer::ReadUntil(fd, "never"); });
   Probe p;
-  ASSERT_EQ(p.Open(server.port()), 0) << p.GetLastError();
+  ASSERT_EQ(p.Open(server.port()), 0);
+  EXPECT_EQ(p.SetRemoteHost("127.0.0.2"), 101);
+  EXPECT_STREQ(p.GetLastError(), "You cannot change the RemoteHost at this time. A connection is in progress.");
+  EXPECT_EQ(p.Set("MaxLineLength=10"), 112);
+  EXPECT_EQ(p.Connect(true), 104);
+  EXPECT_STREQ(p.RemoteHost(), "127.0.0.1");
+  EXPECT_EQ(p.Query("MaxLineLength"), "2048");
   EXPECT_EQ(p.Receive(), 11);
   EXPECT_EQ(p.errors, "");
   // An unconnected socket in place of the connection: recv fails with ENOTCONN.
   const int unconnected = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-  ASSERT_GE(unconnected, 0);
   ASSERT_EQ(dup2(unconnected, p.SocketHandle()), p.SocketHandle());
   close(unconnected);
   EXPECT_EQ(p.Receive(), ENOTCONN);
@@ -378,12 +269,9 @@ TEST(TransferChannelTest, ExchangesOnADescriptorPastFdSetSize) {
   } crowd;
   ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &crowd.saved), 0);
   rlimit raised = crowd.saved;
-  const rlim_t wanted = FD_SETSIZE + 64;
-  if (raised.rlim_cur < wanted) {
-    if (raised.rlim_max < wanted) GTEST_SKIP() << "the hard descriptor limit is below " << wanted;
-    raised.rlim_cur = wanted;
-    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &raised), 0);
-  }
+  raised.rlim_cur = std::max<rlim_t>(raised.rlim_cur, FD_SETSIZE + 64);
+  if (raised.rlim_cur > raised.rlim_max) GTEST_SKIP() << "the hard descriptor limit is below FD_SETSIZE + 64";
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &raised), 0);
   LoopbackServer server([](int fd) { LoopbackServer::WriteAll(fd, LoopbackServer::ReadUntil(fd, "\n")); });
   while (crowd.fds.empty() || crowd.fds.back() < FD_SETSIZE + 8) {
     const int fd = open("/dev/null", O_RDONLY | O_CLOEXEC);
