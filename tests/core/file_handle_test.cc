@@ -1,7 +1,10 @@
 #include "core/file_handle.h"
 
 #include <fcntl.h>
+#include <pthread.h>
+#include <signal.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -9,6 +12,7 @@
 #include <functional>
 #include <iterator>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -84,6 +88,43 @@ TEST_F(FileHandleTest, WritesAndReadsAtOffsets) {
   struct stat st;
   ASSERT_EQ(::stat((dir_ + "/fresh").c_str(), &st), 0);
   EXPECT_EQ(st.st_mode & 0777, 0666u);
+}
+
+
+// A timer without SA_RESTART interrupts the writer while a slow reader keeps
+// the pipe full, so Write sees both EINTR and partial counts.
+TEST_F(FileHandleTest, WriteResumesAfterInterruptsAndPartialWrites) {
+  const std::string fifo = dir_ + "/fifo";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  std::string sent(1 << 20, '\0'), received;
+  for (size_t i = 0; i < sent.size(); ++i) sent[i] = static_cast<char>(i * 31 + (i >> 12));
+  sigset_t alarm, old;
+  sigemptyset(&alarm);
+  sigaddset(&alarm, SIGALRM);
+  pthread_sigmask(SIG_BLOCK, &alarm, &old);  // the reader inherits the block
+  std::thread reader([&] {
+    FileHandle in;
+    char chunk[4096];
+    in.OpenRead(fifo.c_str(), 0);
+    for (int n = 1; in.ReadExact(chunk, sizeof chunk) == 0; ++n) {
+      received.append(chunk, sizeof chunk);
+      if (n % 32 == 0) ::usleep(3000);
+    }
+  });
+  pthread_sigmask(SIG_SETMASK, &old, nullptr);
+  struct sigaction action = {}, saved;
+  action.sa_handler = [](int) {};
+  ::sigaction(SIGALRM, &action, &saved);
+  const itimerval every_ms = {{0, 1000}, {0, 1000}}, off = {};
+  ::setitimer(ITIMER_REAL, &every_ms, nullptr);
+  FileHandle out;
+  const int written = out.OpenWrite(fifo.c_str(), 0) == 0 ? out.Write(sent.data(), sent.size()) : -1;
+  out.Close();
+  ::setitimer(ITIMER_REAL, &off, nullptr);
+  ::sigaction(SIGALRM, &saved, nullptr);
+  reader.join();
+  EXPECT_EQ(written, 0);
+  EXPECT_TRUE(received == sent) << received.size() << " of " << sent.size() << " bytes arrived";
 }
 
 }  // namespace
