@@ -1,0 +1,638 @@
+#!/usr/bin/env python3
+r"""orvelan-testbank: a sandbox OFX bank to try an OFX client against.
+
+It answers OFX 1.x (SGML) and 2.x (XML) requests posted to any path, in the
+request's dialect, like a strict bank: anything but an application/x-ofx POST
+with a well-formed header block, every end tag in the 2.x dialect, SONRQ first
+with its children in order, TRNUIDs of the form 8-4-4-4-4-8 lowercase hex and
+only ...MSGSRQV1/2 message sets gets HTTP 400 with the reason.
+
+The password is "secret" (--password), else sign-on status 15500. The USERID
+chooses what happens:
+  user          a statement with 3 transactions (so does any other USERID)
+  user<N>       a statement with N transactions (at most 200000)
+  error<CODE>   every transaction answered with status CODE, severity ERROR
+  warn          status 2028, severity WARN, with the statement
+  mfa           sign-on status 3000 until MFA13 "blue" and MFA107 "rex" are
+                answered; an MFACHALLENGETRNRQ gets the two questions
+  accesskey     the sign-on carries an ACCESSKEY
+  http<CODE>    HTTP status CODE (e.g. http500, http503) with an HTML page
+  stall         never answers, and holds the connection open
+  badofx        a truncated OFX document
+Statements (STMTRQ) and closing information (STMTENDRQ, one closing per month)
+are derived from the account and dates of the request; INCTRANIMG Y adds an
+image reference to each transaction. An image request (IMAGEREF) answers a
+1x1 PNG whose tEXt comment is the reference, or "OFX-STATUS=16512" for the
+reference "missing".
+
+With --log every POST is appended to FILE as
+    --- request <seq> status=<http status, 0 for stall> length=<n>\n<n body bytes>\n
+and one line per request goes to standard output.
+
+Examples:
+    orvelan-testbank --port 8080          # http://127.0.0.1:8080/ofx
+    orvelan-testbank --tls --cert-out bank.pem
+                                          # https, trust bank.pem in the client
+"""
+
+import argparse
+import datetime
+import html
+import http.server
+import os
+import re
+import select
+import shutil
+import signal
+import ssl
+import struct
+import subprocess
+import sys
+import tempfile
+import threading
+import zlib
+
+ACCESS_KEY = "orvelan-access-key"
+MFA_QUESTIONS = [("MFA13", "What is your favourite colour?", "blue"),
+                 ("MFA107", "What was your first pet's name?", "rex")]
+PAYEES = ["Grocery Outlet", "City Water", "Joe's Bar & Grill", "Payroll ACME <Ltd>", "Transfer from savings"]
+ZONE = "[-5:EST]"
+MAX_TRANSACTIONS = 200000
+
+SONRQ_ORDER = ["DTCLIENT", "USERID", "USERPASS", "LANGUAGE", "FI", "SESSCOOKIE", "APPID", "APPVER",
+               "CLIENTUID", "USERCRED1", "USERCRED2", "AUTHTOKEN", "ACCESSKEY", "MFACHALLENGEA"]
+SONRQ_REQUIRED = ["DTCLIENT", "USERID", "USERPASS", "LANGUAGE", "FI", "APPID", "APPVER"]
+# The header fields in order, each with the form of its value.
+SGML_HEADER = [("OFXHEADER", "100"), ("DATA", "OFXSGML"), ("VERSION", r"1\d\d"), ("SECURITY", "NONE"),
+               ("ENCODING", "USASCII"), ("CHARSET", "1252"), ("COMPRESSION", "NONE"), ("OLDFILEUID", ".+"),
+               ("NEWFILEUID", ".+")]
+XML_HEADER_FIELDS = [("OFXHEADER", "200"), ("VERSION", r"2\d\d"), ("SECURITY", "NONE"), ("OLDFILEUID", ".*"),
+                     ("NEWFILEUID", ".*")]
+
+TRNUID_FORM = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{8}$")
+OFX_DATE_FORM = re.compile(r"^\d{8}(\d{4}(\d{2}(\.\d{3})?)?)?(\[[+-]?\d+(\.\d+)?(:[A-Za-z ]*)?\])?$")
+XML_HEADER = re.compile(r'^(<\?xml[^>]*\?>\s*)?<\?OFX((?:\s+[A-Z]+="[^"]*")*)\s*\?>\s*')
+XML_ATTRIBUTE = re.compile(r'([A-Z]+)="([^"]*)"')
+TOKEN = re.compile(r"<(/?)([A-Za-z0-9_.]+)>|<|[^<]+")
+
+
+class BadRequest(Exception):
+    pass
+
+
+class Node:
+    __slots__ = ("name", "value", "children")
+
+    def __init__(self, name, value=None):
+        self.name = name
+        self.value = value
+        self.children = []
+
+    def child(self, name):
+        for c in self.children:
+            if c.name == name:
+                return c
+        return None
+
+    def find(self, path):
+        node = self
+        for part in path.split("/"):
+            node = node.child(part) if node is not None else None
+        return node
+
+    def text(self, path, default=""):
+        node = self.find(path)
+        return node.value if node is not None and node.value is not None else default
+
+    def walk(self):
+        yield self
+        for c in self.children:
+            yield from c.walk()
+
+
+# ---------------------------------------------------------------- reading
+
+
+def read_header(text):
+    """Returns (dialect, version, rest of the text)."""
+    if text.startswith("OFXHEADER:"):
+        end = text.find("\r\n\r\n")
+        if end < 0:
+            raise BadRequest("OFX 1.x header does not end with a blank line (CRLF CRLF)")
+        lines = [line.partition(":") for line in text[:end].split("\r\n")]
+        if [key for key, _, _ in lines] != [key for key, _ in SGML_HEADER]:
+            raise BadRequest("OFX 1.x header fields must be %s, each ending with CRLF" %
+                             ",".join(key for key, _ in SGML_HEADER))
+        for (key, _, value), (_, form) in zip(lines, SGML_HEADER):
+            if not re.fullmatch(form, value):
+                raise BadRequest("OFX 1.x header %s must match %s, got %r" % (key, form, value))
+        return "sgml", lines[2][2], text[end + 4:]
+    m = XML_HEADER.match(text)
+    if m:
+        attributes = dict(XML_ATTRIBUTE.findall(m.group(2)))
+        for key, form in XML_HEADER_FIELDS:
+            if key not in attributes or not re.fullmatch(form, attributes[key]):
+                raise BadRequest("OFX 2.x header %s must match %s, got %r" % (key, form, attributes.get(key)))
+        return "xml", attributes["VERSION"], text[m.end():]
+    raise BadRequest("no OFX header: the body must begin with OFXHEADER:100 or <?OFX OFXHEADER=\"200\" ...?>")
+
+
+def read_tree(text, dialect):
+    tokens = [(m.group(1), m.group(2), m.group(0)) for m in TOKEN.finditer(text)]
+    root = Node("")
+    stack = [root]
+    i = 0
+    while i < len(tokens):
+        slash, name, raw = tokens[i]
+        i += 1
+        if name is None:
+            if raw == "<":
+                raise BadRequest("malformed tag near %r" % text[text.find("<", 0):][:20])
+            if raw.strip():
+                raise BadRequest("text %r outside a leaf element" % raw.strip()[:30])
+            continue
+        if slash:
+            if stack[-1] is root or stack[-1].name != name:
+                open_name = stack[-1].name if stack[-1] is not root else "nothing"
+                raise BadRequest("end tag </%s> does not close <%s>" % (name, open_name))
+            stack.pop()
+            continue
+        node = Node(name)
+        stack[-1].children.append(node)
+        if i < len(tokens) and tokens[i][1] is None and tokens[i][2] != "<" and tokens[i][2].strip():
+            node.value = html.unescape(tokens[i][2].strip())
+            i += 1
+            if i < len(tokens) and tokens[i][0] and tokens[i][1] == name:
+                i += 1
+            elif dialect == "xml":
+                raise BadRequest("element <%s> has no end tag" % name)
+        elif i < len(tokens) and tokens[i][0] and tokens[i][1] == name:
+            node.value = ""  # an empty leaf written as <X></X>
+            i += 1
+        else:
+            stack.append(node)
+    if len(stack) > 1:
+        raise BadRequest("<%s> is never closed" % stack[-1].name)
+    if len(root.children) != 1 or root.children[0].name != "OFX":
+        raise BadRequest("the body must be one <OFX> element")
+    return root.children[0]
+
+
+def check_signon(ofx):
+    if not ofx.children or ofx.children[0].name != "SIGNONMSGSRQV1":
+        raise BadRequest("SIGNONMSGSRQV1 must be the first element of <OFX>")
+    signon = ofx.children[0]
+    if not signon.children or signon.children[0].name != "SONRQ":
+        raise BadRequest("SONRQ must be the first element of SIGNONMSGSRQV1")
+    sonrq = signon.children[0]
+    names = [c.name for c in sonrq.children]
+    ranks = [SONRQ_ORDER.index(n) if n in SONRQ_ORDER else -1 for n in names]
+    if -1 in ranks or ranks != sorted(ranks):
+        raise BadRequest("SONRQ elements unknown or out of order: %s" % ",".join(names))
+    for name in SONRQ_ORDER[:-1]:  # MFACHALLENGEA may repeat
+        count = names.count(name)
+        if count > 1 or (count == 0 and name in SONRQ_REQUIRED):
+            raise BadRequest("SONRQ lacks <%s>" % name if count == 0 else "<%s> appears twice in SONRQ" % name)
+    for name in ("USERID", "USERPASS", "APPID", "APPVER"):
+        if not sonrq.text(name):
+            raise BadRequest("SONRQ <%s> is empty" % name)
+    if not OFX_DATE_FORM.match(sonrq.text("DTCLIENT")):
+        raise BadRequest("DTCLIENT %r is not an OFX date" % sonrq.text("DTCLIENT"))
+    if not re.match(r"^[A-Z]{3}$", sonrq.text("LANGUAGE")):
+        raise BadRequest("LANGUAGE %r is not three capitals" % sonrq.text("LANGUAGE"))
+    fi = sonrq.child("FI")
+    if [c.name for c in fi.children] not in (["ORG"], ["ORG", "FID"]):
+        raise BadRequest("FI must hold ORG and an optional FID")
+    if not all(c.value for c in fi.children):
+        raise BadRequest("FI holds an empty element")
+    for answer in sonrq.children:
+        if answer.name == "MFACHALLENGEA" and [c.name for c in answer.children] != ["MFAPHRASEID", "MFAPHRASEA"]:
+            raise BadRequest("MFACHALLENGEA must hold MFAPHRASEID and MFAPHRASEA")
+    for node in ofx.walk():
+        if node.name == "TRNUID" and not TRNUID_FORM.match(node.value or ""):
+            raise BadRequest("TRNUID %r is not 8-4-4-4-4-8 lowercase hex digits" % node.value)
+    for node in ofx.children[1:]:
+        if not re.match(r"^[A-Z0-9]+MSGSRQV[12]$", node.name):
+            raise BadRequest("<%s> is not a request message set" % node.name)
+    return sonrq
+
+
+# ---------------------------------------------------------------- writing
+
+
+def render(node, dialect, out):
+    """node: (name, text) for a leaf, (name, [children]) for an aggregate."""
+    name, content = node
+    if isinstance(content, list):
+        out.append("<%s>\r\n" % name)
+        for c in content:
+            render(c, dialect, out)
+        out.append("</%s>\r\n" % name)
+    else:
+        end = "</%s>" % name if dialect == "xml" else ""
+        out.append("<%s>%s%s\r\n" % (name, html.escape(content, quote=False), end))
+
+
+def document(dialect, version, body):
+    out = []
+    if dialect == "xml":
+        out.append('<?xml version="1.0" encoding="UTF-8" standalone="no"?>\r\n'
+                   '<?OFX OFXHEADER="200" VERSION="%s" SECURITY="NONE" OLDFILEUID="NONE" NEWFILEUID="NONE"?>\r\n'
+                   % version)
+    else:
+        out.append("OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:%s\r\nSECURITY:NONE\r\nENCODING:USASCII\r\n"
+                   "CHARSET:1252\r\nCOMPRESSION:NONE\r\nOLDFILEUID:NONE\r\nNEWFILEUID:NONE\r\n\r\n" % version)
+    render(("OFX", body), dialect, out)
+    return "".join(out).encode("latin-1", "replace")
+
+
+def status(code=0, severity="INFO", message=None):
+    parts = [("CODE", str(code)), ("SEVERITY", severity)]
+    if message:
+        parts.append(("MESSAGE", message))
+    return ("STATUS", parts)
+
+
+def now_stamp():
+    return datetime.datetime.now(datetime.timezone.utc).strftime("%Y%m%d%H%M%S.000[0:GMT]")
+
+
+def money(cents):
+    return "%s%d.%02d" % ("-" if cents < 0 else "", abs(cents) // 100, abs(cents) % 100)
+
+
+def day_of(text, fallback):
+    try:
+        return datetime.datetime.strptime(text[:8], "%Y%m%d").date()
+    except ValueError:
+        return fallback
+
+
+def stamp(day, time="120000"):
+    return day.strftime("%Y%m%d") + time + ".000" + ZONE
+
+
+class Scenario:
+    def __init__(self, userid):
+        self.name = userid
+        self.transactions = 3
+        self.trn_status = None
+        self.http_status = 0
+        m = re.match(r"^(user|error|http)(\d+)$", userid)
+        if m and (m.group(1) != "http" or 400 <= int(m.group(2)) <= 599):
+            self.name = m.group(1)
+            if self.name == "user":
+                self.transactions = min(int(m.group(2)), MAX_TRANSACTIONS)
+            elif self.name == "error":
+                self.trn_status = status(int(m.group(2)), "ERROR")
+            else:
+                self.http_status = int(m.group(2))
+        elif userid == "warn":
+            self.trn_status = status(2028, "WARN", "Some request elements were not recognized and were ignored.")
+
+
+class Bank:
+    """Computes the answer to one checked request."""
+
+    def __init__(self, ofx, sonrq, dialect, version, scenario, password):
+        self.ofx = ofx
+        self.password = password
+        self.sonrq = sonrq
+        self.dialect = dialect
+        self.version = version
+        self.scenario = scenario
+
+    def signon(self, code=0, severity="INFO", extra=()):
+        parts = [status(code, severity), ("DTSERVER", now_stamp()), ("LANGUAGE", "ENG")]
+        parts.append(("FI", [(c.name, c.value) for c in self.sonrq.child("FI").children]))
+        if self.scenario.name == "accesskey" and code == 0:
+            parts.append(("ACCESSKEY", ACCESS_KEY))
+        return [("SIGNONMSGSRSV1", [("SONRS", parts)] + list(extra))]
+
+    def answer(self):
+        """Returns (http status, content type, body bytes)."""
+        s = self.scenario
+        image = self.ofx.find("IMAGEMSGSRQV1/IMAGETRNRQ/IMAGERQ/IMAGEREF")
+        if self.sonrq.text("USERPASS") != self.password:
+            if image is not None:
+                return 200, "application/x-ofx", b"OFX-STATUS=15500"
+            return self.ofx_answer(self.signon(15500, "ERROR"))
+        if s.name == "http":
+            try:
+                reason = http.HTTPStatus(s.http_status).phrase
+            except ValueError:
+                reason = "Error"
+            page = "<html><head><title>%d %s</title></head><body><h1>%s</h1></body></html>\r\n" % (
+                s.http_status, reason, reason)
+            return s.http_status, "text/html", page.encode()
+        if s.name == "badofx":
+            return 200, "application/x-ofx", b"<OFX>\r\n<SIGNONMSGSRSV1>\r\n<SONRS>\r\n</SIGNONMSGSRSV1>\r\n</OFX>"
+        if image is not None:
+            if image.value == "missing":
+                return 200, "application/x-ofx", b"OFX-STATUS=16512"
+            return 200, "image/png", png(image.value or "")
+        challenge = self.ofx.children[0].child("MFACHALLENGETRNRQ")
+        if challenge is not None:
+            return self.ofx_answer(self.signon(extra=[self.challenge(challenge)]))
+        if s.name == "mfa":
+            answers = [c for c in self.sonrq.children if c.name == "MFACHALLENGEA"]
+            if not answers:
+                return self.ofx_answer(self.signon(3000, "ERROR"))
+            given = {a.text("MFAPHRASEID"): a.text("MFAPHRASEA").lower() for a in answers}
+            if any(given.get(pid) != answer for pid, _, answer in MFA_QUESTIONS):
+                return self.ofx_answer(self.signon(3001, "ERROR"))
+        body = self.signon()
+        for message_set in self.ofx.children[1:]:
+            body.append((message_set.name.replace("RQV", "RSV"), self.message_set(message_set)))
+        return self.ofx_answer(body)
+
+    def ofx_answer(self, body):
+        return 200, "application/x-ofx", document(self.dialect, self.version, body)
+
+    def challenge(self, request):
+        questions = [("MFACHALLENGE", [("MFAPHRASEID", pid), ("MFAPHRASELABEL", label)])
+                     for pid, label, _ in MFA_QUESTIONS]
+        return ("MFACHALLENGETRNRS", [("TRNUID", request.text("TRNUID")), status(),
+                                      ("MFACHALLENGERS", questions)])
+
+    def message_set(self, message_set):
+        out = []
+        for request in message_set.children:
+            if not request.name.endswith("TRNRQ"):
+                continue
+            name = request.name[:-2] + "RS"
+            parts = [("TRNUID", request.text("TRNUID"))]
+            if self.scenario.name == "error":
+                out.append((name, parts + [self.scenario.trn_status]))
+                continue
+            if request.name == "STMTTRNRQ":
+                parts += self.statement(request)
+            elif request.name == "STMTENDTRNRQ":
+                parts += self.closing(request)
+            else:
+                parts.append(status())
+            out.append((name, parts))
+        return out
+
+    def range_of(self, rq):
+        end = day_of(rq.text("DTEND"), datetime.date.today())
+        start = day_of(rq.text("DTSTART"), end - datetime.timedelta(days=30))
+        return start, end
+
+    def account(self, rq):
+        node = rq.child("BANKACCTFROM")
+        if node is None:
+            raise BadRequest("%s lacks BANKACCTFROM" % rq.name)
+        return [(c.name, c.value or "") for c in node.children if c.value is not None]
+
+    def statement(self, trnrq):
+        rq = trnrq.child("STMTRQ")
+        if rq is None:
+            raise BadRequest("STMTTRNRQ lacks <STMTRQ>")
+        inctran = rq.child("INCTRAN")
+        dates = inctran if inctran is not None else rq
+        start, end = self.range_of(dates)
+        account = self.account(rq)
+        account_id = dict(account).get("ACCTID", "")
+        seed = sum(account_id.encode()) + sum(dict(account).get("BANKID", "").encode())
+        images = rq.text("INCTRANIMG") == "Y"
+        transactions = []
+        total = 0
+        count = self.scenario.transactions
+        span = (end - start).days
+        for i in range(count):
+            cents = (seed * 7919 + i * 104729) % 200001 - 100000
+            total += cents
+            day = start + datetime.timedelta(days=(span * (i + 1)) // (count + 1))
+            kind = "CHECK" if i % 5 == 4 else ("CREDIT" if cents > 0 else "DEBIT")
+            if kind == "CHECK" and cents > 0:
+                cents = -cents
+            fitid = "%s-%s-%05d" % (account_id, day.strftime("%Y%m%d"), i + 1)
+            t = [("TRNTYPE", kind), ("DTPOSTED", stamp(day)), ("DTUSER", stamp(day, "000000")),
+                 ("TRNAMT", money(cents)), ("FITID", fitid)]
+            if kind == "CHECK":
+                t.append(("CHECKNUM", str(1000 + i)))
+            t.append(("NAME", PAYEES[(seed + i) % len(PAYEES)]))
+            if i % 2 == 0:
+                t.append(("MEMO", "Transaction %d of %d" % (i + 1, count)))
+            if images:
+                t.append(("IMAGEDATA", [("IMAGETYPE", "STATEMENT"), ("IMAGEREF", "img-" + fitid + ".png"),
+                                        ("IMAGEREFTYPE", "OPAQUE")]))
+            transactions.append(("STMTTRN", t))
+        ledger = 100000 + total
+        body = [("CURDEF", "USD"), ("BANKACCTFROM", account)]
+        if rq.text("INCTRAN/INCLUDE") == "Y":
+            body.append(("BANKTRANLIST", [("DTSTART", dates.text("DTSTART") or stamp(start, "000000")),
+                                          ("DTEND", dates.text("DTEND") or stamp(end, "235959"))] + transactions))
+        body.append(("LEDGERBAL", [("BALAMT", money(ledger)), ("DTASOF", stamp(end, "235959"))]))
+        body.append(("AVAILBAL", [("BALAMT", money(ledger - 2500)), ("DTASOF", stamp(end, "235959"))]))
+        return [self.scenario.trn_status or status(), ("STMTRS", body)]
+
+    def closing(self, trnrq):
+        rq = trnrq.child("STMTENDRQ")
+        if rq is None:
+            raise BadRequest("STMTENDTRNRQ lacks <STMTENDRQ>")
+        start, end = self.range_of(rq)
+        account = self.account(rq)
+        account_id = dict(account).get("ACCTID", "")
+        closings = []
+        balance = 100000
+        month = datetime.date(start.year, start.month, 1)
+        while month <= end and len(closings) < 24:
+            following = datetime.date(month.year + month.month // 12, month.month % 12 + 1, 1)
+            last = following - datetime.timedelta(days=1)
+            credits = (sum(account_id.encode()) * 31 + month.month * 1013) % 50000
+            debits = (month.toordinal() * 17) % 40000
+            fees, interest = 500, 12
+            close = balance + credits - debits - fees + interest
+            tag = month.strftime("%Y%m")
+            closings.append(("CLOSING", [("FITID", "CL-%s-%s" % (account_id, tag)), ("DTOPEN", stamp(month, "000000")),
+                 ("DTCLOSE", stamp(last, "235959")), ("DTNEXT", stamp(following, "000000")),
+                 ("BALOPEN", money(balance)), ("BALCLOSE", money(close)), ("DEPANDCREDIT", money(credits)),
+                 ("CHKANDDEB", money(-debits)), ("TOTALFEES", money(-fees)), ("TOTALINT", money(interest)),
+                 ("DTPOSTSTART", stamp(month, "000000")), ("DTPOSTEND", stamp(last, "235959"))]))
+            balance = close
+            month = following
+        return [self.scenario.trn_status or status(),
+                ("STMTENDRS", [("CURDEF", "USD"), ("BANKACCTFROM", account)] + closings)]
+
+
+def png(comment):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data) & 0xffffffff)
+    header = struct.pack(">IIBBBBB", 1, 1, 8, 0, 0, 0, 0)  # 1x1, 8-bit grey
+    pixels = zlib.compress(b"\x00\x7f")
+    text = b"Comment\x00" + comment.encode("latin-1", "replace")
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"tEXt", text) + chunk(b"IDAT", pixels) +
+            chunk(b"IEND", b""))
+
+
+# ---------------------------------------------------------------- serving
+
+
+class Handler(http.server.BaseHTTPRequestHandler):
+    protocol_version = "HTTP/1.1"
+    server_version = "OrvelanTestBank/1.0"
+
+    def log_message(self, format, *args):
+        pass
+
+    def reply(self, code, content_type, body):
+        self.send_response(code)
+        self.send_header("Content-Type", content_type)
+        self.send_header("Content-Length", str(len(body)))
+        self.end_headers()
+        self.wfile.write(body)
+
+    def do_POST(self):
+        body = self.rfile.read(int(self.headers.get("Content-Length", "0")))
+        try:
+            code, kind, answer = self.decide(self.headers.get("Content-Type", ""), body)
+        except BadRequest as e:
+            code, kind, answer = 400, "text/plain", ("Bad OFX request: %s.\n" % e).encode("latin-1", "replace")
+        if code == 0:
+            note = "stalling"
+        elif code == 400:
+            note = answer.decode("latin-1").strip()
+        else:
+            note = "%s, %d bytes" % (kind, len(answer))
+        self.server.record(code, body, note)
+        if code == 0:
+            return self.stall()
+        self.reply(code, kind, answer)
+
+    def decide(self, content_type, body):
+        media = content_type.split(";")[0].strip().lower()
+        if media != "application/x-ofx":
+            raise BadRequest("Content-Type must be application/x-ofx, got %r" % content_type)
+        if not body:
+            raise BadRequest("the body is empty")
+        text = body.decode("latin-1")
+        dialect, version, rest = read_header(text)
+        ofx = read_tree(rest, dialect)
+        sonrq = check_signon(ofx)
+        scenario = Scenario(sonrq.text("USERID"))
+        if scenario.name == "stall" and sonrq.text("USERPASS") == self.server.password:
+            return 0, None, None
+        return Bank(ofx, sonrq, dialect, version, scenario, self.server.password).answer()
+
+    def stall(self):
+        # Hold the connection without a byte of answer until the client gives up.
+        self.close_connection = True
+        while not self.server.stopping:
+            readable, _, _ = select.select([self.connection], [], [], 0.2)
+            if readable:
+                try:
+                    if not self.connection.recv(4096):
+                        return
+                except OSError:
+                    return
+
+
+class Server(http.server.ThreadingHTTPServer):
+    daemon_threads = True
+    allow_reuse_address = True
+
+    def __init__(self, address, password, log_path):
+        super().__init__(address, Handler)
+        self.password = password
+        self.log_path = log_path
+        self.lock = threading.Lock()
+        self.sequence = 0
+        self.stopping = False
+
+    def record(self, code, body, note):
+        with self.lock:
+            self.sequence += 1
+            print("request %d: %d %s" % (self.sequence, code, note), flush=True)
+            if self.log_path:
+                with open(self.log_path, "ab") as log:
+                    log.write(b"--- request %d status=%d length=%d\n" % (self.sequence, code, len(body)) + body + b"\n")
+
+    def handle_error(self, request, client_address):
+        # A client that drops the connection or refuses the certificate is
+        # ordinary here; one line instead of a traceback.
+        print("connection from %s:%d: %s" % (client_address[0], client_address[1], sys.exc_info()[1]),
+              file=sys.stderr, flush=True)
+
+
+def make_certificate(host, directory):
+    """A self-signed certificate for host, 127.0.0.1 and localhost, valid 30 days."""
+    names = {"IP:127.0.0.1", "DNS:localhost"}
+    if host not in ("", "0.0.0.0", "::"):
+        names.add(("IP:" if re.fullmatch(r"[\d.]+|[0-9a-fA-F:]+", host) else "DNS:") + host)
+    cert, key = os.path.join(directory, "bank.pem"), os.path.join(directory, "bank.key")
+    try:
+        subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "30",
+                        "-subj", "/CN=Orvelan Test Bank", "-addext", "subjectAltName=" + ",".join(sorted(names)),
+                        "-keyout", key, "-out", cert], check=True, stdout=subprocess.DEVNULL,
+                       stderr=subprocess.PIPE)
+    except FileNotFoundError:
+        sys.exit("orvelan-testbank: --tls needs the openssl command to make a certificate (or --cert and --key)")
+    except subprocess.CalledProcessError as e:
+        sys.exit("orvelan-testbank: openssl could not make a certificate: " + e.stderr.decode(errors="replace"))
+    return cert, key
+
+
+def main():
+    parser = argparse.ArgumentParser(
+        prog="orvelan-testbank", description="A sandbox OFX bank to try an OFX client against.",
+        epilog="\n".join(__doc__.split("\n")[2:]), formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--host", default="127.0.0.1", help="address to listen on (default 127.0.0.1)")
+    parser.add_argument("--port", type=int, default=0, help="port to listen on (default: any free port)")
+    parser.add_argument("--password", default="secret", help='the one password it accepts (default "secret")')
+    parser.add_argument("--tls", action="store_true",
+                        help="serve HTTPS (TLS 1.2 or later) with a self-signed certificate made by openssl")
+    parser.add_argument("--cert", metavar="PEM", help="serve HTTPS with this certificate (chain) instead")
+    parser.add_argument("--key", metavar="PEM", help="the private key of --cert, if not in the same file")
+    parser.add_argument("--cert-out", metavar="PEM", help="copy the made certificate here, for the client to trust")
+    parser.add_argument("--log", metavar="FILE", default="", help="append every request body to FILE (format below)")
+    parser.add_argument("--port-file", metavar="FILE", default="",
+                        help="write the port to FILE once listening (written whole, then renamed)")
+    args = parser.parse_args()
+    if args.key and not args.cert:
+        parser.error("--key needs --cert")
+    if args.cert_out and (args.cert or not args.tls):
+        parser.error("--cert-out goes with --tls, and without --cert")
+
+    server = Server((args.host, args.port), args.password, args.log)
+    scratch = None
+    cert, key = args.cert, args.key
+    if args.tls and not cert:
+        scratch = tempfile.mkdtemp(prefix="orvelan-testbank-")
+        cert, key = make_certificate(args.host, scratch)
+        if args.cert_out:
+            shutil.copyfile(cert, args.cert_out)
+    if cert:
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.minimum_version = ssl.TLSVersion.TLSv1_2
+        context.load_cert_chain(cert, key)
+        # The handshake then runs in the connection's own thread, so a client
+        # that never speaks holds up nobody else.
+        server.socket = context.wrap_socket(server.socket, server_side=True, do_handshake_on_connect=False)
+    port = server.server_address[1]
+    if args.port_file:
+        with open(args.port_file + ".tmp", "w") as f:
+            f.write("%d\n" % port)
+        os.replace(args.port_file + ".tmp", args.port_file)
+    host = "[%s]" % args.host if ":" in args.host else args.host
+    print("orvelan-testbank: serving %s://%s:%d/ofx" % ("https" if cert else "http", host, port), flush=True)
+    if scratch:
+        print("certificate: %s" % (args.cert_out or cert), flush=True)
+
+    def stop(signum, frame):
+        server.stopping = True
+        threading.Thread(target=server.shutdown, daemon=True).start()
+    signal.signal(signal.SIGTERM, stop)
+    signal.signal(signal.SIGINT, stop)
+    try:
+        server.serve_forever(poll_interval=0.2)
+    finally:
+        server.server_close()
+        if scratch:
+            shutil.rmtree(scratch, ignore_errors=True)
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
