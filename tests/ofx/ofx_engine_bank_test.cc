@@ -1,5 +1,5 @@
 // Engine round trips against the scripted test bank over plain HTTP; the
-// service's bank tests run both dialects through nginx with TLS.
+// service's bank tests run both dialects over TLS.
 #include <gtest/gtest.h>
 
 #include <string>

@@ -1,5 +1,5 @@
 // The bank statement component end to end: requests built by the service,
-// posted over TLS to the scripted test bank (behind nginx), answers read back
+// posted over TLS to the scripted test bank, answers read back
 // through the component's property ids as a host would.
 #include <gtest/gtest.h>
 

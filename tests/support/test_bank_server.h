@@ -21,8 +21,8 @@ class TestBankServer {
   const std::string& why() const { return why_; }  // why it could not start
   std::string Url(const std::string& path = "/ofx") const;
 
-  // Puts nginx with the test CA's server certificate in front (once); false,
-  // with why() set, when it cannot.
+  // Starts the bank's TLS twin with the test CA's server certificate (once);
+  // false, with why() set, when it cannot.
   bool StartBehindTls();
   std::string TlsUrl(const std::string& path = "/ofx") const;
   static std::string CaFile() { return TestPki::Get().Path("ca.pem"); }
@@ -42,8 +42,11 @@ class TestBankServer {
   int port_ = 0;
   int tls_port_ = 0;
   bool tls_tried_ = false;
+  // Starts the script with `options`; its port, or 0 with why() set.
+  int Launch(std::unique_ptr<PeerProcess>& bank, const std::string& name, const std::vector<std::string>& options);
+
   std::unique_ptr<PeerProcess> bank_;
-  std::unique_ptr<PeerProcess> proxy_;
+  std::unique_ptr<PeerProcess> tls_bank_;
 };
 
 // Declares a started TestBankServer `var`; skips the test when it cannot
@@ -58,7 +61,7 @@ class TestBankServer {
 // The same for the bank behind TLS; `var` must be a started TestBankServer.
 #define ORVELAN_REQUIRE_TLS_BANK(var)                                              \
   if (!var.StartBehindTls()) {                                                     \
-    if (PeersRequired()) FAIL() << "nginx in front of the test bank is required: " \
+    if (PeersRequired()) FAIL() << "the TLS test bank is required: " \
                                 << var.why();                                      \
     GTEST_SKIP() << "TLS test bank not available: " << var.why();                  \
   }
