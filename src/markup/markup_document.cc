@@ -98,6 +98,17 @@ bool MarkupDocument::HasPath(std::string_view path) {
   return found;
 }
 
+bool MarkupDocument::SelectPathIfPresent(std::string_view path) {
+  const uint32_t cursor = Tree().Cursor();
+  ByteString saved;
+  saved.Swap(canonical_);
+  canonical_.Assign(saved);
+  if (Walk(path) == kOk) return true;
+  Tree().SetCursor(cursor);
+  canonical_.Swap(saved);
+  return false;
+}
+
 int MarkupDocument::Walk(std::string_view path) {
   if (path.empty()) return kOk;
   DocumentTree& tree = Tree();

@@ -52,6 +52,9 @@ class MarkupDocument : public ComponentCore, public MarkupListener {
   int SelectPath(std::string_view path);
   // Whether SelectPath would succeed; cursor, path and error text are left as they were.
   bool HasPath(std::string_view path);
+  // SelectPath when HasPath holds, walking once; otherwise false, leaving
+  // everything as HasPath does.
+  bool SelectPathIfPresent(std::string_view path);
   const char* CurrentPath() const { return canonical_.Data(); }
 
   // Accessors at the cursor; "" (or 0) without one.

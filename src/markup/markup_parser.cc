@@ -252,12 +252,19 @@ int MarkupParser::FeedBytes(const char* data, size_t length) {
       } else if (state_ == kStartName || (state_ == kEndName && prev_ != '/')) {
         while (p < end && IsNameChar(*p)) ++p;
       }
+      // A line end in character data joins its run; the line is then
+      // delivered as the byte-at-a-time path would after it.
+      const bool line_end = state_ == kText && p < end && *p == '\n';
+      if (line_end) ++p;
       if (p != run) {
         ByteString& target = state_ == kText || state_ == kAfterTag ? text_ : token_;
         if (int rc = target.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(p - run)); rc != kOk) {
           return Fail(rc);
         }
         if (int rc = TakeRun(run, static_cast<size_t>(p - run)); rc != kOk) return rc;
+        if (line_end && line_delivery_) {
+          if (int rc = Deliver(Delivery::kLine); rc != kOk) return rc;
+        }
         continue;
       }
       if (*p == '<' && (state_ == kText || state_ == kAfterTag)) {

@@ -192,9 +192,8 @@ int BankStatementService::ParseClosingInfo() {
     step.Assign("CLOSING[");
     step.AppendInt(n);
     step.AppendChar(']');
-    if (!doc.HasPath(step.View())) return kOk;
+    if (!doc.SelectPathIfPresent(step.View())) return kOk;
     if (closings_.SetCount(n) != kOk) return ReportError(kErrOutOfMemory, nullptr);
-    if (int rc = doc.SelectPath(step.View()); rc != kOk) return DocumentError(rc);
     if (int rc = closings_.Last()->Parse(*this); rc != kOk) return rc;
     if (int rc = doc.SelectPath(".."); rc != kOk) return DocumentError(rc);
   }
@@ -237,9 +236,8 @@ int BankStatementService::ParseTransactions() {
     step.Assign("STMTTRN[");
     step.AppendInt(n);
     step.AppendChar(']');
-    if (!doc.HasPath(step.View())) return kOk;
+    if (!doc.SelectPathIfPresent(step.View())) return kOk;
     if (transactions_.SetCount(n) != kOk) return ReportError(kErrOutOfMemory, nullptr);
-    if (int rc = doc.SelectPath(step.View()); rc != kOk) return DocumentError(rc);
     if (int rc = transactions_.Last()->Parse(*this); rc != kOk) return rc;
     if (int rc = doc.SelectPath(".."); rc != kOk) return DocumentError(rc);
   }

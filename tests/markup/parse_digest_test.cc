@@ -1,21 +1,9 @@
-// Differential check of the parser and tree against digests recorded from an
-// earlier build: real files, generated statements and token soup, and
-// mutations of them. A digest covers the codes and texts of the parse and of
-// Finish, every arena byte (records, offsets, positions), the kept text, and
-// the path, markup and contents of every element. The parser must give the
-// same picture however the bytes arrive: copied or retained, whole, in
-// pieces, or a byte at a time through a listener.
-//
-// After a deliberate change, rerun with ORVELAN_DIGEST_OUT=file and review
-// the differences before replacing parse_digests.txt with it.
-#include <cstdint>
+// Differential check against digests of an earlier build (real files, generated statements, token soup,
+// mutants) of the parse and Finish codes and texts, every arena byte, the kept text and what paths reach,
+// however the bytes arrive. After a deliberate change, rerun with ORVELAN_DIGEST_OUT=file and review.
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <map>
-#include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -25,66 +13,54 @@
 namespace orvelan {
 namespace {
 
-struct Rng {
+struct Rng {  // splitmix64: the same sequence on every platform
   uint64_t state;
-  uint64_t Next() {  // splitmix64: the same sequence on every platform
-    uint64_t z = (state += 0x9E3779B97F4A7C15ull);
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EBull;
-    return z ^ (z >> 31);
+  size_t Below(size_t n) {
+    const uint64_t z = (state += 0x9E3779B97F4A7C15ull), y = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9ull;
+    const uint64_t x = (y ^ (y >> 27)) * 0x94D049BB133111EBull;
+    return static_cast<size_t>((x ^ (x >> 31)) % n);
   }
-  size_t Below(size_t n) { return static_cast<size_t>(Next() % n); }
 };
 
-uint64_t Fnv(const std::string& s) {
-  uint64_t h = 14695981039346656037ull;
+uint64_t Fnv(const std::string& s, uint64_t h = 14695981039346656037ull) {
   for (unsigned char c : s) h = (h ^ c) * 1099511628211ull;
   return h;
 }
 
-struct Document { std::string name; std::string text; std::vector<std::string> paths; };
+std::string Source() { return std::getenv("ORVELAN_SOURCE_DIR") ? std::getenv("ORVELAN_SOURCE_DIR") : "."; }
 
-// An OFX statement with a little of everything a bank sends.
+struct Document { std::string name, text; std::vector<std::string> paths; };
+
+// An OFX statement with a little of everything a bank sends. In a shape, "{NAME value}" is a leaf
+// (closed in XML only) and "~" a line end.
 std::string Statement(Rng& rng, int transactions, bool xml) {
-  const char* nl = rng.Below(3) == 0 ? "\n" : "\r\n";
+  const std::string nl = rng.Below(3) == 0 ? "\n" : "\r\n";
   std::string s = xml ? "<?xml version=\"1.0\"?>\r\n<?OFX OFXHEADER=\"200\" VERSION=\"211\"?>\r\n"
                       : "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\n\r\n";
-  const auto leaf = [&](const char* name, const std::string& value) {
-    s += std::string("<") + name + ">" + value;
-    if (xml) s += std::string("</") + name + ">";
-    s += nl;
+  const auto add = [&](const std::string& shape) {
+    for (size_t at = 0; at < shape.size(); ++at) {
+      const size_t space = shape.find(' ', at), close = shape.find('}', at);
+      const std::string name = shape.substr(at + 1, space - at - 1), end = xml ? "</" + name + ">" : "";
+      s += shape[at] == '~' ? nl : shape[at] != '{' ? shape.substr(at, 1) : "<" + name + ">";
+      if (shape[at] == '{') s += shape.substr(space + 1, close - space - 1) + end + nl, at = close;
+    }
   };
-  s += "<OFX>" + std::string(nl) + "<SIGNONMSGSRSV1><SONRS><STATUS>";
-  leaf("CODE", "0");
-  leaf("SEVERITY", "INFO");
-  s += "</STATUS>";
-  leaf("DTSERVER", "20240131120000.000[-5:EST]");
-  s += "</SONRS></SIGNONMSGSRSV1>" + std::string(nl) + "<BANKMSGSRSV1><STMTTRNRS>";
-  leaf("TRNUID", "1001");
-  s += "<STATUS><CODE>0</CODE><SEVERITY>INFO</SEVERITY></STATUS><STMTRS>";
-  leaf("CURDEF", "USD");
-  s += "<BANKACCTFROM>";
-  leaf("BANKID", "121000248");
-  leaf("ACCTID", "0123456789");
-  leaf("ACCTTYPE", "CHECKING");
-  s += "</BANKACCTFROM><BANKTRANLIST>";
-  leaf("DTSTART", "20240101");
+  add("<OFX>~<SIGNONMSGSRSV1><SONRS><STATUS>{CODE 0}{SEVERITY INFO}</STATUS>{DTSERVER 20240131120000.000[-5:EST]}"
+      "</SONRS></SIGNONMSGSRSV1>~<BANKMSGSRSV1><STMTTRNRS>{TRNUID 1001}<STATUS><CODE>0</CODE><SEVERITY>INFO</SEVERITY>"
+      "</STATUS><STMTRS>{CURDEF USD}<BANKACCTFROM>{BANKID 121000248}{ACCTID 0123456789}{ACCTTYPE CHECKING}"
+      "</BANKACCTFROM><BANKTRANLIST>{DTSTART 20240101}");
   static const char* const kNames[] = {"GROCERY &amp; CO", "  PADDED  NAME  ", "CAF\xC3\xA9 #12", "A&#66;C &#x41;",
                                        "x &lt; y &bogus", "TAB\tIN", "<![CDATA[ <raw> ]]>", ""};
   for (int i = 0; i < transactions; ++i) {
-    s += "<STMTTRN>" + std::string(nl);
-    leaf("TRNTYPE", i % 4 == 0 ? "CREDIT" : "DEBIT");
-    leaf("DTPOSTED", "202401" + std::to_string(10 + i % 20) + (i % 3 ? "" : "120000.000[-5:EST]"));
-    leaf("TRNAMT", (i % 4 == 0 ? "" : "-") + std::to_string(i % 990) + "." + std::to_string(10 + i % 90));
-    leaf("FITID", std::to_string(1000000 + i));
-    if (rng.Below(4) == 0) leaf("CHECKNUM", std::to_string(1000 + i));
-    leaf("NAME", kNames[rng.Below(8)]);
-    if (rng.Below(3) == 0) leaf("MEMO", "memo " + std::to_string(i) + " <!-- c -->end");
-    s += "</STMTTRN>" + std::string(nl);
+    char t[160];
+    std::snprintf(t, sizeof t, "<STMTTRN>~{TRNTYPE %s}{DTPOSTED 202401%d%s}{TRNAMT %s%d.%d}{FITID %d}",
+                  i % 4 ? "DEBIT" : "CREDIT", 10 + i % 20, i % 3 ? "" : "120000.000[-5:EST]", i % 4 ? "-" : "",
+                  i % 990, 10 + i % 90, 1000000 + i);
+    add(t + (rng.Below(4) ? "" : "{CHECKNUM " + std::to_string(1000 + i) + "}"));
+    add(std::string("{NAME ") + kNames[rng.Below(8)] + "}");
+    add(rng.Below(3) ? "</STMTTRN>~" : "{MEMO memo " + std::to_string(i) + " <!-- c -->end}</STMTTRN>~");
   }
-  s += "</BANKTRANLIST><LEDGERBAL>";
-  leaf("BALAMT", "1234.56");
-  s += "</LEDGERBAL></STMTRS></STMTTRNRS></BANKMSGSRSV1></OFX>" + std::string(nl);
+  add("</BANKTRANLIST><LEDGERBAL>{BALAMT 1234.56}</LEDGERBAL></STMTRS></STMTTRNRS></BANKMSGSRSV1></OFX>~");
   return s;
 }
 
@@ -103,47 +79,36 @@ std::string Soup(Rng& rng) {
 }
 
 std::string Mutate(Rng& rng, std::string s) {
-  static const char kSpecial[] = "<>&/!?-[]'\"=:; \r\n#xA";
+  static const std::string kSpecial = "<>&/!?-[]'\"=:; \r\n#xA";
   for (size_t n = 1 + rng.Below(4); n > 0 && !s.empty(); --n) {
-    const size_t at = rng.Below(s.size());
-    switch (rng.Below(4)) {
-      case 0: s[at] = kSpecial[rng.Below(sizeof kSpecial - 1)]; break;
-      case 1: s.insert(at, 1, kSpecial[rng.Below(sizeof kSpecial - 1)]); break;
-      case 2: s.erase(at, 1 + rng.Below(8)); break;
-      default: s.resize(at); break;
-    }
+    const size_t at = rng.Below(s.size()), op = rng.Below(4);
+    if (op < 2) s.insert(at, 1, kSpecial[rng.Below(kSpecial.size())]);
+    if (op == 0) s.erase(at + 1, 1);  // a replacement
+    if (op == 2) s.erase(at, 1 + rng.Below(8));
+    if (op == 3) s.resize(at);
   }
   return s;
 }
 
 std::vector<Document> Documents() {
   std::vector<Document> docs;
-  const char* source = std::getenv("ORVELAN_SOURCE_DIR");
   for (const char* seed : {"broken", "html_comments", "sgml_leaves", "sgml_statement", "xml_namespaces"}) {
-    const std::string raw = Slurp(std::string(source != nullptr ? source : ".") + "/fuzz/seeds/markup_fuzz/" + seed);
-    if (raw.empty()) continue;
-    const std::string rest = raw.substr(1);
+    const std::string raw = Slurp(Source() + "/fuzz/seeds/markup_fuzz/" + seed), rest = raw.substr(raw.empty() ? 0 : 1);
     const size_t nul = rest.find('\0');
     Document d{std::string("seed/") + seed, rest.substr(0, nul), {}};
-    for (size_t at = nul; at != std::string::npos && at < rest.size();) {
-      const size_t lf = rest.find('\n', at + 1);
-      d.paths.push_back(rest.substr(at + 1, lf == std::string::npos ? std::string::npos : lf - at - 1));
-      at = lf;
-    }
-    docs.push_back(d);
+    for (size_t at = nul; at < rest.size(); at = rest.find('\n', at + 1))  // one path a line after the NUL
+      d.paths.push_back(rest.substr(at + 1, rest.find('\n', at + 1) - at - 1));
+    if (!raw.empty()) docs.push_back(d);
   }
   Rng rng{20240131};
-  for (int i = 0; i < 8; ++i) {
-    // 400 transactions pass the 64 KiB at which a feed sizes its buffers up front.
+  for (int i = 0; i < 8; ++i) {  // 400 transactions pass the 64 KiB at which a feed sizes its buffers up front
     const int transactions = i < 2 ? 400 : 1 + static_cast<int>(rng.Below(12));
     docs.push_back({"statement/" + std::to_string(i), Statement(rng, transactions, i % 2 == 1), {}});
   }
   for (int i = 0; i < 40; ++i) docs.push_back({"soup/" + std::to_string(i), Soup(rng), {}});
-  const size_t originals = docs.size();
-  for (int i = 0; i < 120; ++i) {
+  for (size_t i = 0, originals = docs.size(); i < 120; ++i) {
     const Document& from = docs[rng.Below(originals)];
-    if (from.text.size() > 20000) continue;
-    docs.push_back({"mutant/" + std::to_string(i), Mutate(rng, from.text), {}});
+    if (from.text.size() <= 20000) docs.push_back({"mutant/" + std::to_string(i), Mutate(rng, from.text), {}});
   }
   // Files that may be absent draw on their own generator, so the rest stay put.
   for (const auto& [name, path] : CorpusFiles()) {
@@ -155,72 +120,44 @@ std::vector<Document> Documents() {
   return docs;
 }
 
-struct Options {
-  bool aggregates, keep_text, html_comments, strict, extra;
-};
-const Options kOptions[] = {
-    {true, true, false, false, false},   // as the engine parses
-    {false, true, false, false, false},  // plain XML
-    {true, false, true, true, true},
-};
-
-enum class Feeding { kCopied, kRetained, kPieces, kListener };
-
-void Configure(OFXTagTable& doc, const Options& o) {
-  doc.InitDefaults();
-  if (o.extra) doc.SetExtraTags("A,B,x:C,LEAF");
-  if (o.aggregates) doc.RegisterAggregates();
-  doc.Reset();
-  doc.SetKeepOriginalText(o.keep_text);
-  doc.SetHTMLComments(o.html_comments);
-  doc.Parser().SetFlag(MarkupParser::kIgnoreBadElementPrefixes, o.strict);
-  doc.Parser().SetFlag(MarkupParser::kIgnoreBadAttributePrefixes, o.strict);
-  doc.Parser().SetFlag(MarkupParser::kAllowTextOutsideRoot, !o.strict);
-  doc.Parser().SetFlag(MarkupParser::kAllowMoreThanOneRoot, !o.strict);
-}
-
-// Everything a host or a service could observe of one parse.
-std::string Picture(const Document& d, const Options& o, Feeding feeding) {
+// Everything a host or a service could observe of one parse. Options: 0 as the engine parses, 1 plain
+// XML, 2 strict with HTML comments and extra tags. Feeding: 0 copied, 1 retained, 2 in pieces, 3 through a listener.
+std::string Picture(const Document& d, int options, int feeding) {
   OFXTagTable doc;
-  Configure(doc, o);
+  doc.InitDefaults();
+  if (options == 2) doc.SetExtraTags("A,B,x:C,LEAF");
+  if (options != 1) doc.RegisterAggregates();
+  doc.Reset();
+  doc.SetKeepOriginalText(options != 2);
+  doc.SetHTMLComments(options == 2);
   MarkupParser& parser = doc.Parser();
+  for (auto flag : {MarkupParser::kAllowMoreThanOneRoot, MarkupParser::kAllowTextOutsideRoot,
+                    MarkupParser::kIgnoreBadElementPrefixes, MarkupParser::kIgnoreBadAttributePrefixes}) {
+    parser.SetFlag(flag, (flag > MarkupParser::kAllowTextOutsideRoot) == (options == 2));  // strict or lenient
+  }
   const std::string& text = d.text;
-  int rc = 0;
-  switch (feeding) {
-    case Feeding::kCopied: rc = parser.Feed(text.data(), text.size()); break;
-    case Feeding::kRetained: rc = parser.FeedRetained(text.data(), text.size()); break;
-    case Feeding::kPieces:
-    case Feeding::kListener: {
-      if (feeding == Feeding::kListener) parser.SetListener(&doc);
-      Rng cuts{text.size()};
-      for (size_t at = 0; at < text.size() && rc == 0;) {
-        const size_t n = feeding == Feeding::kListener ? text.size() : 1 + cuts.Below(9);
-        const size_t take = n < text.size() - at ? n : text.size() - at;
-        rc = parser.Feed(text.data() + at, take);
-        at += take;
-      }
-      break;
-    }
+  if (feeding == 3) parser.SetListener(&doc);
+  int rc = feeding == 0 ? parser.Feed(text.data(), text.size()) : 0;
+  rc = feeding == 1 ? parser.FeedRetained(text.data(), text.size()) : rc;
+  Rng cuts{text.size()};
+  for (size_t at = 0, take; feeding > 1 && at < text.size() && rc == 0; at += take) {
+    take = std::min(feeding == 3 ? text.size() : 1 + cuts.Below(9), text.size() - at);
+    rc = parser.Feed(text.data() + at, take);
   }
   std::string p = std::to_string(rc) + " " + parser.ErrorText() + "\n";
   const int finish = parser.Finish();
   p += std::to_string(finish) + " " + parser.ErrorText() + "\n";
   DocumentTree& tree = doc.Tree();
   p += std::to_string(tree.Size()) + ":" + std::string(tree.Arena(), tree.Size()) + "\n";
-  p += parser.KeptText().View();
-  p += "\n";
+  p.append(parser.KeptText().View()) += "\n";
   if (tree.IsEmpty()) return p;
-  // Elements as "*N" reaches them: all of a small tree, a sample of a large one.
-  int elements = 0;
-  for (uint32_t r = 0; r < tree.Size();) {
-    uint32_t size;
+  int elements = 0;  // elements as "*N" reaches them: all of a small tree, a sample of a large one
+  for (uint32_t r = 0, size; r < tree.Size(); r += size) {
     std::memcpy(&size, tree.Arena() + r + 4, 4);
     if (tree.Arena()[r] == 'E' && (++elements < 200 || elements % 101 == 0)) {
-      const std::string at = "*" + std::to_string(r);
-      p += std::to_string(doc.SelectPath(at)) + doc.CurrentPath() + "|" + doc.ElementSubtree() + "|" +
-           doc.ElementContents() + "|" + std::to_string(doc.NamespaceCount()) + "\n";
+      p += std::to_string(doc.SelectPath("*" + std::to_string(r))) + doc.CurrentPath() + "|" + doc.ElementSubtree() +
+           "|" + doc.ElementContents() + "|" + std::to_string(doc.NamespaceCount()) + "\n";
     }
-    r += size;
   }
   std::vector<std::string> paths = {"/", "/OFX/BANKMSGSRSV1/STMTTRNRS/STMTRS/BANKTRANLIST/STMTTRN[2]", "../[last()]",
                                     "NAME", "..", "STMTTRN[3]/TRNAMT", "/A/B", "[last()-1]", "x:C", "/OFX/[2]"};
@@ -234,42 +171,28 @@ std::string Picture(const Document& d, const Options& o, Feeding feeding) {
   return p;
 }
 
-std::string Hex(uint64_t v) {
-  char out[17];
-  std::snprintf(out, sizeof out, "%016llx", static_cast<unsigned long long>(v));
-  return out;
-}
-
 TEST(ParseDigestTest, ParsesAsRecorded) {
-  const char* source = std::getenv("ORVELAN_SOURCE_DIR");
-  std::ifstream in(std::string(source != nullptr ? source : ".") + "/tests/markup/parse_digests.txt");
+  std::ifstream in(Source() + "/tests/markup/parse_digests.txt");
   std::map<std::string, std::string> expected;
   for (std::string name, digest; in >> name >> digest;) expected[name] = digest;
   ASSERT_FALSE(expected.empty()) << "parse_digests.txt not found";
-
-  const char* out_path = std::getenv("ORVELAN_DIGEST_OUT");
   std::ofstream out;
-  if (out_path != nullptr) out.open(out_path);
+  if (std::getenv("ORVELAN_DIGEST_OUT") != nullptr) out.open(std::getenv("ORVELAN_DIGEST_OUT"));
   int compared = 0;
   for (const Document& d : Documents()) {
     SCOPED_TRACE(d.name);
     std::string all;
-    for (const Options& o : kOptions) {
-      const std::string picture = Picture(d, o, Feeding::kCopied);
-      for (Feeding f : {Feeding::kRetained, Feeding::kPieces, Feeding::kListener}) {
-        ASSERT_EQ(Picture(d, o, f), picture) << "feeding " << static_cast<int>(f);
-      }
+    for (int options = 0; options < 3; ++options) {
+      const std::string picture = Picture(d, options, 0);
+      for (int feeding = 1; feeding < 4; ++feeding) ASSERT_EQ(Picture(d, options, feeding), picture) << feeding;
       all += picture;
     }
-    const std::string digest = Hex(Fnv(all));
+    char digest[17];
+    std::snprintf(digest, sizeof digest, "%016llx", static_cast<unsigned long long>(Fnv(all)));
     if (out.is_open()) out << d.name << " " << digest << "\n";
     const auto found = expected.find(d.name);
-    if (found == expected.end()) {
-      ADD_FAILURE() << "no recorded digest";
-      continue;
-    }
-    EXPECT_EQ(digest, found->second);
-    ++compared;
+    EXPECT_TRUE(found != expected.end() && found->second == digest) << "digest " << digest;
+    compared += found != expected.end();
   }
   EXPECT_GE(compared, 150);
 }
