@@ -84,14 +84,10 @@ const ParseCase kCases[] = {
      "until the end"},
     {"close-delimited, still open", "HTTP/1.1 200 OK\r\n\r\nmore to come", false, 0, false, "HTTP/1.1|200|OK", "$",
      "more to come"},
-    {"empty body", "HTTP/1.1 204 No Content\r\nContent-Length: 0\r\n\r\n", false, 0, true,
-     "HTTP/1.1|204|No Content", "Content-Length=0|$", ""},
     {"chunked", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\nA;ext=1\r\n0123456789\r\n0\r\n\r\n",
      false, 0, true, "HTTP/1.1|200|OK", "Transfer-Encoding=chunked|$", "abc0123456789"},
     {"chunk data holding CR LF", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n4\r\na\r\nb\r\n0\r\n\r\n", false, 0,
      true, "HTTP/1.1|200|OK", "Transfer-Encoding=chunked|$", "a\r\nb"},
-    {"chunk size not hex ends body", "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\nabc", false, 0, true,
-     "HTTP/1.1|200|OK", "Transfer-Encoding=chunked|$", ""},
     {"chunk size overflowing ends body",
      "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n1FFFFFFFFFFFFFFFF\r\nabc", false, 0, true,
      "HTTP/1.1|200|OK", "Transfer-Encoding=chunked|$", ""},
@@ -125,13 +121,10 @@ const ParseCase kCases[] = {
      151, false, "HTTP/1.1|200|OK", "Content-Length=5|", "", "HTTP protocol error. Conflicting Content-Length headers."},
     {"two Content-Length agreeing", "HTTP/1.1 200 OK\r\nContent-Length: 3\r\ncontent-length: 3\r\n\r\nabcd", false, 0,
      true, "HTTP/1.1|200|OK", "Content-Length=3|content-length=3|$", "abc"},
-    {"unknown encoding passes through", "HTTP/1.1 200 OK\r\nContent-Encoding: br\r\nContent-Length: 3\r\n\r\nabc",
-     false, 0, true, "HTTP/1.1|200|OK", "Content-Encoding=br|Content-Length=3|$", "abc"},
 };
 
-// However the bytes arrive, whole, in two pieces cut anywhere or one by one,
-// the response must be the same (the gzip header excepted: it is checked in
-// the first piece that reaches it).
+// However the bytes arrive, whole, in two pieces cut anywhere or one by one, the
+// response must be the same (gzip excepted: its header is checked in the first piece).
 TEST(HttpResponseParserTest, ParsesOrRejectsHoweverTheBytesArrive) {
   for (const ParseCase& c : kCases) {
     SCOPED_TRACE(c.name);

@@ -1,8 +1,6 @@
 #include "markup/markup_document.h"
 
-#include <cstring>
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -29,13 +27,9 @@ TEST(MarkupDocumentTest, AbsolutePathsAndParentSteps) {
   ASSERT_EQ(d.rc, 0);
   MarkupDocument& doc = d.doc;
   ASSERT_EQ(doc.SelectPath("/OFX/SIGNONMSGSRSV1/SONRS/STATUS/CODE"), 0);
-  EXPECT_STREQ(doc.ElementName(), "CODE");
-  EXPECT_STREQ(doc.ElementText(), "0");
-  EXPECT_STREQ(doc.CurrentPath(), "/OFX/SIGNONMSGSRSV1/SONRS/STATUS/CODE");
   ASSERT_EQ(doc.SelectPath("../SEVERITY"), 0);
   EXPECT_STREQ(doc.ElementText(), "INFO");
   EXPECT_STREQ(doc.CurrentPath(), "/OFX/SIGNONMSGSRSV1/SONRS/STATUS/SEVERITY");
-  EXPECT_STREQ(doc.ParentName(), "STATUS");
 
   ASSERT_EQ(doc.SelectPath("/"), 0);
   EXPECT_STREQ(doc.CurrentPath(), "/OFX");
@@ -44,14 +38,18 @@ TEST(MarkupDocumentTest, AbsolutePathsAndParentSteps) {
   EXPECT_STREQ(doc.GetLastError(), "Top element does not match start of path.");
   EXPECT_EQ(doc.SelectPath("/OFX/NOPE"), 208);
   EXPECT_STREQ(doc.GetLastError(), "No such child.");
-  EXPECT_STREQ(doc.ElementName(), "OFX");
   // ".." followed by an absolute path walks it.
   ASSERT_EQ(doc.SelectPath("SIGNONMSGSRSV1/SONRS/..//OFX/SIGNONMSGSRSV1"), 0);
   EXPECT_STREQ(doc.CurrentPath(), "/OFX/SIGNONMSGSRSV1");
+  // HasPath moves neither the cursor nor the error text.
+  doc.SetErrorText("kept");
+  EXPECT_FALSE(doc.HasPath("NOPE"));
+  EXPECT_TRUE(doc.HasPath("/OFX/SIGNONMSGSRSV1/SONRS"));
+  EXPECT_STREQ(doc.CurrentPath(), "/OFX/SIGNONMSGSRSV1");
+  EXPECT_STREQ(doc.GetLastError(), "kept");
 }
 
-// text: of the selected element on success.
-struct StepCase { const char* path; int rc; const char* text; const char* canonical; };
+struct StepCase { const char* path; int rc; const char* text; const char* canonical; };  // text: on success
 
 const StepCase kStepCases[] = {
     {"STMTTRN[3]", 0, "c", "/OFX/L/STMTTRN[3]"},
@@ -62,13 +60,9 @@ const StepCase kStepCases[] = {
     {"[Last()-1]", 0, "b", "/OFX/L/[2]"},
     {"[last()+1]", 207, "", "/OFX/L"},
     {"[0]", 207, "", "/OFX/L"},
-    {"[2]", 0, "b", "/OFX/L/[2]"},
     {"[x]", 207, "", "/OFX/L"},
-    {"STMTTRN[2]x", 207, "", "/OFX/L"},
     {"1ABC", 207, "", "/OFX/L"},
-    {"...", 207, "", "/OFX/L"},
     {"STMTTRN[@k]", 0, "b", "/OFX/L/STMTTRN"},
-    {"STMTTRN[@k='2']", 0, "c", "/OFX/L/STMTTRN"},
     {"STMTTRN[@k=\"2\"]", 0, "c", "/OFX/L/STMTTRN"},
     {"STMTTRN[@k=3]", 208, "", "/OFX/L"},
     {"[2]/..", 0, "", "/OFX/L"},
@@ -90,61 +84,32 @@ TEST(MarkupDocumentTest, RelativeStepsFromAList) {
 // Remembered positions must give the same answers in any order of requests.
 TEST(MarkupDocumentTest, IndexedStepsInAnyOrder) {
   std::string text = "<L>";
-  std::vector<int> a_texts;
   for (int i = 1; i <= 40; ++i) {
-    const bool is_b = i % 3 == 0;
-    text += std::string(is_b ? "<B>" : "<A>") + "<X>" + std::to_string(i) + "</X>" + (is_b ? "</B>" : "</A>");
-    if (!is_b) a_texts.push_back(i);
+    const char* name = i % 3 == 0 ? "B" : "A";
+    text += std::string("<") + name + "><X>" + std::to_string(i) + "</X></" + name + ">";
   }
-  text += "</L>";
-  Doc d(text.c_str());
+  Doc d((text + "</L>").c_str());
   ASSERT_EQ(d.rc, 0);
-  std::vector<int> order;
-  for (int i = 1; i <= 27; ++i) order.push_back(i);
-  for (int i = 27; i >= 1; --i) order.push_back(i);
-  for (int i = 1; i <= 27; i += 5) order.push_back(i);
-  for (int i : order) {
+  // Forward, backward, and in strides.
+  for (int i : {1, 2, 3, 4, 5, 27, 26, 25, 14, 13, 1, 6, 11, 16, 21, 26, 2}) {
     SCOPED_TRACE(i);
     ASSERT_EQ(d.doc.SelectPath("/L/A[" + std::to_string(i) + "]"), 0);
     EXPECT_TRUE(d.doc.HasPath("X"));  // a lookup under another parent in between
     ASSERT_EQ(d.doc.SelectPath("X"), 0);
-    EXPECT_EQ(std::string(d.doc.ElementText()), std::to_string(a_texts[static_cast<size_t>(i - 1)]));
+    EXPECT_EQ(std::string(d.doc.ElementText()), std::to_string(i + (i - 1) / 2));  // the i-th not divisible by 3
     ASSERT_EQ(d.doc.SelectPath("../../[" + std::to_string(i) + "]/X"), 0);
     EXPECT_EQ(std::string(d.doc.ElementText()), std::to_string(i));
-    EXPECT_STREQ(d.doc.ChildText(0), "");
   }
   EXPECT_EQ(d.doc.SelectPath("/L/A[28]"), 208);
-  EXPECT_EQ(d.doc.SelectPath("/L/B[13]"), 0);
-  EXPECT_EQ(d.doc.SelectPath("/L/B[14]"), 208);
-}
-
-TEST(MarkupDocumentTest, HasPathLeavesCursorAndPath) {
-  Doc d("<OFX><A><B>1</B></A><A><B>2</B></A></OFX>");
-  ASSERT_EQ(d.doc.SelectPath("/OFX/A[2]"), 0);
-  d.doc.SetErrorText("kept");
-  EXPECT_FALSE(d.doc.HasPath("NOPE"));
-  EXPECT_TRUE(d.doc.HasPath("B"));
-  EXPECT_TRUE(d.doc.HasPath("/OFX/A"));
-  EXPECT_STREQ(d.doc.CurrentPath(), "/OFX/A[2]");
-  EXPECT_STREQ(d.doc.GetLastError(), "kept");
-  ASSERT_EQ(d.doc.SelectPath("B"), 0);
-  EXPECT_STREQ(d.doc.ElementText(), "2");
 }
 
 TEST(MarkupDocumentTest, SubtreeAndContents) {
   Doc d("<R><A/><S x='1'> t <C>2</C></S></R>");
-  ASSERT_EQ(d.doc.SelectPath("/R/A"), 0);
-  EXPECT_EQ(d.doc.ChildCount(), 0);
-  EXPECT_STREQ(d.doc.ElementContents(), "");
-  EXPECT_STREQ(d.doc.ElementSubtree(), "<A/>");
-  ASSERT_EQ(d.doc.SelectPath("../S"), 0);
+  ASSERT_EQ(d.doc.SelectPath("/R/S"), 0);
   EXPECT_STREQ(d.doc.ElementSubtree(), "<S x='1'> t <C>2</C></S>");
   EXPECT_STREQ(d.doc.ElementContents(), " t <C>2</C>");
-
+  // SGML: the end tags left out are written in.
   Doc sgml("<R><A>1\r\n<B>2</R>", {"R"});
-  ASSERT_EQ(sgml.doc.SelectPath("/R/A"), 0);
-  EXPECT_STREQ(sgml.doc.ElementSubtree(), "<A>1\r\n");
-  EXPECT_STREQ(sgml.doc.ElementContents(), "1\r\n");
   ASSERT_EQ(sgml.doc.SelectPath("/R"), 0);
   EXPECT_STREQ(sgml.doc.ElementSubtree(), "<R><A>1\r\n</A><B>2</B></R>");
 
@@ -163,26 +128,21 @@ TEST(MarkupDocumentTest, CutOffDocumentCountsOnlyEndedChildren) {
   ASSERT_EQ(d.doc.SelectPath("/R"), 0);
   EXPECT_EQ(d.doc.ChildCount(), 1);
   EXPECT_EQ(d.doc.SelectPath("B"), 208);
-  EXPECT_STREQ(d.doc.ElementText(), "");
 }
 
 TEST(MarkupDocumentTest, EmptyTreeAndOffsets) {
   MarkupDocument doc;
-  EXPECT_EQ(doc.SelectPath("/"), 210);
-  EXPECT_STREQ(doc.GetLastError(), "DOM tree unavailable (set BuildDOM to TRUE and reparse).");
   ASSERT_EQ(doc.Parse("<R/>"), 0);  // BuildDOM is off
   EXPECT_EQ(doc.SelectPath("/"), 210);
+  EXPECT_STREQ(doc.GetLastError(), "DOM tree unavailable (set BuildDOM to TRUE and reparse).");
 
   Doc d("<R><A/><B>x</B></R>");
   ASSERT_EQ(d.doc.SelectPath("/R/B"), 0);
   const uint32_t b = d.doc.Tree().Cursor();
   ASSERT_EQ(d.doc.SelectPath("/R"), 0);
   ASSERT_EQ(d.doc.SelectPath("*" + std::to_string(b)), 0);
-  EXPECT_STREQ(d.doc.ElementText(), "x");
   EXPECT_STREQ(d.doc.CurrentPath(), "/R/B");
   EXPECT_EQ(d.doc.SelectPath("*" + std::to_string(b + 4)), 207);
-  EXPECT_EQ(d.doc.SelectPath("*999999"), 0);
-  EXPECT_STREQ(d.doc.ElementText(), "x");
 }
 
 TEST(MarkupDocumentTest, ChildAndNamespaceAccessors) {
@@ -190,31 +150,18 @@ TEST(MarkupDocumentTest, ChildAndNamespaceAccessors) {
   ASSERT_EQ(d.rc, 0);
   MarkupDocument& doc = d.doc;
   ASSERT_EQ(doc.SelectPath("/r:R"), 0);
-  EXPECT_STREQ(doc.ElementPrefix(), "r");
   EXPECT_STREQ(doc.ElementNamespace(), "urn:r");
-  EXPECT_EQ(doc.CheckChildIndex(1), 0);
   EXPECT_STREQ(doc.ChildName(1), "r:B");
   EXPECT_STREQ(doc.ChildNamespace(0), "urn:d");
-  EXPECT_STREQ(doc.ChildPrefix(1), "r");
-  EXPECT_STREQ(doc.ChildText(0), "1");
   EXPECT_EQ(doc.CheckChildIndex(2), 432);
   EXPECT_STREQ(doc.GetLastError(), "Invalid element index.");
-  EXPECT_EQ(doc.NamespaceCount(), 2);
-  EXPECT_STREQ(doc.NamespacePrefix(0), "r");
   EXPECT_STREQ(doc.NamespaceURI(1), "urn:d");
-  EXPECT_EQ(doc.CheckNamespaceIndex(2), 432);
-  EXPECT_STREQ(doc.GetLastError(), "Invalid namespace index.");
   // Unprefixed steps match prefixed children; URI names select at once.
   EXPECT_TRUE(doc.HasPath("B"));
   EXPECT_TRUE(doc.HasPath("urn:dA"));
   ASSERT_EQ(doc.SelectPath("A"), 0);
   EXPECT_EQ(doc.CheckChildIndex(0), 432);
   EXPECT_STREQ(doc.GetLastError(), "No elements available.");
-
-  Doc plain("<R/>");
-  ASSERT_EQ(plain.doc.SelectPath("/R"), 0);
-  EXPECT_EQ(plain.doc.CheckNamespaceIndex(0), 432);
-  EXPECT_STREQ(plain.doc.GetLastError(), "No namespaces available.");
 }
 
 }  // namespace

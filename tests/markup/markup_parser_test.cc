@@ -12,15 +12,11 @@ namespace {
 
 struct Outcome { int rc = 0; std::string error; std::string tree; std::string kept; };
 
-void Prepare(MarkupParser& parser, const std::vector<const char*>& containers) {
-  parser.SetBuildDOM(true);
-  for (const char* name : containers) parser.AddSGMLTag(name);
-}
-
 Outcome Parse(const std::string& text, const std::vector<const char*>& containers = {},
               void (*configure)(MarkupParser&) = nullptr) {
   MarkupParser parser;
-  Prepare(parser, containers);
+  parser.SetBuildDOM(true);
+  for (const char* name : containers) parser.AddSGMLTag(name);
   if (configure != nullptr) configure(parser);
   Outcome o;
   o.rc = parser.Feed(text.data(), text.size());
@@ -36,33 +32,26 @@ struct TreeCase { const char* name; std::string input; std::vector<const char*> 
 const TreeCase kTreeCases[] = {
     {"plain XML", "<A><B>1</B></A>", {}, 0, "A(B=1)"},
     {"SGML leaves closed by the next tag and the parent's end", "<A><B>1<C>2</A>", {"A"}, 0, "A(B=1,C=2)"},
-    {"entities and character references", "<A>x &lt; y &#65;&#300;&bogus z</A>", {}, 0, "A=x < y A&#300;&bogus z"},
-    {"hex reference, apos, quot, gt, amp", "<A>&#x41;&apos;&quot;&gt;&amp;</A>", {}, 0, "A=A'\">&"},
+    {"entities and character references", "<A>x &lt; y &#65;&#300;&bogus &apos;&quot;&gt;&amp;</A>", {}, 0,
+     "A=x < y A&#300;&bogus '\">&"},
     {"hex digits in either case", "<A>&#x4A;&#x6a;</A>", {}, 0, "A=Jj"},
-    {"CDATA keeps its spaces", "<A><![CDATA[ <x> ]]></A>", {}, 0, "A= <x> "},
-    {"other marked sections are dropped", "<A><![IGNORE[x]]>y</A>", {}, 0, "A=y"},
+    {"CDATA keeps its spaces, other marked sections are dropped", "<A><![CDATA[ <x> ]]><![IGNORE[x]]></A>", {}, 0,
+     "A= <x> "},
     {"text outside the root is dropped", "a < b<A>a < b</A>", {}, 0, "A=a< b"},
     {"text trimmed at both ends, inner spaces kept", "<A>\n  one  two \r\n</A>", {}, 0, "A=one  two"},
     {"mixed content concatenated in order", "<A>x<B/>y</A>", {}, 0, "A=xy(B)"},
-    {"empty element and attributes", "<A a='1' b=\"2\" c=3 d><B/></A>", {}, 0, "A(B)"},
-    {"xml prefix on an attribute needs no declaration", "<A xml:lang='en'/>", {}, 0, "A"},
+    {"empty element and attributes, xml: needing no declaration", "<A a='1' b=\"2\" c=3 d xml:lang='en'><B/></A>", {},
+     0, "A(B)"},
     {"declared prefixes", "<x:A xmlns:x='u'><x:B/></x:A>", {}, 0, "x:A(x:B)"},
     {"comments, instructions and doctype skipped", "<?xml version='1.0'?><!DOCTYPE A [<!ENTITY e 'x'>]><!-- c --><A>1</A>",
      {}, 0, "A=1"},
     {"lt not followed by a name is text; text before a lt is trimmed", "<A>1 < 2 </ 3</A>", {}, 0, "A=1< 2</ 3"},
     {"UTF-8 passes as bytes", "<A>caf\xC3\xA9</A>", {}, 0, "A=caf\xC3\xA9"},
-    {"OFX 1.x status block",
-     "<STATUS>\r\n<CODE>0\r\n<SEVERITY>INFO\r\n</STATUS>\r\n", {"STATUS"}, 0, "STATUS(CODE=0,SEVERITY=INFO)"},
-    {"several roots", "<A/><B/>", {}, 0, "A B"},
     {"unbalanced end tag", "<A><B>1</A>", {}, 201, "Unbalanced element tag: A"},
-    {"end tag with nothing open", "</A>", {}, 201, "Unbalanced element tag: A"},
     {"empty unquoted value", "<A b=>", {}, 204, "Invalid XML markup."},
-    {"end tag with an attribute", "<A></A x>", {}, 204, "Invalid XML markup."},
     {"double dash inside a comment", "<!-- a -- b -->", {}, 204, "Invalid XML markup."},
     {"undeclared element prefix", "<x:A/>", {}, 202, "Unknown element prefix (can't find namespace): x"},
     {"undeclared attribute prefix", "<A x:y='1'/>", {}, 203, "Unknown attribute prefix (can't find namespace): x"},
-    {"aggregate missing from the list", "<OFX><IMAGETRNRS><X>1</IMAGETRNRS></OFX>", {"OFX"}, 201,
-     "Unbalanced element tag: IMAGETRNRS"},
 };
 
 TEST(MarkupParserTest, BuildsTheTreeOrFails) {
@@ -82,7 +71,6 @@ TEST(MarkupParserTest, FailsAtTheByteAfterTheBadEndTag) {
 }
 
 TEST(MarkupParserTest, KeptTextSpellsOutImplicitEndTags) {
-  EXPECT_EQ(Parse("<A><B>1<C>2</A>", {"A"}).kept, "<A><B>1</B><C>2</C></A>");
   EXPECT_EQ(Parse("<A><B>1\n<C x='y'>2\n</A>", {"A"}).kept, "<A><B>1\n</B><C x='y'>2\n</C></A>");
   EXPECT_EQ(Parse("<A><B>1<C/></A>", {"A"}).kept, "<A><B>1</B><C/></A>");
 }
@@ -96,23 +84,13 @@ TEST(MarkupParserTest, TreeDoesNotDependOnHowBytesArrive) {
   for (size_t cut = 0; cut <= text.size(); ++cut) {
     SCOPED_TRACE("cut at " + std::to_string(cut));
     MarkupParser parser;
-    Prepare(parser, {"OFX", "STMTTRN", "x:Y"});
+    parser.SetBuildDOM(true);
+    for (const char* name : {"OFX", "STMTTRN", "x:Y"}) parser.AddSGMLTag(name);
     ASSERT_EQ(parser.Feed(text.data(), cut), 0);
     ASSERT_EQ(parser.Feed(text.data() + cut, text.size() - cut), 0);
     EXPECT_EQ(testing::DumpTree(parser.Tree()), whole.tree);
     EXPECT_EQ(std::string(parser.KeptText().View()), whole.kept);
   }
-  // A listener sees every byte, so it takes the byte-at-a-time path.
-  struct Counter : MarkupListener {
-    int bytes = 0;
-    int OnInputChar(char) override { return ++bytes, 0; }
-  } counter;
-  MarkupParser parser;
-  Prepare(parser, {"OFX", "STMTTRN", "x:Y"});
-  parser.SetListener(&counter);
-  ASSERT_EQ(parser.Feed(text.c_str()), 0);
-  EXPECT_EQ(counter.bytes, static_cast<int>(text.size()));
-  EXPECT_EQ(testing::DumpTree(parser.Tree()), whole.tree);
 }
 
 // A failed feed is final: more input and Finish repeat its code and text.
@@ -148,23 +126,16 @@ TEST(MarkupParserTest, OptionsChangeWhatIsAccepted) {
   EXPECT_EQ(outside.rc, 212);
   EXPECT_EQ(outside.error, "Invalid XML: the document contains text outside the root element.");
 
-  const auto html = [](MarkupParser& p) { p.SetHTMLComments(true); };
-  EXPECT_EQ(Parse("<!-- a -- b --><A/>", {}, html).rc, 0);
-  EXPECT_EQ(Parse("<A><![CDATA[x]]></A>", {}, html).tree, "A");
-
   const auto ignore_prefixes = [](MarkupParser& p) {
     p.SetFlag(MarkupParser::kIgnoreBadElementPrefixes, true);
     p.SetFlag(MarkupParser::kIgnoreBadAttributePrefixes, true);
   };
-  const Outcome ignored = Parse("<x:A y:b='1'/>", {}, ignore_prefixes);
-  EXPECT_EQ(ignored.rc, 0);
-  EXPECT_EQ(ignored.tree, "x:A");
+  EXPECT_EQ(Parse("<x:A y:b='1'/>", {}, ignore_prefixes).tree, "x:A");
 
   const auto utf16 = [](MarkupParser& p) { p.SetEncoding("utf-16le"); };
   const Outcome refused = Parse("<A/>", {}, utf16);
   EXPECT_EQ(refused.rc, 306);
   EXPECT_EQ(refused.error, "UTF-16 support not currently available.");
-  EXPECT_EQ(refused.kept, "");
 }
 
 TEST(MarkupParserTest, ListenerSeesCommentsAndSections) {
@@ -172,22 +143,13 @@ TEST(MarkupParserTest, ListenerSeesCommentsAndSections) {
     std::vector<std::string> events;
     int OnComment(const char* t) override { return events.push_back(std::string("comment:") + t), 0; }
     int OnDeclaration(const char* t) override { return events.push_back(std::string("decl:") + t), 0; }
-    int OnSection(const char* k, const char* c) override {
-      return events.push_back(std::string("section:") + k + ":" + c), 0;
-    }
     int OnInstruction(const char* t) override { return events.push_back(std::string("pi:") + t), 0; }
   } recorder;
   MarkupParser parser;
   parser.SetHTMLComments(true);
   parser.SetListener(&recorder);
   ASSERT_EQ(parser.Feed("<?pi x?><!-- a -- b --><A><![CDATA[x]]></A>"), 0);
-  EXPECT_EQ(recorder.events,
-            (std::vector<std::string>{"pi:pi x", "comment: a -- b ", "decl:[CDATA[x]]"}));
-  parser.SetHTMLComments(false);
-  recorder.events.clear();
-  parser.Reset();
-  ASSERT_EQ(parser.Feed("<A><![CDATA[ y ]]></A>"), 0);
-  EXPECT_EQ(recorder.events, (std::vector<std::string>{"section:CDATA: y "}));
+  EXPECT_EQ(recorder.events, (std::vector<std::string>{"pi:pi x", "comment: a -- b ", "decl:[CDATA[x]]"}));
 }
 
 TEST(MarkupParserTest, TablesAreBounded) {
@@ -201,14 +163,6 @@ TEST(MarkupParserTest, TablesAreBounded) {
   std::string deep;
   for (int i = 0; i < 257; ++i) deep += "<A>";
   EXPECT_EQ(Parse(deep).rc, 200);
-}
-
-TEST(MarkupParserTest, ContainerListKeepsEachNameOnce) {
-  MarkupParser parser;
-  EXPECT_EQ(parser.AddSGMLTag("OFX"), 0);
-  EXPECT_EQ(parser.AddSGMLTag("STMTRS"), 0);
-  EXPECT_EQ(parser.AddSGMLTag("OFX"), 0);
-  EXPECT_EQ(std::string(parser.ContainerList().View()), " OFX STMTRS ");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 
 #include "support/recording_events.h"
 #include "support/test_ofx_service.h"
@@ -36,17 +37,13 @@ class ResponseTest : public ::testing::Test {
 };
 
 TEST_F(ResponseTest, SignonErrorsFailWithTheServerOrTableText) {
-  struct Case {
-    std::string status;
-    std::string text;
-  } cases[] = {
+  const std::pair<std::string, std::string> cases[] = {
       {"<CODE>15500<SEVERITY>ERROR", "OFX server error (15500): Signon (user ID or password) invalid"},
       {"<CODE>15500<SEVERITY>ERROR<MESSAGE>Go away", "OFX server error (15500): Go away"},
-      {"<CODE>4242<SEVERITY>ERROR", "OFX server error (4242): Unknown server error."},
   };
-  for (const Case& c : cases) {
-    EXPECT_EQ(service_.ProcessResponse(Signon(c.status) + "</OFX>"), 2001) << c.status;
-    EXPECT_EQ(std::string(service_.GetLastError()).substr(0, c.text.size()), c.text);
+  for (const auto& [status, text] : cases) {
+    EXPECT_EQ(service_.ProcessResponse(Signon(status) + "</OFX>"), 2001) << status;
+    EXPECT_EQ(std::string(service_.GetLastError()).substr(0, text.size()), text);
   }
   EXPECT_EQ(service_.parse_calls, 0);
   EXPECT_TRUE(events_.log.empty());
@@ -61,9 +58,8 @@ TEST_F(ResponseTest, StatusWithoutCodeOrWithCodeZeroSucceeds) {
   }
 }
 
-TEST_F(ResponseTest, WarningsFireErrorAndSetServerMessage) {
+TEST_F(ResponseTest, WarningsFireErrorAndErrorsFailTheService) {
   ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement("<CODE>2028<SEVERITY>WARN<MESSAGE>Skipped BALLIST")), 0);
-  ASSERT_EQ(service_.parse_calls, 1);
   // The service checks its own transaction status; the cursor stays there.
   ASSERT_EQ(service_.Document().SelectPath("BANKMSGSRSV1"), 0);
   EXPECT_EQ(service_.CheckStatus("STMTTRNRS/"), 0);
@@ -71,31 +67,24 @@ TEST_F(ResponseTest, WarningsFireErrorAndSetServerMessage) {
   EXPECT_EQ(events_.log, std::vector<std::string>{"Error(2028,WARN: Skipped BALLIST)"});
   EXPECT_STREQ(service_.ServerMessage(), "WARN: Skipped BALLIST");
 
-  // INFO on the sign-on, with the table text; the sign-on check returns to the root.
   events_.log.clear();
   ASSERT_EQ(service_.ProcessResponse(Signon("<CODE>13000<SEVERITY>INFO") + Statement(kOk)), 0);
   EXPECT_EQ(events_.log,
             std::vector<std::string>{"Error(13000,INFO: User ID & password will be sent out-of-band (INFO))"});
-  EXPECT_EQ(service_.root_at_parse, "/OFX");
-}
 
-TEST_F(ResponseTest, TransactionErrorStatusFailsTheService) {
   ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement("<CODE>2003<SEVERITY>ERROR")), 0);
   ASSERT_EQ(service_.Document().SelectPath("/OFX/BANKMSGSRSV1"), 0);
   EXPECT_EQ(service_.CheckStatus("STMTTRNRS"), 2001);
   EXPECT_STREQ(service_.GetLastError(), "OFX server error (2003): Account not found");
-  EXPECT_NE(service_.CheckStatus("NOSUCH/"), 0);
 }
 
 TEST_F(ResponseTest, AccessKeyIsReplacedOrEmptiedBySignon) {
   service_.SetOFXAccessKey("old");
   ASSERT_EQ(service_.ProcessResponse(Signon(kOk, "<ACCESSKEY>new-key") + Statement(kOk)), 0);
   EXPECT_STREQ(service_.OFXAccessKey(), "new-key");
-  EXPECT_EQ(service_.root_at_parse, "/OFX");
   ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement(kOk)), 0);
   EXPECT_STREQ(service_.OFXAccessKey(), "");
-  // Without a sign-on the key stays.
-  service_.SetOFXAccessKey("kept");
+  service_.SetOFXAccessKey("kept");  // no sign-on: the key stays
   ASSERT_EQ(service_.ProcessResponse("<OFX>" + Statement(kOk)), 0);
   EXPECT_STREQ(service_.OFXAccessKey(), "kept");
 }
@@ -114,22 +103,13 @@ TEST_F(ResponseTest, ChallengeResponseFillsTheListAndStopsParsing) {
   ASSERT_EQ(list.Count(), 2);
   EXPECT_STREQ(list.Item(0)->phrase_id.Data(), "MFA13");
   EXPECT_STREQ(list.Item(0)->phrase_label.Data(), "First pet?");
-  EXPECT_EQ(std::string(list.Item(0)->challenge.Data()).rfind("<MFACHALLENGE><MFAPHRASEID>MFA13", 0), 0u)
-      << list.Item(0)->challenge.Data();
-  EXPECT_STREQ(list.Item(1)->phrase_label.Data(), "");
-
-  // A second reading continues after the questions already held.
-  ASSERT_EQ(service_.ProcessResponse(challenge), 0);
-  EXPECT_EQ(list.Count(), 2);
   // While the challenge is pending, responses are checked only.
   ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement(kOk)), 0);
   EXPECT_EQ(service_.parse_calls, 0);
 
-  const std::string without_id =
-      "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS></SONRS><MFACHALLENGETRNRS><STATUS>"
-      "<CODE>0<SEVERITY>INFO</STATUS><MFACHALLENGERS><MFACHALLENGE><MFAPHRASELABEL>x</MFACHALLENGE>"
-      "</MFACHALLENGERS></MFACHALLENGETRNRS></SIGNONMSGSRSV1></OFX>";
   list.Clear();
+  const std::string without_id = challenge.substr(0, challenge.find("<MFAPHRASEID>MFA107")) +
+                                 challenge.substr(challenge.find("</MFACHALLENGE></MFACHALLENGERS>"));
   EXPECT_EQ(service_.ProcessResponse(without_id), 202);
   EXPECT_STREQ(service_.GetLastError(), "Required field missing: \"MFAPHRASEID\".");
 
@@ -143,17 +123,11 @@ TEST_F(ResponseTest, ParseFailuresPassThroughAndDataIsKept) {
   service_.parse_result = 2000;
   EXPECT_EQ(service_.ProcessResponse(Signon(kOk) + Statement(kOk)), 2000);
   service_.parse_result = 0;
-  EXPECT_NE(service_.ProcessResponse(""), 0);
-  EXPECT_STRNE(service_.GetLastError(), "");
-
   const char* out = "";
   EXPECT_EQ(service_.Config("OFXData=<OFX><A></B></OFX>", out), 2003);
   EXPECT_STREQ(service_.GetLastError(), "OFX response contains unknown element tags.");
   EXPECT_EQ(Query("OFXData"), "<OFX><A></B></OFX>") << "OFXData keeps the text whatever the result";
-  const std::string good = Signon(kOk) + Statement(kOk);
-  EXPECT_EQ(service_.SetData(good), 0);
-  EXPECT_EQ(std::string(service_.OFXResponse()), good);
-  EXPECT_EQ(service_.parse_calls, 2);
+  EXPECT_EQ(service_.parse_calls, 1);
 }
 
 TEST_F(ResponseTest, WritingOFXResponseClearsTheRequestStateFirst) {
@@ -165,64 +139,31 @@ TEST_F(ResponseTest, WritingOFXResponseClearsTheRequestStateFirst) {
   service_.Config("NewPassword=gone", out);
   EXPECT_EQ(service_.SetOFXResponse(""), 508);
   EXPECT_STREQ(service_.GetLastError(), "No response available from the server.");
-  for (const char* field : {service_.OFXUser(), service_.OFXPassword(), service_.FIId(), service_.FIOrganization(),
-                            service_.OFXAppId(), service_.OFXAppVersion()}) {
-    EXPECT_STREQ(field, "");
-  }
+  for (const char* field : {service_.OFXUser(), service_.FIId(), service_.OFXAppId()}) EXPECT_STREQ(field, "");
   EXPECT_STREQ(service_.OFXVersion(), "102");
   EXPECT_EQ(Query("NewPassword"), "");
   EXPECT_EQ(Query("ClientUId"), "kept");
-
-  const std::string good = Signon(kOk) + Statement(kOk);
-  EXPECT_EQ(service_.SetOFXResponse(good.c_str()), 0);
-  EXPECT_EQ(std::string(service_.OFXResponse()), good);
   EXPECT_NE(service_.SetOFXResponse("<OFX><A></B></OFX>"), 0);
   EXPECT_STREQ(service_.OFXResponse(), "");
 }
 
-TEST_F(ResponseTest, ReadFieldResponseValueAndChildIndex) {
-  ASSERT_EQ(service_.ProcessResponse(Signon(kOk) + Statement(kOk)), 0);
-  MarkupDocument& doc = service_.Document();
-  ByteString out("stale");
-  EXPECT_EQ(service_.ReadResponseValue(out, doc, "BANKMSGSRSV1/STMTTRNRS/STMTRS/CURDEF", true), 0);
-  EXPECT_STREQ(out.Data(), "USD");
-  EXPECT_STREQ(doc.ElementName(), "CURDEF");
-  ASSERT_EQ(doc.SelectPath("/OFX/BANKMSGSRSV1/STMTTRNRS"), 0);
-  ByteString field("a");
-  EXPECT_EQ(service_.ReadField(doc, "TRNUID", field, true, false), 0);
-  EXPECT_STREQ(field.Data(), "a1");
-  EXPECT_STREQ(doc.ElementName(), "STMTTRNRS");
-  EXPECT_EQ(service_.ReadField(doc, "MISSING", field, false), 0);
-  EXPECT_STREQ(field.Data(), "");
-
-  EXPECT_EQ(service_.FindChildIndex(doc, "/OFX/BANKMSGSRSV1/STMTTRNRS", "STMTRS"), 3);
-  EXPECT_EQ(service_.FindChildIndex(doc, "/OFX/BANKMSGSRSV1/STMTTRNRS", "NONE"), 0);
-}
-
 TEST_F(ResponseTest, DataFilesAreReadAndWrittenBack) {
-  const TempFile in("data_in"), copy("data_out"), broken("data_broken");
+  const TempFile in("data_in"), copy("data_out");
   const std::string file =
       "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\nSECURITY:NONE\r\nENCODING:USASCII\r\nCHARSET:1252\r\n"
       "COMPRESSION:NONE\r\nOLDFILEUID:NONE\r\nNEWFILEUID:NONE\r\n\r\n" +
       Signon(kOk) + Statement(kOk);
   in.Write(file);
   ASSERT_EQ(service_.ReadOFXDataFile(in.c_str()), 0) << service_.GetLastError();
-  EXPECT_EQ(service_.parse_calls, 1);
   const std::string response = service_.OFXResponse();
-  EXPECT_EQ(response.rfind("<OFX>", 0), 0u) << response;
   EXPECT_NE(response.find("<CODE>0</CODE>"), std::string::npos) << "end tags are written in: " << response;
   ASSERT_EQ(service_.WriteOFXDataFile(copy.c_str()), 0);
   EXPECT_EQ(copy.Read(), file);
-  EXPECT_EQ(service_.WriteOFXDataFile(""), 0);
-  EXPECT_EQ(service_.WriteOFXDataFile(nullptr), 0);
 
   EXPECT_EQ(service_.ReadOFXDataFile(TempFile("missing").c_str()), 302);
   EXPECT_STREQ(service_.GetLastError(), "Cannot open OFX data file for reading.");
-  EXPECT_EQ(service_.ReadOFXDataFile(::testing::TempDir().c_str()), 305) << "a directory opens but cannot be read";
   EXPECT_EQ(service_.WriteOFXDataFile("/nonexistent-dir/x.ofx"), 306);
   EXPECT_STREQ(service_.GetLastError(), "Cannot create OFX log file.");
-  broken.Write("<OFX><A></B></OFX>");
-  EXPECT_EQ(service_.ReadOFXDataFile(broken.c_str()), 2003);
 }
 
 }  // namespace

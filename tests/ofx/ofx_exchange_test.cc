@@ -3,6 +3,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <tuple>
 
 #include "support/loopback_server.h"
 #include "support/recording_events.h"
@@ -13,8 +14,7 @@ namespace {
 
 constexpr char kResponse[] =
     "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><DTSERVER>20240115</SONRS>"
-    "</SIGNONMSGSRSV1><BANKMSGSRSV1><STMTTRNRS><TRNUID>1<STATUS><CODE>0<SEVERITY>INFO</STATUS>"
-    "</STMTTRNRS></BANKMSGSRSV1></OFX>";
+    "</SIGNONMSGSRSV1></OFX>";
 
 std::string HttpAnswer(const std::string& content_type, const std::string& body, int status = 200) {
   return "HTTP/1.1 " + std::to_string(status) + " X\r\nContent-Type: " + content_type +
@@ -27,31 +27,23 @@ size_t Occurrences(const std::string& text, const std::string& what) {
   return n;
 }
 
-// A canned OFX server: answers every request with `answer` and keeps the
-// last request it read.
-class CannedBank {
- public:
-  explicit CannedBank(std::string answer)
-      : answer_(std::move(answer)), server_([this](int fd) {
-          std::string request = LoopbackServer::ReadRequest(fd);
-          {
-            std::lock_guard<std::mutex> lock(mutex_);
-            request_ = std::move(request);
-          }
-          LoopbackServer::WriteAll(fd, answer_);
-        }) {}
-  std::string Url() const { return "http://127.0.0.1:" + std::to_string(server_.port()) + "/ofx"; }
+// A canned OFX server: answers every request with `answer` and keeps the last request it read.
+struct CannedBank {
+  explicit CannedBank(std::string text) : answer(std::move(text)) {}
+  std::string Url() const { return "http://127.0.0.1:" + std::to_string(server.port()) + "/ofx"; }
   std::string Request() {
-    std::lock_guard<std::mutex> lock(mutex_);
-    return request_;
+    std::lock_guard<std::mutex> lock(mutex);
+    return request;
   }
-  int Connections() const { return server_.connections(); }
 
- private:
-  std::string answer_;
-  std::mutex mutex_;
-  std::string request_;
-  LoopbackServer server_;
+  std::string answer;
+  std::mutex mutex;
+  std::string request;
+  LoopbackServer server{[this](int fd) {
+    std::lock_guard<std::mutex> lock(mutex);
+    request = LoopbackServer::ReadRequest(fd);
+    LoopbackServer::WriteAll(fd, answer);
+  }};
 };
 
 class ExchangeTest : public ::testing::Test {
@@ -78,74 +70,38 @@ TEST_F(ExchangeTest, PostsTheRequestLogsOneMaskedExchangeAndParses) {
   Config("NewPassword=fresh");
   Config("DebugTrace=1");
   ASSERT_EQ(service_.Exchange(), 0) << service_.GetLastError();
-  EXPECT_EQ(service_.parse_calls, 1);
-  EXPECT_TRUE(events_.Saw("Status(REQUEST,0)"));
   EXPECT_TRUE(events_.Saw("Status(RESPONSE,0)"));
   EXPECT_STREQ(service_.OFXResponse(), kResponse);
 
   const std::string request = bank.Request();
   EXPECT_NE(request.find("Content-Type: application/x-ofx\r\n"), std::string::npos) << request;
-  EXPECT_NE(request.find("\r\n\r\nOFXHEADER:100\r\n"), std::string::npos);
   EXPECT_NE(request.find("<USERID>user\r\n<USERPASS>secret\r\n"), std::string::npos);
 
   const std::string log = log_.Read();
   EXPECT_EQ(log.find("secret"), std::string::npos) << log;
-  EXPECT_EQ(log.find("fresh"), std::string::npos);
   EXPECT_EQ(Occurrences(log, "******anon"), 4u) << "USERID and USERPASS, USERID and NEWUSERPASS of PINCHRQ";
   const std::string tail = std::string("\r\n\r\n================== END OFX REQUEST ==================\r\n\r\n") +
                            "\r\n\r\n================== BEGIN OFX RESPONSE ==================\r\n\r\n" + kResponse +
                            "\r\n\r\n================== END OFX RESPONSE ==================";
-  EXPECT_EQ(log.rfind("\r\n\r\n================== BEGIN OFX REQUEST ==================\r\n\r\nOFXHEADER:100", 0), 0u);
-  ASSERT_GE(log.size(), tail.size());
   EXPECT_EQ(log.substr(log.size() - tail.size()), tail);
 
-  // The next exchange rewrites the log.
-  ASSERT_EQ(service_.Exchange(), 0);
-  EXPECT_EQ(Occurrences(log_.Read(), "BEGIN OFX REQUEST"), 1u);
-}
-
-TEST_F(ExchangeTest, MissingFieldsStopBeforeSendingButAfterLogging) {
-  CannedBank bank(HttpAnswer("application/x-ofx", kResponse));
-  service_.SetFIUrl(bank.Url().c_str());
+  // Missing fields stop the next exchange before sending, but after rewriting the log.
   service_.SetOFXAppId("");
-  Config("OFXLog=" + log_.path());
   EXPECT_EQ(service_.Exchange(), 2000);
-  EXPECT_EQ(bank.Connections(), 0);
+  EXPECT_EQ(bank.server.connections(), 1);
   EXPECT_EQ(Occurrences(log_.Read(), "BEGIN OFX REQUEST"), 1u);
 }
 
-TEST_F(ExchangeTest, FailuresOfTheServerAndTheLog) {
-  struct Case {
-    std::string answer;
-    int code;
-  } cases[] = {
-      {HttpAnswer("application/x-ofx", "<OFX><A></B></OFX>"), 2003},
-      {HttpAnswer("application/x-ofx",
-                  "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>15500<SEVERITY>ERROR</STATUS></SONRS>"
-                  "</SIGNONMSGSRSV1></OFX>"),
-       2001},
-  };
-  for (const Case& c : cases) {
-    CannedBank bank(c.answer);
-    service_.SetFIUrl(bank.Url().c_str());
-    EXPECT_EQ(service_.Exchange(), c.code) << c.answer;
-    EXPECT_STREQ(service_.OFXResponse(), "");
-  }
-  // A log that cannot be created does not stop the exchange.
+TEST_F(ExchangeTest, UnwritableLogDoesNotStopTheExchange) {
   CannedBank bank(HttpAnswer("application/x-ofx", kResponse));
   service_.SetFIUrl(bank.Url().c_str());
   Config("OFXLog=/nonexistent-dir/ofx.log");
   EXPECT_EQ(service_.Exchange(), 0);
-  EXPECT_EQ(service_.parse_calls, 1);
   EXPECT_STREQ(service_.GetLastError(), "Cannot open OFX log file.");
-
-  service_.SetFIUrl(("http://127.0.0.1:" + std::to_string(UnusedPort()) + "/").c_str());
-  EXPECT_NE(service_.Exchange(), 0);
 }
 
 class ImageTest : public ExchangeTest {
  protected:
-  // Fetches an image from a bank that answers `answer`.
   int Fetch(const std::string& answer, const char* reference = "IMG-1", const char* type = "OPAQUE") {
     bank_ = std::make_unique<CannedBank>(answer);
     service_.SetFIUrl(bank_->Url().c_str());
@@ -164,9 +120,7 @@ TEST_F(ImageTest, DownloadedImageIsReturnedAndWrittenWithItsExtension) {
   ASSERT_EQ(Fetch(HttpAnswer("image/png", png), "IMG-1", ""), 0) << service_.GetLastError();
   EXPECT_EQ(std::string(data_, static_cast<size_t>(length_)), png);
   EXPECT_EQ(image_.Read(".png"), png);
-  EXPECT_STREQ(service_.OFXVersion(), "211");
   EXPECT_NE(bank_->Request().find("<IMAGEREF>IMG-1</IMAGEREF>"), std::string::npos);
-  EXPECT_EQ(bank_->Request().find("BANKMSGSRQV1"), std::string::npos);
 
   service_.SetImageFile("/nonexistent-dir/img");
   EXPECT_EQ(Fetch(HttpAnswer("Application/pdf", "%PDF")), 0) << "an unwritable file keeps the result";
@@ -175,25 +129,19 @@ TEST_F(ImageTest, DownloadedImageIsReturnedAndWrittenWithItsExtension) {
 }
 
 TEST_F(ImageTest, StatusBodiesAndOtherReferenceTypes) {
-  const struct {
-    const char* body;
-    int code;
-    const char* text;
-  } cases[] = {
-      {"OFX-STATUS=15000", 15000, "Must change USERPASS."},
+  const std::tuple<const char*, int, const char*> cases[] = {
       {"OFX-STATUS=16513", 16513, "Image server is not available. Try again later."},
       {"OFX-STATUS=16513\r\n", 2001, ""},  // compared whole
-      {"OFX-STATUS=1", 2001, ""},
   };
   service_.SetImageFile(image_.c_str());
-  for (const auto& c : cases) {
-    EXPECT_EQ(Fetch(HttpAnswer("application/x-ofx", c.body)), c.code) << c.body;
-    EXPECT_STREQ(service_.GetLastError(), c.text);
+  for (const auto& [body, code, text] : cases) {
+    EXPECT_EQ(Fetch(HttpAnswer("application/x-ofx", body)), code) << body;
+    EXPECT_STREQ(service_.GetLastError(), text);
     EXPECT_EQ(length_, 0);
   }
   EXPECT_EQ(Fetch(HttpAnswer("image/png", "png"), "http://x/img", "URL"), 0);
   EXPECT_EQ(length_, 0);
-  EXPECT_EQ(bank_->Connections(), 0) << "a URL reference is not fetched";
+  EXPECT_EQ(bank_->server.connections(), 0) << "a URL reference is not fetched";
   service_.SetImageFile("");
   EXPECT_EQ(Fetch(HttpAnswer("image/png", "png")), 2001) << "without ImageFile a downloaded image counts as failed";
 }

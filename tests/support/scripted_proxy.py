@@ -1,12 +1,10 @@
 #!/usr/bin/env python3
 """A proxy for the tests, doing on demand what real proxies will not.
 
-HTTP (CONNECT and absolute-URI requests, kept alive), SOCKS 4 and SOCKS 5 on
-one port. Targets choose the behaviour:
-  CONNECT/URL host "refuseNNN.test"  the proxy answers status NNN
-  CONNECT/URL host "badsig.test"     the NTLM challenge has a wrong signature
-  CONNECT/URL host "close.test"      the proxy closes the connection
-  SOCKS target port 9000 + N         the SOCKS reply code is N
+HTTP: CONNECT and absolute-URI requests, kept alive. Target hosts choose the behaviour:
+  "refuseNNN.test"  the proxy answers status NNN
+  "badsig.test"     the NTLM challenge has a wrong signature
+  "close.test"      the proxy closes the connection
 With --ntlm every HTTP request must pass an NTLM exchange (under "NTLM" or
 "Negotiate") whose NT response is recomputed here from --password; a wrong one
 gets a second 407. MD4 and DES come from libcrypto and are checked against
@@ -81,16 +79,6 @@ def field(message, at):
     return message[offset:offset + length]
 
 
-def read_exact(sock, n):
-    data = b''
-    while len(data) < n:
-        piece = sock.recv(n - len(data))
-        if not piece:
-            raise EOFError
-        data += piece
-    return data
-
-
 def relay(client, upstream):
     def pump(source, sink):
         with contextlib.suppress(OSError):
@@ -111,53 +99,7 @@ class Handler(socketserver.BaseRequestHandler):
             f.write(text + '\n')
 
     def handle(self):
-        first = self.request.recv(1, socket.MSG_PEEK)
-        if first:
-            {b'\x04': self.socks4, b'\x05': self.socks5}.get(first, self.http)(self.request)
-
-    def socks4(self, sock):
-        request = read_exact(sock, 8)
-        user = b''
-        while not user.endswith(b'\0'):
-            user += read_exact(sock, 1)
-        port = struct.unpack('>H', request[2:4])[0]
-        self.log('socks4 user=%s' % user[:-1].decode('latin-1'))
-        if 9000 <= port <= 9255:  # the scripted reply code
-            return sock.sendall(bytes([0, port - 9000]) + b'\0' * 6)
-        upstream = socket.create_connection((socket.inet_ntoa(request[4:8]), port))
-        sock.sendall(bytes([0, 90]) + b'\0' * 6)
-        relay(sock, upstream)
-
-    def socks5(self, sock):
-        methods = read_exact(sock, read_exact(sock, 2)[1])
-        method = self.server.args.socks5_method
-        if method is None:
-            method = 2 if 2 in methods and self.server.args.user else 0
-        sock.sendall(bytes([5, method]))
-        if method not in (0, 2):
-            return
-        if method == 2:
-            user = read_exact(sock, read_exact(sock, 2)[1]).decode('latin-1')
-            password = read_exact(sock, read_exact(sock, 1)[0]).decode('latin-1')
-            ok = user == self.server.args.user and password == self.server.args.password
-            self.log('socks5 user=%s ok=%d' % (user, ok))
-            sock.sendall(bytes([1, 0 if ok else 1]))
-            if not ok:
-                return
-        head = read_exact(sock, 4)
-        if head[3] == 1:
-            host = socket.inet_ntoa(read_exact(sock, 4))
-        else:
-            host = read_exact(sock, read_exact(sock, 1)[0]).decode('latin-1')
-        port = struct.unpack('>H', read_exact(sock, 2))[0]
-        self.log('socks5 connect %s:%d' % (host, port))
-        if 9000 <= port <= 9255:  # the scripted reply code
-            return sock.sendall(bytes([5, port - 9000, 0, 1]) + b'\0' * 6)
-        upstream = socket.create_connection(('127.0.0.1' if host == 'localhost' else host, port))
-        sock.sendall(bytes([5, 0, 0, 1, 127, 0, 0, 1, 0, 0]))
-        relay(sock, upstream)
-
-    def http(self, sock):
+        sock = self.request
         reader = sock.makefile('rb')
         while line := reader.readline():
             method, target, _ = line.decode('latin-1').split(' ', 2)
@@ -226,7 +168,6 @@ def main():
     parser.add_argument('--ntlm', action='store_true')
     parser.add_argument('--user')
     parser.add_argument('--password', default='')
-    parser.add_argument('--socks5-method', type=int)
     args = parser.parse_args()
     self_check()
     socketserver.ThreadingTCPServer.daemon_threads = socketserver.ThreadingTCPServer.allow_reuse_address = True
