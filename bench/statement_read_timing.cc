@@ -22,6 +22,7 @@
 #include <string>
 #include <vector>
 
+#include "child_run.h"
 #include "orvelan.h"
 
 namespace {
@@ -65,16 +66,7 @@ void WriteStatement(const std::string& path, int transactions) {
   std::fclose(out);
 }
 
-long ResidentKiB() {
-  std::FILE* status = std::fopen("/proc/self/status", "r");
-  long kib = 0;
-  char line[256];
-  while (status != nullptr && std::fgets(line, sizeof line, status) != nullptr) {
-    if (std::strncmp(line, "VmRSS:", 6) == 0) kib = std::atol(line + 6);
-  }
-  if (status != nullptr) std::fclose(status);
-  return kib;
-}
+using orvelan::bench::ResidentKiB;
 
 struct Run {
   double seconds = 0;

@@ -307,6 +307,18 @@ int DocumentTree::SelectChild(std::string_view name, int32_t index, std::string_
     visited = memo.visited;
     count = memo.matched;
   }
+  // A later step to a far or later sibling of the same name resumes here.
+  const auto found = [&](uint32_t at) {
+    if (index > 1 || visited > 8) {
+      memo.parent = e;
+      memo.child = at;
+      memo.visited = visited;
+      memo.matched = count;
+      memo.name.Assign(name);
+    }
+    cursor_ = at;
+    return kOk;
+  };
   for (; child != 0 && visited < limit; child = NextSibling(child)) {
     ++visited;
     // Most elements carry no namespace (their P record is the empty one at
@@ -316,32 +328,14 @@ int DocumentTree::SelectChild(std::string_view name, int32_t index, std::string_
       size_t i = 0;
       while (i < name.size() && local[i] != '\0' && local[i] == name[i]) ++i;
       if (i != name.size() || local[i] != '\0' || ++count != index) continue;
-      if (index > 1 || visited > 8) {
-        memo.parent = e;
-        memo.child = child;
-        memo.visited = visited;
-        memo.matched = count;
-        memo.name.Assign(name);
-      }
-      cursor_ = child;
-      return kOk;
+      return found(child);
     }
     if (*Uri(child) != '\0' && name == UriName(child)) {
       cursor_ = child;
       return kOk;
     }
     if (!filtered) {
-      if (NameMatches(child, name, count, index)) {
-        if (index > 1 || visited > 8) {
-          memo.parent = e;
-          memo.child = child;
-          memo.visited = visited;
-          memo.matched = count;
-          memo.name.Assign(name);
-        }
-        cursor_ = child;
-        return kOk;
-      }
+      if (NameMatches(child, name, count, index)) return found(child);
       continue;
     }
     if (name != LocalName(child) && name != QualifiedName(child)) continue;
