@@ -44,12 +44,14 @@ class BankStatementAbiTest : public ::testing::Test {
   void* obj_ = nullptr;
 };
 
-// The C host checks the named defaults; these are the reserved ids and the rest.
-TEST_F(BankStatementAbiTest, VersionBannerThroughTheOffsets) {
+// The C host checks the named defaults; these are the reserved ids, the
+// offsets onto ordinary properties and one empty default of each kind.
+TEST_F(BankStatementAbiTest, VersionBannerAndEmptyDefaults) {
   for (int id : {0, 10000, 20000}) EXPECT_EQ(Text(id), "ORVELAN_VERSION_3_0_3909") << id;
-  // The offsets reach ordinary properties as well.
   EXPECT_EQ(Text(10000 + BANKSTATEMENT_PROP_OFXVERSION), "102");
   EXPECT_EQ(Integer(20000 + BANKSTATEMENT_PROP_TIMEOUT), 60);
+  EXPECT_EQ(Text(23) + Bytes(44), "");
+  EXPECT_EQ(Integer(2), 0);
 }
 
 TEST_F(BankStatementAbiTest, ValuesKeepTheirBytesAndLimits) {
@@ -137,8 +139,7 @@ TEST_F(BankStatementAbiTest, ReservedAndEngineMethods) {
     EXPECT_EQ(BankStatement_Do(obj_, id, 0, nullptr, nullptr), 0) << id;
     EXPECT_EQ(LastCode(), 202) << id;  // the last error is not touched
   }
-  // An id that names no method succeeds and clears the code.
-  EXPECT_EQ(BankStatement_Do(obj_, 99, 0, nullptr, nullptr), 0);
+  EXPECT_EQ(BankStatement_Do(obj_, 99, 0, nullptr, nullptr), 0);  // no method: success, code cleared
   EXPECT_EQ(LastCode(), 0);
   EXPECT_EQ(BankStatement_Do(obj_, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, nullptr, nullptr), 2000);
   EXPECT_EQ(LastError(), "Missing required field: Bank Id is missing in the request.");
@@ -161,7 +162,6 @@ TEST(BankStatementAbiLifetimeTest, NullObjectsAreHarmlessAndComponentsIndependen
   BankStatement_Destroy(b);
 }
 
-// The exported atof reads "." as the decimal point whatever LC_NUMERIC says.
 TEST(AtofTest, IgnoresCommaDecimalLocale) {
   const char* chosen = nullptr;
   for (const char* name : {"de_DE.UTF-8", "de_DE.utf8", "fr_FR.UTF-8", "nl_NL.UTF-8"}) {
@@ -173,8 +173,7 @@ TEST(AtofTest, IgnoresCommaDecimalLocale) {
   }
   // The locale is really in force: the C library's strtod stops at the ".".
   EXPECT_EQ(std::strtod("1.5", nullptr), 1.0);
-  // Through the process's symbol table, as a host calling atof binds; the
-  // pointer keeps the compiler from inlining the C library's version.
+  // Bound through the symbol table as a host binds; the pointer stops inlining.
   double (*volatile host_atof)(const char*) = &std::atof;
   EXPECT_EQ(host_atof("1.5"), 1.5);
   void* lib = dlopen("liborvelan.so.3", RTLD_NOW | RTLD_NOLOAD);

@@ -22,7 +22,6 @@ class Probe : public TransferChannel {
   std::string received;  // lines end with '|' when delivered as lines
   std::string errors;    // "code:text|" per OnError
   int disconnects = 0;
-  int disconnect_code = -1;
   std::function<void()> on_data;
 
   int Set(const std::string& setting) {
@@ -64,10 +63,7 @@ class Probe : public TransferChannel {
     if (on_data) on_data();
   }
   void OnError(int code, const char* text) override { errors += std::to_string(code) + ":" + text + "|"; }
-  void FireDisconnected(int code, const char*) override {
-    ++disconnects;
-    disconnect_code = code;
-  }
+  void FireDisconnected(int, const char*) override { ++disconnects; }
 };
 
 #define REQUIRE_PKI(pki)                                           \
