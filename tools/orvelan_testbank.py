@@ -4,12 +4,17 @@ r"""orvelan-testbank: a sandbox OFX bank to try an OFX client against.
 It answers OFX 1.x (SGML) and 2.x (XML) requests posted to any path, in the
 request's dialect, like a strict bank: anything but an application/x-ofx POST
 with a well-formed header block, every end tag in the 2.x dialect, SONRQ first
-with its children in order, TRNUIDs of the form 8-4-4-4-4-8 lowercase hex and
-only ...MSGSRQV1/2 message sets gets HTTP 400 with the reason.
+with its children in order, TRNUIDs of the form 8-4-4-4-4-8 lowercase hex,
+only ...MSGSRQV1/2 message sets, and statement requests whose elements are in
+order, present when required and well formed (dates, Y/N flags, account type)
+gets HTTP 400 with the reason.
 
-The password is "secret" (--password), else sign-on status 15500. The USERID
-chooses what happens:
-  user          a statement with 3 transactions (so does any other USERID)
+It serves bank (BANKMSGSRQV1: STMTRQ, STMTENDRQ), credit card
+(CREDITCARDMSGSRQV1: CCSTMTRQ, CCSTMTENDRQ) and loan (LOANMSGSRQV1: LOANSTMTRQ,
+LOANSTMTENDRQ) statements. The password is "secret" (--password), else sign-on
+status 15500. The USERID chooses what happens, for every kind of account:
+  user          a statement with 3 transactions, 5 for a card (so does any
+                other USERID)
   user<N>       a statement with N transactions (at most 200000)
   error<CODE>   every transaction answered with status CODE, severity ERROR
   warn          status 2028, severity WARN, with the statement
@@ -19,11 +24,15 @@ chooses what happens:
   http<CODE>    HTTP status CODE (e.g. http500, http503) with an HTML page
   stall         never answers, and holds the connection open
   badofx        a truncated OFX document
-Statements (STMTRQ) and closing information (STMTENDRQ, one closing per month)
-are derived from the account and dates of the request; INCTRANIMG Y adds an
-image reference to each transaction. An image request (IMAGEREF) answers a
-1x1 PNG whose tEXt comment is the reference, or "OFX-STATUS=16512" for the
-reference "missing".
+Statements and closing information (one closing per calendar month of the
+range; without DTSTART the month of DTEND and the one before) are derived from
+the account and dates of the request: card purchases, payments, fees and
+interest with the minimum payment, finance charge and credit limit of each
+closing; loan payments split into principal, interest and escrow, with the
+next payment (LOANPMT) in each closing. INCTRANIMG Y or INCSTMTIMG Y adds an
+image reference to each transaction or closing. An image request (IMAGEREF)
+answers a 1x1 PNG whose tEXt comment is the reference, or "OFX-STATUS=16512"
+for the reference "missing".
 
 With --log every POST is appended to FILE as
     --- request <seq> status=<http status, 0 for stall> length=<n>\n<n body bytes>\n
@@ -439,7 +448,7 @@ def balance(name, cents, day):
 
 
 class BankStatements(Statements):
-    # The fields stay optional: the engine's own tests post a bare BANKID.
+    # The fields stay optional, as they always were here: minimal clients post a bare BANKID.
     account_fields = [("BANKID", False, r"[0-9A-Za-z]{1,9}"), ("BRANCHID", False, ".{1,22}"),
                       ("ACCTID", False, ".{1,22}"), ("ACCTTYPE", False, "CHECKING|SAVINGS|MONEYMRKT|CREDITLINE|CD"),
                       ("ACCTKEY", False, ".{1,22}")]
