@@ -4,12 +4,17 @@ r"""orvelan-testbank: a sandbox OFX bank to try an OFX client against.
 It answers OFX 1.x (SGML) and 2.x (XML) requests posted to any path, in the
 request's dialect, like a strict bank: anything but an application/x-ofx POST
 with a well-formed header block, every end tag in the 2.x dialect, SONRQ first
-with its children in order, TRNUIDs of the form 8-4-4-4-4-8 lowercase hex and
-only ...MSGSRQV1/2 message sets gets HTTP 400 with the reason.
+with its children in order, TRNUIDs of the form 8-4-4-4-4-8 lowercase hex,
+only ...MSGSRQV1/2 message sets, and statement requests whose elements are in
+order, present when required and well formed (dates, Y/N flags, account type)
+gets HTTP 400 with the reason.
 
-The password is "secret" (--password), else sign-on status 15500. The USERID
-chooses what happens:
-  user          a statement with 3 transactions (so does any other USERID)
+It serves bank (BANKMSGSRQV1: STMTRQ, STMTENDRQ), credit card
+(CREDITCARDMSGSRQV1: CCSTMTRQ, CCSTMTENDRQ) and loan (LOANMSGSRQV1: LOANSTMTRQ,
+LOANSTMTENDRQ) statements. The password is "secret" (--password), else sign-on
+status 15500. The USERID chooses what happens, for every kind of account:
+  user          a statement with 3 transactions, 5 for a card (so does any
+                other USERID)
   user<N>       a statement with N transactions (at most 200000)
   error<CODE>   every transaction answered with status CODE, severity ERROR
   warn          status 2028, severity WARN, with the statement
@@ -19,11 +24,15 @@ chooses what happens:
   http<CODE>    HTTP status CODE (e.g. http500, http503) with an HTML page
   stall         never answers, and holds the connection open
   badofx        a truncated OFX document
-Statements (STMTRQ) and closing information (STMTENDRQ, one closing per month)
-are derived from the account and dates of the request; INCTRANIMG Y adds an
-image reference to each transaction. An image request (IMAGEREF) answers a
-1x1 PNG whose tEXt comment is the reference, or "OFX-STATUS=16512" for the
-reference "missing".
+Statements and closing information (one closing per calendar month of the
+range; without DTSTART the month of DTEND and the one before) are derived from
+the account and dates of the request: card purchases, payments, fees and
+interest with the minimum payment, finance charge and credit limit of each
+closing; loan payments split into principal, interest and escrow, with the
+next payment (LOANPMT) in each closing. INCTRANIMG Y or INCSTMTIMG Y adds an
+image reference to each transaction or closing. An image request (IMAGEREF)
+answers a 1x1 PNG whose tEXt comment is the reference, or "OFX-STATUS=16512"
+for the reference "missing".
 
 With --log every POST is appended to FILE as
     --- request <seq> status=<http status, 0 for stall> length=<n>\n<n body bytes>\n
@@ -50,6 +59,7 @@ import subprocess
 import sys
 import tempfile
 import threading
+import types
 import zlib
 
 ACCESS_KEY = "orvelan-access-key"
@@ -275,7 +285,7 @@ def stamp(day, time="120000"):
 class Scenario:
     def __init__(self, userid):
         self.name = userid
-        self.transactions = 3
+        self.transactions = None  # the message set's own number
         self.trn_status = None
         self.http_status = 0
         m = re.match(r"^(user|error|http)(\d+)$", userid)
@@ -289,6 +299,334 @@ class Scenario:
                 self.http_status = int(m.group(2))
         elif userid == "warn":
             self.trn_status = status(2028, "WARN", "Some request elements were not recognized and were ignored.")
+
+
+# ---------------------------------------------------------------- statements
+
+OFX_DATE = OFX_DATE_FORM.pattern[1:-1]
+YES_NO = "[YN]"
+RULE_NAMES = {OFX_DATE: "an OFX date", YES_NO: "Y or N"}
+INCTRAN = [("DTSTART", False, OFX_DATE), ("DTEND", False, OFX_DATE), ("INCLUDE", True, YES_NO)]
+
+
+def check_aggregate(node, form):
+    """form lists the children (name, required, rule) in their order; a rule is
+    a regular expression for a leaf's value or the form of an aggregate."""
+    names = [c.name for c in node.children]
+    order = [name for name, _, _ in form]
+    ranks = [order.index(n) if n in order else -1 for n in names]
+    if -1 in ranks or ranks != sorted(ranks) or len(set(names)) != len(names):
+        raise BadRequest("<%s> holds %s; it takes %s, in that order, each at most once" %
+                         (node.name, ",".join(names) or "nothing", ",".join(order)))
+    for name, required, rule in form:
+        child = node.child(name)
+        if child is None:
+            if required:
+                raise BadRequest("<%s> lacks <%s>" % (node.name, name))
+        elif isinstance(rule, list):
+            if child.value is not None:
+                raise BadRequest("<%s> is an aggregate, not a value" % name)
+            check_aggregate(child, rule)
+        elif child.value is None:
+            raise BadRequest("<%s> holds a value, not elements" % name)
+        elif (child.value or required) and not re.fullmatch(rule, child.value):
+            raise BadRequest("<%s> %r is not %s" % (name, child.value, RULE_NAMES.get(rule, "of the form " + rule)))
+
+
+class Statements:
+    """One statement message set. Its requests and answers share one shape, so
+    a message set declares only its names and what its records hold: the
+    transaction request <P>STMTTRNRQ holds <P>STMTRQ and answers <P>STMTRS,
+    <P>STMTENDTRNRQ holds <P>STMTENDRQ and answers <P>STMTENDRS."""
+    prefix = ""
+    message_set = "BANKMSGSRQV"  # V1 or V2
+    account = "BANKACCTFROM"
+    account_fields = []          # (name, required, rule)
+    transaction_list = "BANKTRANLIST"
+    transaction = "STMTTRN"
+    closing = "CLOSING"
+    transactions = 3             # for a USERID without a count
+
+    # Per message set: opening state, the record bodies, the balances after the list.
+    def begin(self, ctx):
+        pass
+
+    def entry(self, ctx, i, count, day, fitid):
+        raise NotImplementedError
+
+    def balances(self, ctx):
+        raise NotImplementedError
+
+    def closing_record(self, ctx, month, last, following):
+        raise NotImplementedError
+
+    def requests(self):
+        """{transaction request name: (request name, response name, closing?)}"""
+        p = self.prefix
+        return {p + "STMTTRNRQ": (p + "STMTRQ", p + "STMTRS", False),
+                p + "STMTENDTRNRQ": (p + "STMTENDRQ", p + "STMTENDRS", True)}
+
+    def answer(self, trnrq, rq, scenario):
+        _, rs_name, closing = self.requests()[trnrq.name]
+        return (rs_name, (self.closing_answer if closing else self.statement_answer)(rq, scenario))
+
+    def check(self, trnrq, message_set):
+        if message_set.name[:-1] != self.message_set:
+            raise BadRequest("<%s> belongs in %s1, not in %s" % (trnrq.name, self.message_set, message_set.name))
+        rq_name, _, closing = self.requests()[trnrq.name]
+        account = (self.account, True, self.account_fields)
+        if closing:
+            rq_form = [account, ("DTSTART", False, OFX_DATE), ("DTEND", False, OFX_DATE),
+                       ("INCSTMTIMG", False, YES_NO)]
+        else:
+            rq_form = [account, ("INCTRAN", False, INCTRAN), ("INCLUDEPENDING", False, YES_NO),
+                       ("INCTRANIMG", False, YES_NO)]
+        check_aggregate(trnrq, [("TRNUID", True, TRNUID_FORM.pattern[1:-1]), ("CLTCOOKIE", False, ".+"),
+                                ("TAN", False, ".+"), (rq_name, True, rq_form)])
+        return trnrq.child(rq_name)
+
+    def context(self, rq, scenario, start, end):
+        ctx = types.SimpleNamespace(start=start, end=end, total=0)
+        ctx.account = [(c.name, c.value) for c in rq.child(self.account).children]
+        ctx.fields = dict(ctx.account)
+        ctx.id = ctx.fields.get("ACCTID", ctx.fields.get("LOANACCTID", ""))
+        ctx.seed = sum(ctx.id.encode()) + sum(ctx.fields.get("BANKID", "").encode())
+        ctx.count = scenario.transactions if scenario.transactions is not None else self.transactions
+        self.begin(ctx)
+        return ctx
+
+    def statement_answer(self, rq, scenario):
+        inctran = rq.child("INCTRAN")
+        dates = inctran if inctran is not None else rq
+        end = day_of(dates.text("DTEND"), datetime.date.today())
+        ctx = self.context(rq, scenario, day_of(dates.text("DTSTART"), end - datetime.timedelta(days=30)), end)
+        images = rq.text("INCTRANIMG") == "Y"
+        records = []
+        span = (ctx.end - ctx.start).days
+        for i in range(ctx.count):
+            day = ctx.start + datetime.timedelta(days=(span * (i + 1)) // (ctx.count + 1))
+            fitid = "%s-%s-%05d" % (ctx.id, day.strftime("%Y%m%d"), i + 1)
+            record = self.entry(ctx, i, ctx.count, day, fitid)
+            if images:
+                record.append(image_data("img-" + fitid))
+            records.append((self.transaction, record))
+        body = [("CURDEF", "USD"), (self.account, ctx.account)]
+        if rq.text("INCTRAN/INCLUDE") == "Y":
+            body.append((self.transaction_list, [("DTSTART", dates.text("DTSTART") or stamp(ctx.start, "000000")),
+                                                 ("DTEND", dates.text("DTEND") or stamp(ctx.end, "235959"))] + records))
+        return body + self.balances(ctx)
+
+    def closing_answer(self, rq, scenario):
+        """One closing per calendar month of the range; without DTSTART, the
+        month of DTEND and the one before."""
+        end = day_of(rq.text("DTEND"), datetime.date.today())
+        start = day_of(rq.text("DTSTART"), (end.replace(day=1) - datetime.timedelta(days=1)).replace(day=1))
+        ctx = self.context(rq, scenario, start, end)
+        images = rq.text("INCSTMTIMG") == "Y"
+        closings = []
+        month = datetime.date(start.year, start.month, 1)
+        while month <= end and len(closings) < 24:
+            following = datetime.date(month.year + month.month // 12, month.month % 12 + 1, 1)
+            last = following - datetime.timedelta(days=1)
+            fitid = "%s-%s-%s" % (self.closing[:2], ctx.id, month.strftime("%Y%m"))
+            record = [("FITID", fitid), ("DTOPEN", stamp(month, "000000")), ("DTCLOSE", stamp(last, "235959")),
+                      ("DTNEXT", stamp(following, "000000"))] + self.closing_record(ctx, month, last, following)
+            record += [("DTPOSTSTART", stamp(month, "000000")), ("DTPOSTEND", stamp(last, "235959"))]
+            if images:
+                record.append(image_data("stmt-" + fitid))
+            closings.append((self.closing, record))
+            month = following
+        return [("CURDEF", "USD"), (self.account, ctx.account)] + closings
+
+
+def image_data(name):
+    return ("IMAGEDATA", [("IMAGETYPE", "STATEMENT"), ("IMAGEREF", name + ".png"), ("IMAGEREFTYPE", "OPAQUE")])
+
+
+def balance(name, cents, day):
+    return (name, [("BALAMT", money(cents)), ("DTASOF", stamp(day, "235959"))])
+
+
+class BankStatements(Statements):
+    # The fields stay optional, as they always were here: minimal clients post a bare BANKID.
+    account_fields = [("BANKID", False, r"[0-9A-Za-z]{1,9}"), ("BRANCHID", False, ".{1,22}"),
+                      ("ACCTID", False, ".{1,22}"), ("ACCTTYPE", False, "CHECKING|SAVINGS|MONEYMRKT|CREDITLINE|CD"),
+                      ("ACCTKEY", False, ".{1,22}")]
+
+    def begin(self, ctx):
+        ctx.balance = 100000
+
+    def entry(self, ctx, i, count, day, fitid):
+        cents = (ctx.seed * 7919 + i * 104729) % 200001 - 100000
+        kind = "CHECK" if i % 5 == 4 else ("CREDIT" if cents > 0 else "DEBIT")
+        if kind == "CHECK" and cents > 0:
+            cents = -cents
+        ctx.total += cents
+        t = [("TRNTYPE", kind), ("DTPOSTED", stamp(day)), ("DTUSER", stamp(day, "000000")),
+             ("TRNAMT", money(cents)), ("FITID", fitid)]
+        if kind == "CHECK":
+            t.append(("CHECKNUM", str(1000 + i)))
+        t.append(("NAME", PAYEES[(ctx.seed + i) % len(PAYEES)]))
+        if i % 2 == 0:
+            t.append(("MEMO", "Transaction %d of %d" % (i + 1, count)))
+        return t
+
+    def balances(self, ctx):
+        ledger = ctx.balance + ctx.total
+        return [balance("LEDGERBAL", ledger, ctx.end), balance("AVAILBAL", ledger - 2500, ctx.end)]
+
+    def closing_record(self, ctx, month, last, following):
+        credits = (ctx.seed * 31 + month.month * 1013) % 50000
+        debits = (month.toordinal() * 17) % 40000
+        fees, interest = 500, 12
+        close = ctx.balance + credits - debits - fees + interest
+        record = [("BALOPEN", money(ctx.balance)), ("BALCLOSE", money(close)), ("DEPANDCREDIT", money(credits)),
+                  ("CHKANDDEB", money(-debits)), ("TOTALFEES", money(-fees)), ("TOTALINT", money(interest))]
+        ctx.balance = close
+        return record
+
+
+MERCHANTS = ["Corner Bakery", "Shell Oil 0457", "Online Books & Music", "City Parking <Lot 4>", "Hotel Lindenhof"]
+
+
+class CardStatements(Statements):
+    """What the card holder owes is negative, as the issuer's ledger has it."""
+    prefix = "CC"
+    message_set = "CREDITCARDMSGSRQV"
+    account = "CCACCTFROM"
+    account_fields = [("ACCTID", True, ".{1,22}"), ("ACCTKEY", False, ".{1,22}")]
+    closing = "CCCLOSING"
+    transactions = 5  # two purchases, a payment, a fee and interest
+    limit = 500000
+
+    def begin(self, ctx):
+        ctx.balance = -(80000 + ctx.seed * 13 % 100000)
+
+    def entry(self, ctx, i, count, day, fitid):
+        wobble = (ctx.seed * 7919 + i * 104729) % 15000
+        kind = i % 5
+        if kind < 2:
+            kind, cents, name = ("POS", "DEBIT")[kind], -(wobble + 499), MERCHANTS[(ctx.seed + i) % len(MERCHANTS)]
+        elif kind == 2:
+            kind, cents, name = "PAYMENT", 25000 + wobble, "Payment - thank you"
+        elif kind == 3:
+            kind, cents, name = "FEE", -(3900 if i % 2 else 275), ("Late payment fee" if i % 2 else
+                                                                      "Foreign transaction fee")
+        else:
+            kind, cents, name = "INT", -(1000 + wobble // 5), "Interest charge on purchases"
+        ctx.total += cents
+        t = [("TRNTYPE", kind), ("DTPOSTED", stamp(day))]
+        if kind in ("POS", "DEBIT"):  # bought a day or two before it posts
+            t.append(("DTUSER", stamp(day - datetime.timedelta(days=1 + i % 2), "000000")))
+        t += [("TRNAMT", money(cents)), ("FITID", fitid), ("NAME", name)]
+        if kind == "POS":
+            t.append(("MEMO", "Card ending %s" % ctx.id[-4:]))
+        return t
+
+    def balances(self, ctx):
+        ledger = ctx.balance + ctx.total
+        return [balance("LEDGERBAL", ledger, ctx.end), balance("AVAILBAL", max(0, self.limit + ledger), ctx.end)]
+
+    def closing_record(self, ctx, month, last, following):
+        payments = (ctx.seed * 31 + month.month * 1013) % 40000 + 15000
+        purchases = (month.toordinal() * 17) % 60000 + 20000
+        interest = max(0, -ctx.balance) * 2199 // 120000  # 21.99% a year
+        fees = 9500 if month.month == 1 else (3900 if month.month % 4 == 0 else 0)
+        close = ctx.balance + payments - purchases - interest - fees
+        record = [("BALOPEN", money(ctx.balance)), ("BALCLOSE", money(close)),
+                  ("DTPMTDUE", stamp(last + datetime.timedelta(days=25), "000000")),
+                  ("MINPMTDUE", money(max(2500, -close // 50) if close < 0 else 0)), ("FINCHG", money(-interest)),
+                  ("PAYANDCREDIT", money(payments)), ("PURANDADV", money(-purchases))]
+        if fees:
+            record.append(("TOTALFEES", money(-fees)))
+        record.append(("CREDITLIMIT", money(self.limit)))
+        ctx.balance = close
+        return record
+
+
+class Mortgage:
+    """A 30-year loan at 6.25% paid on the first of every month since it was
+    taken out; balance(k) is the principal after k payments."""
+    TERM = 360
+    RATE = 0.0625 / 12
+
+    def __init__(self, seed):
+        self.principal = 12000000 + seed * 7919 % 25000000
+        self.opened = datetime.date(2016 + seed % 5, 1 + seed % 12, 1)
+        self.payment = round(self.principal * self.RATE / (1 - (1 + self.RATE) ** -self.TERM))
+        self.escrow = 25000 + seed % 200 * 100
+
+    def balance(self, k):
+        k = max(0, min(k, self.TERM))
+        growth = (1 + self.RATE) ** k
+        return max(0, round(self.principal * growth - self.payment * (growth - 1) / self.RATE))
+
+    def paid_by(self, day):
+        """The number of payments due on or before day."""
+        return (day.year - self.opened.year) * 12 + day.month - self.opened.month
+
+    def split(self, k):
+        """(principal, interest) of payment k."""
+        principal = self.balance(k - 1) - self.balance(k)
+        return principal, self.payment - principal if principal else 0
+
+    def escrow_amount(self):
+        tax = self.escrow * 2 // 3
+        return ("ESCRWAMT", [("ESCRWTOTAL", money(self.escrow)), ("ESCRWTAX", money(tax)),
+                             ("ESCRWINS", money(self.escrow - tax))])
+
+
+class LoanStatements(Statements):
+    prefix = "LOAN"
+    message_set = "LOANMSGSRQV"
+    account = "LOANACCTFROM"
+    account_fields = [("LOANACCTID", True, ".{1,22}"),
+                      ("LOANACCTTYPE", True, "AUTO|CONSUMER|MORTGAGE|COMMERCIAL|STUDENT|MILITARY|SMB|CONSTR|HOMEEQUITY")]
+    transaction_list = "LOANTRANLIST"
+    transaction = "LOANSTMTTRN"
+    closing = "LOANCLOSING"
+    line = 5000000  # the credit line of a home equity loan
+
+    def begin(self, ctx):
+        ctx.loan = Mortgage(ctx.seed)
+        ctx.paid = ctx.loan.paid_by(ctx.start - datetime.timedelta(days=1))
+
+    def entry(self, ctx, i, count, day, fitid):
+        loan = ctx.loan
+        if i % 6 == 5:
+            return [("LOANTRNTYPE", "LATE"), ("DTPOSTED", stamp(day)), ("TRNAMT", money(-4500)), ("FITID", fitid),
+                    ("NAME", "Late charge")]
+        ctx.paid += 1
+        principal, interest = loan.split(ctx.paid)
+        return [("LOANTRNTYPE", "PAYMENT"), ("DTPOSTED", stamp(day)), ("DTUSER", stamp(day, "000000")),
+                ("TRNAMT", money(loan.payment + loan.escrow)),
+                ("LOANTRNAMT", [("PRINAMT", money(principal)), ("INTAMT", money(interest)), loan.escrow_amount()]),
+                ("FITID", fitid), ("NAME", "Monthly payment"), ("MEMO", "Payment %d of %d" % (ctx.paid, loan.TERM))]
+
+    def balances(self, ctx):
+        loan, owed = ctx.loan, ctx.loan.balance(ctx.paid)
+        january = loan.balance(loan.paid_by(datetime.date(ctx.end.year, 1, 1)) - 1)
+        available = self.line - owed if ctx.fields["LOANACCTTYPE"] == "HOMEEQUITY" else 0
+        return [("PRINBAL", [("BALAMT", money(owed)), ("DTASOF", stamp(ctx.end, "235959")),
+                             ("PRINYTD", money(max(0, january - owed))), ("PRINLTD", money(loan.principal - owed))]),
+                balance("AVAILBAL", max(0, available), ctx.end),
+                ("MKTGINFO", "Refinance from 5.49% APR: ask us.")]
+
+    def closing_record(self, ctx, month, last, following):
+        loan = ctx.loan
+        k = loan.paid_by(month)  # the payment of the first of this month
+        principal, interest = loan.split(k + 1)
+        january = loan.paid_by(datetime.date(month.year, 1, 1))
+        interest_ytd = (k - january + 1) * loan.payment - (loan.balance(january - 1) - loan.balance(k))
+        due = stamp(following, "000000")
+        return [("BALOPEN", money(loan.balance(k - 1))), ("BALCLOSE", money(loan.balance(k))), ("DTPMTDUE", due),
+                ("LOANPMT", [("PMTAMT", money(loan.payment + loan.escrow)), ("DTPMTDUE", due),
+                             ("PRINAMT", money(principal)), ("INTAMT", money(interest)), loan.escrow_amount()]),
+                ("LOANINT", [("LOANINTYTD", money(interest_ytd))]), ("LOANIRATE", [("LOANINTRATE", "6.25")])]
+
+
+FAMILIES = [BankStatements(), CardStatements(), LoanStatements()]
+REQUESTS = {name: family for family in FAMILIES for name in family.requests()}
 
 
 class Bank:
@@ -360,101 +698,17 @@ class Bank:
         for request in message_set.children:
             if not request.name.endswith("TRNRQ"):
                 continue
-            name = request.name[:-2] + "RS"
+            family = REQUESTS.get(request.name)
+            rq = family.check(request, message_set) if family is not None else None
             parts = [("TRNUID", request.text("TRNUID"))]
             if self.scenario.name == "error":
-                out.append((name, parts + [self.scenario.trn_status]))
-                continue
-            if request.name == "STMTTRNRQ":
-                parts += self.statement(request)
-            elif request.name == "STMTENDTRNRQ":
-                parts += self.closing(request)
+                parts.append(self.scenario.trn_status)
+            elif family is not None:
+                parts += [self.scenario.trn_status or status(), family.answer(request, rq, self.scenario)]
             else:
                 parts.append(status())
-            out.append((name, parts))
+            out.append((request.name[:-2] + "RS", parts))
         return out
-
-    def range_of(self, rq):
-        end = day_of(rq.text("DTEND"), datetime.date.today())
-        start = day_of(rq.text("DTSTART"), end - datetime.timedelta(days=30))
-        return start, end
-
-    def account(self, rq):
-        node = rq.child("BANKACCTFROM")
-        if node is None:
-            raise BadRequest("%s lacks BANKACCTFROM" % rq.name)
-        return [(c.name, c.value or "") for c in node.children if c.value is not None]
-
-    def statement(self, trnrq):
-        rq = trnrq.child("STMTRQ")
-        if rq is None:
-            raise BadRequest("STMTTRNRQ lacks <STMTRQ>")
-        inctran = rq.child("INCTRAN")
-        dates = inctran if inctran is not None else rq
-        start, end = self.range_of(dates)
-        account = self.account(rq)
-        account_id = dict(account).get("ACCTID", "")
-        seed = sum(account_id.encode()) + sum(dict(account).get("BANKID", "").encode())
-        images = rq.text("INCTRANIMG") == "Y"
-        transactions = []
-        total = 0
-        count = self.scenario.transactions
-        span = (end - start).days
-        for i in range(count):
-            cents = (seed * 7919 + i * 104729) % 200001 - 100000
-            total += cents
-            day = start + datetime.timedelta(days=(span * (i + 1)) // (count + 1))
-            kind = "CHECK" if i % 5 == 4 else ("CREDIT" if cents > 0 else "DEBIT")
-            if kind == "CHECK" and cents > 0:
-                cents = -cents
-            fitid = "%s-%s-%05d" % (account_id, day.strftime("%Y%m%d"), i + 1)
-            t = [("TRNTYPE", kind), ("DTPOSTED", stamp(day)), ("DTUSER", stamp(day, "000000")),
-                 ("TRNAMT", money(cents)), ("FITID", fitid)]
-            if kind == "CHECK":
-                t.append(("CHECKNUM", str(1000 + i)))
-            t.append(("NAME", PAYEES[(seed + i) % len(PAYEES)]))
-            if i % 2 == 0:
-                t.append(("MEMO", "Transaction %d of %d" % (i + 1, count)))
-            if images:
-                t.append(("IMAGEDATA", [("IMAGETYPE", "STATEMENT"), ("IMAGEREF", "img-" + fitid + ".png"),
-                                        ("IMAGEREFTYPE", "OPAQUE")]))
-            transactions.append(("STMTTRN", t))
-        ledger = 100000 + total
-        body = [("CURDEF", "USD"), ("BANKACCTFROM", account)]
-        if rq.text("INCTRAN/INCLUDE") == "Y":
-            body.append(("BANKTRANLIST", [("DTSTART", dates.text("DTSTART") or stamp(start, "000000")),
-                                          ("DTEND", dates.text("DTEND") or stamp(end, "235959"))] + transactions))
-        body.append(("LEDGERBAL", [("BALAMT", money(ledger)), ("DTASOF", stamp(end, "235959"))]))
-        body.append(("AVAILBAL", [("BALAMT", money(ledger - 2500)), ("DTASOF", stamp(end, "235959"))]))
-        return [self.scenario.trn_status or status(), ("STMTRS", body)]
-
-    def closing(self, trnrq):
-        rq = trnrq.child("STMTENDRQ")
-        if rq is None:
-            raise BadRequest("STMTENDTRNRQ lacks <STMTENDRQ>")
-        start, end = self.range_of(rq)
-        account = self.account(rq)
-        account_id = dict(account).get("ACCTID", "")
-        closings = []
-        balance = 100000
-        month = datetime.date(start.year, start.month, 1)
-        while month <= end and len(closings) < 24:
-            following = datetime.date(month.year + month.month // 12, month.month % 12 + 1, 1)
-            last = following - datetime.timedelta(days=1)
-            credits = (sum(account_id.encode()) * 31 + month.month * 1013) % 50000
-            debits = (month.toordinal() * 17) % 40000
-            fees, interest = 500, 12
-            close = balance + credits - debits - fees + interest
-            tag = month.strftime("%Y%m")
-            closings.append(("CLOSING", [("FITID", "CL-%s-%s" % (account_id, tag)), ("DTOPEN", stamp(month, "000000")),
-                 ("DTCLOSE", stamp(last, "235959")), ("DTNEXT", stamp(following, "000000")),
-                 ("BALOPEN", money(balance)), ("BALCLOSE", money(close)), ("DEPANDCREDIT", money(credits)),
-                 ("CHKANDDEB", money(-debits)), ("TOTALFEES", money(-fees)), ("TOTALINT", money(interest)),
-                 ("DTPOSTSTART", stamp(month, "000000")), ("DTPOSTEND", stamp(last, "235959"))]))
-            balance = close
-            month = following
-        return [self.scenario.trn_status or status(),
-                ("STMTENDRS", [("CURDEF", "USD"), ("BANKACCTFROM", account)] + closings)]
 
 
 def png(comment):
