@@ -7,8 +7,9 @@ namespace orvelan {
 namespace {
 
 constexpr const char* kAccountTags[] = {"BANKID", "ACCTID", "ACCTTYPE"};
-constexpr StatementLayout kLayout = {MessageSetTable::kStatement, "BANKACCTFROM", kAccountTags, 3, true, true, nullptr,
-                                     "BANKTRANLIST", "STMTTRN", "CLOSING", "0"};
+constexpr StatementLayout kLayout = {
+    MessageSetTable::kStatement, "BANKACCTFROM", kAccountTags, 3, /*second_version=*/true,
+    /*transaction_images=*/true, /*forced_version=*/nullptr, "BANKTRANLIST", "STMTTRN", "CLOSING", "0"};
 
 constexpr char kTextBankIdMissing[] = "Missing required field: Bank Id is missing in the request.";
 constexpr char kTextAccountIdMissing[] = "Missing required field: Account Number is missing in the request.";
@@ -17,7 +18,7 @@ constexpr char kTextInvalidAccountType[] = "AccountType is invalid.";
 }  // namespace
 
 const char* const BankStatementService::kAccountTypeNames[kAccountTypeCount] = {"CHECKING", "SAVINGS", "MONEYMRKT",
-                                                                               "CREDITLINE"};
+                                                                                "CREDITLINE"};
 
 BankStatementService::BankStatementService() : StatementServiceBase(kLayout) {}
 

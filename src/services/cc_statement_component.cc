@@ -83,10 +83,10 @@ std::vector<PropertyDef<S>> Properties() {
 
 const ComponentTables<CCStatementService>& CCStatementTables() {
   static const ComponentTables<CCStatementService> tables(
-      Properties(), StatementMethods<S>({CCSTATEMENT_METHOD_CONFIG, CCSTATEMENT_METHOD_GETCLOSINGINFO,
-                                         CCSTATEMENT_METHOD_GETIMAGE, CCSTATEMENT_METHOD_GETSTATEMENT,
-                                         CCSTATEMENT_METHOD_READOFXDATAFILE, CCSTATEMENT_METHOD_RESET,
-                                         CCSTATEMENT_METHOD_WRITEOFXDATAFILE}));
+      Properties(),
+      StatementMethods<S>({CCSTATEMENT_METHOD_CONFIG, CCSTATEMENT_METHOD_GETCLOSINGINFO, CCSTATEMENT_METHOD_GETIMAGE,
+                           CCSTATEMENT_METHOD_GETSTATEMENT, CCSTATEMENT_METHOD_READOFXDATAFILE,
+                           CCSTATEMENT_METHOD_RESET, CCSTATEMENT_METHOD_WRITEOFXDATAFILE}));
   return tables;
 }
 

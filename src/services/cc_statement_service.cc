@@ -6,17 +6,9 @@ namespace orvelan {
 namespace {
 
 constexpr const char* kAccountTags[] = {"ACCTID"};
-constexpr StatementLayout kLayout = {MessageSetTable::kCreditCardStatement,
-                                     "CCACCTFROM",
-                                     kAccountTags,
-                                     1,
-                                     false,
-                                     false,
-                                     nullptr,
-                                     "BANKTRANLIST",
-                                     "STMTTRN",
-                                     "CCCLOSING",
-                                     "0"};
+constexpr StatementLayout kLayout = {
+    MessageSetTable::kCreditCardStatement, "CCACCTFROM", kAccountTags, 1, /*second_version=*/false,
+    /*transaction_images=*/false, /*forced_version=*/nullptr, "BANKTRANLIST", "STMTTRN", "CCCLOSING", "0"};
 
 constexpr char kTextCardNumberMissing[] = "Missing required field: CC Account Number is missing in the request.";
 constexpr char kTextNoImages[] = "Transaction Images are not available for Credit Card statements.";

@@ -45,7 +45,8 @@ void AppendCommonRows(std::vector<PropertyDef<S>>& pool) {
   const auto add = [&pool](PropertyDef<S> def) { pool.push_back(def); };
   add(P::template Text<&OFXClient::FIId, &OFXClient::SetFIId>(0, "FIId", ""));
   add(P::template Text<&OFXClient::FIOrganization, &OFXClient::SetFIOrganization>(0, "FIOrganization", ""));
-  add(P::template Bool<&TcpClient::FirewallAutoDetect, &TcpClient::SetFirewallAutoDetect>(0, "FirewallAutoDetect", true, false));
+  add(P::template Bool<&TcpClient::FirewallAutoDetect, &TcpClient::SetFirewallAutoDetect>(0, "FirewallAutoDetect", true,
+                                                                                          false));
   add(P::template Int<&TcpClient::FirewallType, &TcpClient::SetFirewallType>(0, "FirewallType", true, 0));
   add(P::template Text<&TcpClient::FirewallHost, &TcpClient::SetFirewallHost>(0, "FirewallHost", ""));
   add(P::template Text<&TcpClient::FirewallPassword, &TcpClient::SetFirewallPassword>(0, "FirewallPassword", ""));
@@ -63,15 +64,16 @@ void AppendCommonRows(std::vector<PropertyDef<S>>& pool) {
   add(P::template Text<&OFXClient::OFXResponse, &OFXClient::SetOFXResponse>(0, "OFXResponse"));
   add(P::template Text<&OFXClient::OFXUser, &OFXClient::SetOFXUser>(0, "OFXUser", ""));
   add(P::template Text<&OFXClient::OFXVersion, &OFXClient::SetOFXVersion>(0, "OFXVersion", "102"));
-  add(P::template Bytes<&TlsChannel::SSLAcceptServerCertEncoded, &TlsChannel::SetSSLAcceptServerCertEncoded>(0, "SSLAcceptServerCertEncoded", "", 0));
+  add(P::template Bytes<&TlsChannel::SSLAcceptServerCertEncoded, &TlsChannel::SetSSLAcceptServerCertEncoded>(
+      0, "SSLAcceptServerCertEncoded", "", 0));
   add(P::template Bytes<&TlsChannel::SSLCertEncoded, &TlsChannel::SetSSLCertEncoded>(0, "SSLCertEncoded", "", 0));
   add(P::template Bytes<&TlsChannel::SSLCertStore, &TlsChannel::SetSSLCertStore>(0, "SSLCertStore", "MY", 2));
-  add(P::template Text<&TlsChannel::SSLCertStorePassword, &TlsChannel::SetSSLCertStorePassword>(0, "SSLCertStorePassword", ""));
+  add(P::template Text<&TlsChannel::SSLCertStorePassword, &TlsChannel::SetSSLCertStorePassword>(
+      0, "SSLCertStorePassword", ""));
   add(P::template Int<&TlsChannel::SSLCertStoreType, &TlsChannel::SetSSLCertStoreType>(0, "SSLCertStoreType", true, 0));
   add(P::template Text<&TlsChannel::SSLCertSubject, &TlsChannel::SetSSLCertSubject>(0, "SSLCertSubject", ""));
   add(P::template Bytes<&TlsChannel::SSLServerCertEncoded>(0, "SSLServerCertEncoded"));
-  add(P::template Int<&SocketCore::Timeout, &SocketCore::SetTimeout>(0, "Timeout", true,
-                                                                                  kDefaultTimeoutSeconds));
+  add(P::template Int<&SocketCore::Timeout, &SocketCore::SetTimeout>(0, "Timeout", true, kDefaultTimeoutSeconds));
 }
 
 }  // namespace orvelan

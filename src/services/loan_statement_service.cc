@@ -7,17 +7,10 @@ namespace orvelan {
 namespace {
 
 constexpr const char* kAccountTags[] = {"LOANACCTID", "LOANACCTTYPE"};
-constexpr StatementLayout kLayout = {MessageSetTable::kLoanStatement,
-                                     "LOANACCTFROM",
-                                     kAccountTags,
-                                     2,
-                                     false,
-                                     true,
-                                     "211",
-                                     "LOANTRANLIST",
-                                     "LOANSTMTTRN",
-                                     "LOANCLOSING",
-                                     ""};
+// The balances of a cleared loan response read empty, not "0".
+constexpr StatementLayout kLayout = {
+    MessageSetTable::kLoanStatement, "LOANACCTFROM", kAccountTags, 2, /*second_version=*/false,
+    /*transaction_images=*/true, /*forced_version=*/"211", "LOANTRANLIST", "LOANSTMTTRN", "LOANCLOSING", ""};
 
 constexpr char kTextAccountIdMissing[] = "Missing required field: Loan Account Number is missing in the request.";
 constexpr char kTextInvalidAccountType[] = "AccountType is invalid.";

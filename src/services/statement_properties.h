@@ -56,15 +56,13 @@ std::vector<PropertyDef<S>> StatementRows() {
       P::template IndexedText<&B::ClosingDate<C::kDateStart>, &B::CheckClosingIndex>(0, "ClosingInfoDateStart"),
       P::template IndexedText<&B::ClosingText<C::kFITID>, &B::CheckClosingIndex>(0, "ClosingInfoFITID"),
       P::template IndexedText<&B::ClosingText<C::kImageRef>, &B::CheckClosingIndex>(0, "ClosingInfoImageRef"),
-      P::template IndexedText<&B::ClosingText<C::kImageRefType>, &B::CheckClosingIndex>(0,
-                                                                                        "ClosingInfoImageRefType"),
+      P::template IndexedText<&B::ClosingText<C::kImageRefType>, &B::CheckClosingIndex>(0, "ClosingInfoImageRefType"),
       P::template IndexedText<&B::ClosingAmount<C::kPaymentDue>, &B::CheckClosingIndex>(0, "ClosingInfoPaymentDue"),
-      P::template IndexedText<&B::ClosingAmount<C::kTotalCredits>, &B::CheckClosingIndex>(0,
-                                                                                         "ClosingInfoTotalCredits"),
+      P::template IndexedText<&B::ClosingAmount<C::kTotalCredits>, &B::CheckClosingIndex>(0, "ClosingInfoTotalCredits"),
       P::template IndexedText<&B::ClosingAmount<C::kTotalDebits>, &B::CheckClosingIndex>(0, "ClosingInfoTotalDebits"),
       P::template IndexedText<&B::ClosingAmount<C::kTotalFees>, &B::CheckClosingIndex>(0, "ClosingInfoTotalFees"),
       P::template IndexedText<&B::ClosingAmount<C::kTotalInterest>, &B::CheckClosingIndex>(0,
-                                                                                          "ClosingInfoTotalInterest"),
+                                                                                           "ClosingInfoTotalInterest"),
   };
   pool.insert(pool.end(), std::begin(rows), std::end(rows));
   return pool;
@@ -91,9 +89,11 @@ std::vector<MethodDef<S>> StatementMethods(const StatementMethodIds& ids) {
          return rc;
        }},
       {ids.get_statement, "GetStatement", [](S& s, MethodCall<S>&) { return s.GetStatement(); }},
-      {ids.read_ofx_data_file, "ReadOFXDataFile", [](S& s, MethodCall<S>& call) { return s.ReadOFXDataFile(call.Text(0)); }},
+      {ids.read_ofx_data_file, "ReadOFXDataFile",
+       [](S& s, MethodCall<S>& call) { return s.ReadOFXDataFile(call.Text(0)); }},
       {ids.reset, "Reset", [](S& s, MethodCall<S>&) { return s.Reset(); }},
-      {ids.write_ofx_data_file, "WriteOFXDataFile", [](S& s, MethodCall<S>& call) { return s.WriteOFXDataFile(call.Text(0)); }},
+      {ids.write_ofx_data_file, "WriteOFXDataFile",
+       [](S& s, MethodCall<S>& call) { return s.WriteOFXDataFile(call.Text(0)); }},
   };
 }
 

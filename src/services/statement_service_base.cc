@@ -122,16 +122,16 @@ int StatementServiceBase::BuildMessageSets(ByteString& out, bool wrapped) {
 
 int StatementServiceBase::ParseResponse() {
   MarkupDocument& doc = Document();
+  // BANKMSGSRSV1, or V2 where the statement allows it; neither: stay.
   ByteString set;
-  set.Append(MessageSetTable::MessageSet(layout_.message_set));
-  set.Append("MSGSRSV1");
-  if (doc.HasPath(set.View())) {
+  for (char version : {'1', '2'}) {
+    if (version == '2' && !layout_.second_version) break;
+    set.Assign(MessageSetTable::MessageSet(layout_.message_set));
+    set.Append("MSGSRSV");
+    set.AppendChar(version);
+    if (!doc.HasPath(set.View())) continue;
     if (int rc = Select(doc, set.View()); rc != kOk) return rc;
-  } else if (layout_.second_version) {
-    set.MutableData()[set.Length() - 1] = '2';
-    if (doc.HasPath(set.View())) {
-      if (int rc = Select(doc, set.View()); rc != kOk) return rc;
-    }
+    break;
   }
   ByteString prefix, probe;
   prefix.Append(MessageSetTable::RequestKind(layout_.message_set));
@@ -151,6 +151,7 @@ int StatementServiceBase::ParseResponse() {
   return ParseTransactions(doc, prefix);
 }
 
+// A document whose root is the wrapper itself names it from the root.
 int StatementServiceBase::CheckWrapperStatus(MarkupDocument& doc, const ByteString& wrapper) {
   if (std::strcmp(doc.ElementName(), wrapper.Data()) != 0) return CheckStatus(wrapper.View());
   ByteString rooted;
@@ -174,26 +175,24 @@ int StatementServiceBase::ReadRecords(MarkupDocument& doc, const char* name, Ite
   }
 }
 
-int StatementServiceBase::ParseClosingInfo(MarkupDocument& doc, const ByteString& prefix) {
+int StatementServiceBase::EnterResponse(MarkupDocument& doc, const ByteString& prefix) {
   ByteString path(prefix);
   path.Append("TRNRS");
   if (int rc = CheckWrapperStatus(doc, path); rc != kOk) return rc;
   path.Assign(prefix);
   path.Append("RS/CURDEF");
   if (int rc = ReadResponseValue(currency_code_, doc, path.View(), true); rc != kOk) return rc;
-  if (int rc = Select(doc, ".."); rc != kOk) return rc;
+  return Select(doc, "..");
+}
+
+int StatementServiceBase::ParseClosingInfo(MarkupDocument& doc, const ByteString& prefix) {
+  if (int rc = EnterResponse(doc, prefix); rc != kOk) return rc;
   if (int rc = ReadAccount(doc, true); rc != kOk) return rc;
   return ReadRecords(doc, layout_.closing_record, closings_);
 }
 
 int StatementServiceBase::ParseTransactions(MarkupDocument& doc, const ByteString& prefix) {
-  ByteString path(prefix);
-  path.Append("TRNRS");
-  if (int rc = CheckWrapperStatus(doc, path); rc != kOk) return rc;
-  path.Assign(prefix);
-  path.Append("RS/CURDEF");
-  if (int rc = ReadResponseValue(currency_code_, doc, path.View(), true); rc != kOk) return rc;
-  if (int rc = Select(doc, ".."); rc != kOk) return rc;
+  if (int rc = EnterResponse(doc, prefix); rc != kOk) return rc;
   if (int rc = ReadAccount(doc, false); rc != kOk) return rc;
   if (int rc = ReadBalances(doc); rc != kOk) return rc;
   if (!doc.HasPath(layout_.transaction_list)) return kOk;

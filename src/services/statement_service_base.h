@@ -15,8 +15,8 @@
 // describes its request and response with a StatementLayout and fills in its
 // account through the hooks below:
 //
-//   class CardStatementService : public StatementServiceBase {
-//     CardStatementService() : StatementServiceBase(kCardLayout) {}
+//   class CCStatementService : public StatementServiceBase {
+//     CCStatementService() : StatementServiceBase(kLayout) {}
 //     void AccountValues(std::string_view* values) override { values[0] = card_number_.View(); }
 //     int CheckRequiredInputs() override;
 //     int ReadAccount(MarkupDocument& doc, bool closing) override;
@@ -31,10 +31,10 @@ struct StatementLayout {
   const char* account_aggregate;    // "BANKACCTFROM"
   const char* const* account_tags;  // its elements, in request order
   int32_t account_tag_count;
-  bool second_version;            // a response may use the V2 message set too
-  bool transaction_images;        // the transaction request can ask for images
-  const char* forced_version;     // every download uses this OFXVersion; null: the host's
-  const char* transaction_list;   // "BANKTRANLIST"
+  bool second_version;             // a response may use the V2 message set too
+  bool transaction_images;         // the transaction request can ask for images
+  const char* forced_version;      // every download uses this OFXVersion; null: the host's
+  const char* transaction_list;    // "BANKTRANLIST"
   const char* transaction_record;  // "STMTTRN"
   const char* closing_record;      // "CLOSING"
   const char* empty_balance;       // the balances of a cleared response
@@ -156,6 +156,9 @@ class StatementServiceBase : public OFXClient {
   int ParseTransactions(MarkupDocument& doc, const ByteString& prefix);
   // The status of `wrapper`, also when the document's root is the wrapper.
   int CheckWrapperStatus(MarkupDocument& doc, const ByteString& wrapper);
+  // The status of prefix + "TRNRS", then prefix + "RS/CURDEF"; the cursor
+  // ends on the statement response (prefix + "RS").
+  int EnterResponse(MarkupDocument& doc, const ByteString& prefix);
   // Appends one record per "name[n]" below the cursor until one is missing.
   template <class Record>
   int ReadRecords(MarkupDocument& doc, const char* name, ItemList<Record>& list);

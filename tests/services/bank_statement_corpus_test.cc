@@ -137,9 +137,9 @@ TEST(BankStatementCorpusTest, EveryBankStatementReadsAsScanned) {
 TEST(BankStatementCorpusTest, EveryCardStatementReadsAsScanned) {
   if (CorpusFiles().empty()) GTEST_SKIP() << "no corpus";
   const int statements = CheckCorpus<CCStatementComponent>(
-      kCard, {CCSTATEMENT_PROP_CURRENCYCODE, CCSTATEMENT_PROP_CARDNUMBER, CCSTATEMENT_PROP_LEDGERBALANCE,
-              CCSTATEMENT_PROP_TXCOUNT, CCSTATEMENT_PROP_TXFITID, CCSTATEMENT_PROP_TXAMOUNT,
-              CCSTATEMENT_PROP_TXDATEPOSTED});
+      kCard,
+      {CCSTATEMENT_PROP_CURRENCYCODE, CCSTATEMENT_PROP_CARDNUMBER, CCSTATEMENT_PROP_LEDGERBALANCE,
+       CCSTATEMENT_PROP_TXCOUNT, CCSTATEMENT_PROP_TXFITID, CCSTATEMENT_PROP_TXAMOUNT, CCSTATEMENT_PROP_TXDATEPOSTED});
   EXPECT_GE(statements, 1) << "the corpus should hold a card statement";
 }
 
