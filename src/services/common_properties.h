@@ -39,6 +39,7 @@ void AppendNamedRows(std::vector<PropertyDef<S>>& table, const std::vector<Prope
 
 inline constexpr int kDefaultTimeoutSeconds = 60;
 
+// Adds the common rows, numbered 0, with their defaults at creation.
 template <class S>
 void AppendCommonRows(std::vector<PropertyDef<S>>& pool) {
   using P = PropertyBuilder<S>;

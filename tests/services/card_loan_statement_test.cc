@@ -178,6 +178,13 @@ TEST(CardLoanStatementTest, LoanFailures) {
 }
 
 TEST(CardLoanStatementTest, EveryIndexedPropertyChecksItsIndex) {
+  // Every id from 1 names one property, and no name came twice.
+  const auto complete = [](const auto& tables, int count) {
+    EXPECT_EQ(tables.Properties().size(), static_cast<size_t>(count));
+    for (int id = 1; id <= count; ++id) EXPECT_NE(tables.Property(id), nullptr) << id;
+  };
+  complete(CCStatementTables(), 62);
+  complete(LoanStatementTables(), 66);
   Card card;
   Loan loan;
   ASSERT_EQ(card.Respond(kCard), 0) << card.GetLastError();
