@@ -1,6 +1,6 @@
 // Reads every bank and card statement among the real-world OFX files and
-// checks what the components report against values scanned from the raw text by a naive
-// reader that knows nothing of the library's parser.
+// checks what the components report against values scanned from the raw text
+// by a naive reader that knows nothing of the library's parser.
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
@@ -38,14 +38,18 @@ struct ScannedStatement {
   std::vector<ScannedTransaction> transactions;
 };
 
-// Where one kind of statement lives: its message set, wrapper and response.
+// Where one kind of statement lives (message set, wrapper, response) and the
+// component's ids of what the check reads.
 struct Kind {
-  const char* set;
-  const char* wrapper;
-  const char* response;
+  const char *set, *wrapper, *response;
+  int currency, account, ledger, tx_count, tx_fitid, tx_amount, tx_date_posted;
 };
-constexpr Kind kBank = {"BANKMSGSRSV1", "STMTTRNRS", "STMTRS"};
-constexpr Kind kCard = {"CREDITCARDMSGSRSV1", "CCSTMTTRNRS", "CCSTMTRS"};
+constexpr Kind kBank = {"BANKMSGSRSV1", "STMTTRNRS", "STMTRS", BANKSTATEMENT_PROP_CURRENCYCODE,
+                        BANKSTATEMENT_PROP_ACCOUNTID, BANKSTATEMENT_PROP_LEDGERBALANCE, BANKSTATEMENT_PROP_TXCOUNT,
+                        BANKSTATEMENT_PROP_TXFITID, BANKSTATEMENT_PROP_TXAMOUNT, BANKSTATEMENT_PROP_TXDATEPOSTED};
+constexpr Kind kCard = {"CREDITCARDMSGSRSV1", "CCSTMTTRNRS", "CCSTMTRS", CCSTATEMENT_PROP_CURRENCYCODE,
+                        CCSTATEMENT_PROP_CARDNUMBER, CCSTATEMENT_PROP_LEDGERBALANCE, CCSTATEMENT_PROP_TXCOUNT,
+                        CCSTATEMENT_PROP_TXFITID, CCSTATEMENT_PROP_TXAMOUNT, CCSTATEMENT_PROP_TXDATEPOSTED};
 
 // Only the kind's own message set counts: a file may carry another statement too.
 ScannedStatement Scan(const std::string& text, const Kind& kind) {
@@ -86,11 +90,6 @@ void ExpectSameAmount(const std::string& shown, const std::string& raw) {
   EXPECT_DOUBLE_EQ(std::strtod(shown.c_str(), nullptr), std::strtod(raw.c_str(), nullptr)) << shown << " vs " << raw;
 }
 
-// The ids a check reads; they differ between the components.
-struct Ids {
-  int currency, account, ledger, tx_count, tx_fitid, tx_amount, tx_date_posted;
-};
-
 template <class Component>
 std::string Text(Component& c, int id, int index = 0) {
   const char* text = static_cast<const char*>(c.Get(id, index, nullptr));
@@ -99,7 +98,7 @@ std::string Text(Component& c, int id, int index = 0) {
 
 // The number of statements of `kind` read and checked.
 template <class Component>
-int CheckCorpus(const Kind& kind, const Ids& ids) {
+int CheckCorpus(const Kind& kind) {
   int statements = 0;
   for (const auto& [name, path] : CorpusFiles()) {
     const ScannedStatement expected = Scan(Slurp(path), kind);
@@ -110,37 +109,25 @@ int CheckCorpus(const Kind& kind, const Ids& ids) {
     void* params[1] = {const_cast<char*>(path.c_str())};
     int lengths[1] = {0};
     EXPECT_EQ(c.Do(6, 1, params, lengths), 0) << c.service().GetLastError();
-    EXPECT_EQ(Text(c, ids.currency), expected.currency);
-    EXPECT_EQ(Text(c, ids.account), expected.account_id);
-    ExpectSameAmount(Text(c, ids.ledger), expected.ledger_balance);
-    const intptr_t count = reinterpret_cast<intptr_t>(c.Get(ids.tx_count, 0, nullptr));
+    EXPECT_EQ(Text(c, kind.currency), expected.currency);
+    EXPECT_EQ(Text(c, kind.account), expected.account_id);
+    ExpectSameAmount(Text(c, kind.ledger), expected.ledger_balance);
+    const intptr_t count = reinterpret_cast<intptr_t>(c.Get(kind.tx_count, 0, nullptr));
     EXPECT_EQ(count, static_cast<intptr_t>(expected.transactions.size()));
     for (int i = 0; i < count && i < static_cast<int>(expected.transactions.size()); ++i) {
       const ScannedTransaction& t = expected.transactions[static_cast<size_t>(i)];
-      EXPECT_EQ(Text(c, ids.tx_fitid, i), t.fitid) << i;
-      ExpectSameAmount(Text(c, ids.tx_amount, i), t.amount);
-      ExpectSameDay(Text(c, ids.tx_date_posted, i), t.date_posted);
+      EXPECT_EQ(Text(c, kind.tx_fitid, i), t.fitid) << i;
+      ExpectSameAmount(Text(c, kind.tx_amount, i), t.amount);
+      ExpectSameDay(Text(c, kind.tx_date_posted, i), t.date_posted);
     }
   }
   return statements;
 }
 
-TEST(BankStatementCorpusTest, EveryBankStatementReadsAsScanned) {
+TEST(BankStatementCorpusTest, EveryBankAndCardStatementReadsAsScanned) {
   if (CorpusFiles().empty()) GTEST_SKIP() << "no corpus";
-  const int statements = CheckCorpus<BankStatementComponent>(
-      kBank, {BANKSTATEMENT_PROP_CURRENCYCODE, BANKSTATEMENT_PROP_ACCOUNTID, BANKSTATEMENT_PROP_LEDGERBALANCE,
-              BANKSTATEMENT_PROP_TXCOUNT, BANKSTATEMENT_PROP_TXFITID, BANKSTATEMENT_PROP_TXAMOUNT,
-              BANKSTATEMENT_PROP_TXDATEPOSTED});
-  EXPECT_GE(statements, 5) << "the corpus should hold several bank statements";
-}
-
-TEST(BankStatementCorpusTest, EveryCardStatementReadsAsScanned) {
-  if (CorpusFiles().empty()) GTEST_SKIP() << "no corpus";
-  const int statements = CheckCorpus<CCStatementComponent>(
-      kCard,
-      {CCSTATEMENT_PROP_CURRENCYCODE, CCSTATEMENT_PROP_CARDNUMBER, CCSTATEMENT_PROP_LEDGERBALANCE,
-       CCSTATEMENT_PROP_TXCOUNT, CCSTATEMENT_PROP_TXFITID, CCSTATEMENT_PROP_TXAMOUNT, CCSTATEMENT_PROP_TXDATEPOSTED});
-  EXPECT_GE(statements, 1) << "the corpus should hold a card statement";
+  EXPECT_GE(CheckCorpus<BankStatementComponent>(kBank), 5) << "the corpus should hold several bank statements";
+  EXPECT_GE(CheckCorpus<CCStatementComponent>(kCard), 1) << "the corpus should hold a card statement";
 }
 
 }  // namespace
