@@ -30,14 +30,14 @@ struct StatementLayout {
   MessageSetTable::Kind message_set;
   const char* account_aggregate;    // "BANKACCTFROM"
   const char* const* account_tags;  // its elements, in request order
-  int32_t account_tag_count;
-  bool second_version;             // a response may use the V2 message set too
-  bool transaction_images;         // the transaction request can ask for images
-  const char* forced_version;      // every download uses this OFXVersion; null: the host's
-  const char* transaction_list;    // "BANKTRANLIST"
-  const char* transaction_record;  // "STMTTRN"
-  const char* closing_record;      // "CLOSING"
-  const char* empty_balance;       // the balances of a cleared response
+  int32_t account_tag_count;        // at most StatementServiceBase::kMaxAccountTags
+  bool second_version;              // a response may use the V2 message set too
+  bool transaction_images;          // the transaction request can ask for images
+  const char* forced_version;       // every download uses this OFXVersion; null: the host's
+  const char* transaction_list;     // "BANKTRANLIST"
+  const char* transaction_record;   // "STMTTRN"
+  const char* closing_record;       // "CLOSING"
+  const char* empty_balance;        // the balances of a cleared response
 };
 
 class StatementServiceBase : public OFXClient {
