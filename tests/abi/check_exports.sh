@@ -22,9 +22,11 @@ if [ -n "$unexpected" ]; then
   status=1
 fi
 
-for op in StaticInit StaticDestroy Create Destroy CheckIndex Get Set GetLastError GetLastErrorCode Do; do
-  "$nm_tool" -D --defined-only "$lib" | awk '{print $NF}' | grep -q -x "BankStatement_$op" \
-    || { echo "missing export BankStatement_$op"; status=1; }
+for component in BankStatement CCStatement LoanStatement; do
+  for op in StaticInit StaticDestroy Create Destroy CheckIndex Get Set GetLastError GetLastErrorCode Do; do
+    "$nm_tool" -D --defined-only "$lib" | awk '{print $NF}' | grep -q -x "${component}_$op" \
+      || { echo "missing export ${component}_$op"; status=1; }
+  done
 done
 "$nm_tool" -D --defined-only "$lib" | awk '{print $NF}' | grep -q -x atof || { echo "missing export atof"; status=1; }
 

@@ -1,6 +1,6 @@
-// Reads every bank statement among the real-world OFX files and checks what
-// the component reports against values scanned from the raw text by a naive
-// reader that knows nothing of the library's parser.
+// Reads every bank and card statement among the real-world OFX files and
+// checks what the components report against values scanned from the raw text
+// by a naive reader that knows nothing of the library's parser.
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "services/bank_statement_component.h"
+#include "services/cc_statement_component.h"
 #include "support/test_ofx_service.h"
 
 namespace orvelan {
@@ -32,21 +33,34 @@ struct ScannedTransaction {
 };
 
 struct ScannedStatement {
-  bool is_bank_statement = false;
+  bool found = false;
   std::string currency, account_id, ledger_balance;
   std::vector<ScannedTransaction> transactions;
 };
 
-// Only the bank message set counts: a file may carry a card statement too.
-ScannedStatement Scan(const std::string& text) {
+// Where one kind of statement lives (message set, wrapper, response) and the
+// component's ids of what the check reads.
+struct Kind {
+  const char *set, *wrapper, *response;
+  int currency, account, ledger, tx_count, tx_fitid, tx_amount, tx_date_posted;
+};
+constexpr Kind kBank = {"BANKMSGSRSV1", "STMTTRNRS", "STMTRS", BANKSTATEMENT_PROP_CURRENCYCODE,
+                        BANKSTATEMENT_PROP_ACCOUNTID, BANKSTATEMENT_PROP_LEDGERBALANCE, BANKSTATEMENT_PROP_TXCOUNT,
+                        BANKSTATEMENT_PROP_TXFITID, BANKSTATEMENT_PROP_TXAMOUNT, BANKSTATEMENT_PROP_TXDATEPOSTED};
+constexpr Kind kCard = {"CREDITCARDMSGSRSV1", "CCSTMTTRNRS", "CCSTMTRS", CCSTATEMENT_PROP_CURRENCYCODE,
+                        CCSTATEMENT_PROP_CARDNUMBER, CCSTATEMENT_PROP_LEDGERBALANCE, CCSTATEMENT_PROP_TXCOUNT,
+                        CCSTATEMENT_PROP_TXFITID, CCSTATEMENT_PROP_TXAMOUNT, CCSTATEMENT_PROP_TXDATEPOSTED};
+
+// Only the kind's own message set counts: a file may carry another statement too.
+ScannedStatement Scan(const std::string& text, const Kind& kind) {
   ScannedStatement s;
-  size_t begin = text.find("<STMTTRNRS>");
-  size_t bank = text.find("<BANKMSGSRSV1>");
-  if (begin == std::string::npos || bank == std::string::npos || begin < bank) return s;
-  size_t end = text.find("</BANKMSGSRSV1>", begin);
+  size_t begin = text.find(std::string("<") + kind.wrapper + ">");
+  size_t set = text.find(std::string("<") + kind.set + ">");
+  if (begin == std::string::npos || set == std::string::npos || begin < set) return s;
+  size_t end = text.find(std::string("</") + kind.set + ">", begin);
   const std::string section = text.substr(begin, end == std::string::npos ? std::string::npos : end - begin);
-  if (section.find("<STMTRS>") == std::string::npos) return s;
-  s.is_bank_statement = true;
+  if (section.find(std::string("<") + kind.response + ">") == std::string::npos) return s;
+  s.found = true;
   s.currency = ValueOf(section, "CURDEF");
   s.account_id = ValueOf(section, "ACCTID");
   size_t ledger = section.find("<LEDGERBAL>");
@@ -76,37 +90,44 @@ void ExpectSameAmount(const std::string& shown, const std::string& raw) {
   EXPECT_DOUBLE_EQ(std::strtod(shown.c_str(), nullptr), std::strtod(raw.c_str(), nullptr)) << shown << " vs " << raw;
 }
 
-std::string Text(BankStatementComponent& c, int id, int index = 0) {
+template <class Component>
+std::string Text(Component& c, int id, int index = 0) {
   const char* text = static_cast<const char*>(c.Get(id, index, nullptr));
   return text == nullptr ? "" : text;
 }
 
-TEST(BankStatementCorpusTest, EveryBankStatementReadsAsScanned) {
-  const auto files = CorpusFiles();
-  if (files.empty()) GTEST_SKIP() << "no corpus";
+// The number of statements of `kind` read and checked.
+template <class Component>
+int CheckCorpus(const Kind& kind) {
   int statements = 0;
-  for (const auto& [name, path] : files) {
-    const ScannedStatement expected = Scan(Slurp(path));
-    if (!expected.is_bank_statement) continue;
+  for (const auto& [name, path] : CorpusFiles()) {
+    const ScannedStatement expected = Scan(Slurp(path), kind);
+    if (!expected.found) continue;
     SCOPED_TRACE(name);
     ++statements;
-    BankStatementComponent c(nullptr, nullptr);
+    Component c(nullptr, nullptr);
     void* params[1] = {const_cast<char*>(path.c_str())};
     int lengths[1] = {0};
-    ASSERT_EQ(c.Do(6, 1, params, lengths), 0) << c.service().GetLastError();
-    EXPECT_EQ(Text(c, 21), expected.currency);
-    EXPECT_EQ(Text(c, 1), expected.account_id);
-    ExpectSameAmount(Text(c, 34), expected.ledger_balance);
-    const intptr_t count = reinterpret_cast<intptr_t>(c.Get(53, 0, nullptr));
-    ASSERT_EQ(count, static_cast<intptr_t>(expected.transactions.size()));
-    for (int i = 0; i < count; ++i) {
+    EXPECT_EQ(c.Do(6, 1, params, lengths), 0) << c.service().GetLastError();
+    EXPECT_EQ(Text(c, kind.currency), expected.currency);
+    EXPECT_EQ(Text(c, kind.account), expected.account_id);
+    ExpectSameAmount(Text(c, kind.ledger), expected.ledger_balance);
+    const intptr_t count = reinterpret_cast<intptr_t>(c.Get(kind.tx_count, 0, nullptr));
+    EXPECT_EQ(count, static_cast<intptr_t>(expected.transactions.size()));
+    for (int i = 0; i < count && i < static_cast<int>(expected.transactions.size()); ++i) {
       const ScannedTransaction& t = expected.transactions[static_cast<size_t>(i)];
-      EXPECT_EQ(Text(c, 59, i), t.fitid) << i;
-      ExpectSameAmount(Text(c, 55, i), t.amount);
-      ExpectSameDay(Text(c, 58, i), t.date_posted);
+      EXPECT_EQ(Text(c, kind.tx_fitid, i), t.fitid) << i;
+      ExpectSameAmount(Text(c, kind.tx_amount, i), t.amount);
+      ExpectSameDay(Text(c, kind.tx_date_posted, i), t.date_posted);
     }
   }
-  EXPECT_GE(statements, 5) << "the corpus should hold several bank statements";
+  return statements;
+}
+
+TEST(BankStatementCorpusTest, EveryBankAndCardStatementReadsAsScanned) {
+  if (CorpusFiles().empty()) GTEST_SKIP() << "no corpus";
+  EXPECT_GE(CheckCorpus<BankStatementComponent>(kBank), 5) << "the corpus should hold several bank statements";
+  EXPECT_GE(CheckCorpus<CCStatementComponent>(kCard), 1) << "the corpus should hold a card statement";
 }
 
 }  // namespace

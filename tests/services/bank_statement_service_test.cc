@@ -15,12 +15,6 @@
 namespace orvelan {
 namespace {
 
-std::string Replace(std::string text, const std::string& from, const std::string& to) {
-  const size_t at = text.find(from);
-  if (at != std::string::npos) text.replace(at, from.size(), to);
-  return text;
-}
-
 constexpr char kSignOn[] =
     "<SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><DTSERVER>20260115120000"
     "<LANGUAGE>ENG</SONRS></SIGNONMSGSRSV1>";

@@ -60,6 +60,13 @@ class TestOFXService : public OFXClient {
   }
 };
 
+// `text` with the first `from` replaced by `to` (unchanged when absent).
+inline std::string Replace(std::string text, const std::string& from, const std::string& to) {
+  const size_t at = text.find(from);
+  if (at != std::string::npos) text.replace(at, from.size(), to);
+  return text;
+}
+
 inline std::string Slurp(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return std::string(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
