@@ -230,6 +230,12 @@ def check_signon(ofx):
 # ---------------------------------------------------------------- writing
 
 
+# SGML lets a bank close any element; this one closes the leaves that common
+# client dictionaries list among the aggregates (a closing's DTOPEN), as
+# careful banks do, so that 1.x closing information reads everywhere.
+SGML_CLOSED_LEAVES = {"DTOPEN"}
+
+
 def render(node, dialect, out):
     """node: (name, text) for a leaf, (name, [children]) for an aggregate."""
     name, content = node
@@ -239,7 +245,8 @@ def render(node, dialect, out):
             render(c, dialect, out)
         out.append("</%s>\r\n" % name)
     else:
-        end = "</%s>" % name if dialect == "xml" else ""
+        closed = dialect == "xml" or name in SGML_CLOSED_LEAVES
+        end = "</%s>" % name if closed else ""
         out.append("<%s>%s%s\r\n" % (name, html.escape(content, quote=False), end))
 
 
