@@ -14,7 +14,7 @@ command -v ofxdump >/dev/null || { echo "ofxdump is missing: apt-get install ofx
 dir=$(mktemp -d /tmp/orvelan-ofxdump-XXXXXX)
 trap 'rm -rf "$dir"' EXIT
 "$timing" --runs 1 --keep "$dir" >/dev/null
-file="$dir/statement_${transactions}_tx.ofx"
+file="$dir/bank_statement_${transactions}_tx.ofx"
 [ -f "$file" ] || { echo "no generated file for $transactions transactions"; exit 1; }
 
 seconds() { python3 -c 'import sys,time,subprocess

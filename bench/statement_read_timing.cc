@@ -1,16 +1,17 @@
-// Times ReadOFXDataFile on generated OFX 1.x bank statements, plus reading
+// Times ReadOFXDataFile on generated OFX 1.x statements, plus reading
 // TxAmount, TxFITID, TxDatePosted and TxPayeeName of every transaction through
-// BankStatement_Get, as a host would. Each run is a fresh child process, so the
-// peak memory it reports belongs to that run alone.
+// the component's Get, as a host would. Each run is a fresh child process, so
+// the peak memory it reports belongs to that run alone.
 //
 //   statement_read_timing [--runs 5] [--keep DIR]
 //
-// Prints, for 10k and 100k transactions: the file size, the median time and
-// the median peak resident growth over the process before the read, and then
-// the ratio time(100k) / time(10k). --keep writes the generated files to DIR
-// (for comparisons with other readers) and leaves them there.
-#include <sys/resource.h>
-#include <sys/wait.h>
+// Prints, for bank statements of 10k and 100k transactions: the file size, the
+// median time and the median peak resident growth over the process before the
+// read, and then the ratio time(100k) / time(10k). Then the same 100k
+// transactions as a credit card statement read through CCStatement, its runs
+// interleaved with the bank's, and the ratio card / bank. --keep writes the
+// generated files to DIR (for comparisons with other readers) and leaves them
+// there.
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,7 +30,23 @@ namespace {
 
 // A plausible statement: payees, memos and check numbers vary, amounts carry
 // signs and cents, dates advance through the year.
-void WriteStatement(const std::string& path, int transactions) {
+// The wrappers around the transaction list: bank or card.
+struct Wrappers {
+  const char* head;
+  const char* tail;
+};
+
+const Wrappers kBankWrappers = {
+    "<BANKMSGSRSV1>\r\n<STMTTRNRS>\r\n<TRNUID>1001\r\n<STATUS>\r\n<CODE>0\r\n<SEVERITY>INFO\r\n</STATUS>\r\n"
+    "<STMTRS>\r\n<CURDEF>USD\r\n<BANKACCTFROM>\r\n<BANKID>121000248\r\n<ACCTID>4412345678\r\n"
+    "<ACCTTYPE>CHECKING\r\n</BANKACCTFROM>\r\n",
+    "</STMTRS>\r\n</STMTTRNRS>\r\n</BANKMSGSRSV1>\r\n"};
+const Wrappers kCardWrappers = {
+    "<CREDITCARDMSGSRSV1>\r\n<CCSTMTTRNRS>\r\n<TRNUID>1001\r\n<STATUS>\r\n<CODE>0\r\n<SEVERITY>INFO\r\n"
+    "</STATUS>\r\n<CCSTMTRS>\r\n<CURDEF>USD\r\n<CCACCTFROM>\r\n<ACCTID>4412345678\r\n</CCACCTFROM>\r\n",
+    "</CCSTMTRS>\r\n</CCSTMTTRNRS>\r\n</CREDITCARDMSGSRSV1>\r\n"};
+
+void WriteStatement(const std::string& path, int transactions, const Wrappers& wrappers) {
   std::FILE* out = std::fopen(path.c_str(), "wb");
   if (out == nullptr) {
     std::perror(path.c_str());
@@ -39,11 +56,10 @@ void WriteStatement(const std::string& path, int transactions) {
       "OFXHEADER:100\r\nDATA:OFXSGML\r\nVERSION:102\r\nSECURITY:NONE\r\nENCODING:USASCII\r\nCHARSET:1252\r\n"
       "COMPRESSION:NONE\r\nOLDFILEUID:NONE\r\nNEWFILEUID:NONE\r\n\r\n"
       "<OFX>\r\n<SIGNONMSGSRSV1>\r\n<SONRS>\r\n<STATUS>\r\n<CODE>0\r\n<SEVERITY>INFO\r\n</STATUS>\r\n"
-      "<DTSERVER>20240131120000.000[-5:EST]\r\n<LANGUAGE>ENG\r\n</SONRS>\r\n</SIGNONMSGSRSV1>\r\n"
-      "<BANKMSGSRSV1>\r\n<STMTTRNRS>\r\n<TRNUID>1001\r\n<STATUS>\r\n<CODE>0\r\n<SEVERITY>INFO\r\n</STATUS>\r\n"
-      "<STMTRS>\r\n<CURDEF>USD\r\n<BANKACCTFROM>\r\n<BANKID>121000248\r\n<ACCTID>4412345678\r\n"
-      "<ACCTTYPE>CHECKING\r\n</BANKACCTFROM>\r\n<BANKTRANLIST>\r\n<DTSTART>20240101\r\n<DTEND>20241231\r\n",
+      "<DTSERVER>20240131120000.000[-5:EST]\r\n<LANGUAGE>ENG\r\n</SONRS>\r\n</SIGNONMSGSRSV1>\r\n",
       out);
+  std::fputs(wrappers.head, out);
+  std::fputs("<BANKTRANLIST>\r\n<DTSTART>20240101\r\n<DTEND>20241231\r\n", out);
   static const char* const kPayees[] = {"GROCERY OUTLET #1123", "CITY WATER DEPT", "PAYROLL ACME CORP",
                                         "COFFEE & CO", "ONLINE TRANSFER TO SAV"};
   static const char* const kTypes[] = {"DEBIT", "CHECK", "CREDIT", "POS", "XFER"};
@@ -60,75 +76,118 @@ void WriteStatement(const std::string& path, int transactions) {
   }
   std::fputs(
       "</BANKTRANLIST>\r\n<LEDGERBAL>\r\n<BALAMT>10234.56\r\n<DTASOF>20241231\r\n</LEDGERBAL>\r\n"
-      "<AVAILBAL>\r\n<BALAMT>10034.56\r\n<DTASOF>20241231\r\n</AVAILBAL>\r\n</STMTRS>\r\n</STMTTRNRS>\r\n"
-      "</BANKMSGSRSV1>\r\n</OFX>\r\n",
+      "<AVAILBAL>\r\n<BALAMT>10034.56\r\n<DTASOF>20241231\r\n</AVAILBAL>\r\n",
       out);
+  std::fputs(wrappers.tail, out);
+  std::fputs("</OFX>\r\n", out);
   std::fclose(out);
 }
 
+using orvelan::bench::Median;
+using orvelan::bench::PeakKiB;
 using orvelan::bench::ResidentKiB;
+using orvelan::bench::Run;
+using orvelan::bench::RunInChild;
 
-struct Run {
-  double seconds = 0;
-  long peak_growth_kib = 0;
+// One component as a host reaches it through the C interface.
+struct Reader {
+  const char* name;
+  void* (*create)(EventCallback, void*, char*);
+  int (*destroy)(void*);
+  int (*run)(void*, int, int, void**, int*);
+  void* (*get)(void*, int, int, int*);
+  const char* (*last_error)(void*);
+  int (*last_error_code)(void*);
+  int read_method, tx_count;
+  int tx_fields[4];  // amount, FITID, date posted, payee
+  const Wrappers& wrappers;
 };
 
-// In the child: read, walk every transaction, report through a pipe.
-[[noreturn]] void ReadInChild(const std::string& path, int expected, int fd) {
-  void* st = BankStatement_Create(nullptr, nullptr, nullptr);
+const Reader kBank = {"bank", BankStatement_Create, BankStatement_Destroy, BankStatement_Do, BankStatement_Get,
+                      BankStatement_GetLastError, BankStatement_GetLastErrorCode, BANKSTATEMENT_METHOD_READOFXDATAFILE,
+                      BANKSTATEMENT_PROP_TXCOUNT,
+                      {BANKSTATEMENT_PROP_TXAMOUNT, BANKSTATEMENT_PROP_TXFITID, BANKSTATEMENT_PROP_TXDATEPOSTED,
+                       BANKSTATEMENT_PROP_TXPAYEENAME},
+                      kBankWrappers};
+const Reader kCard = {"card", CCStatement_Create, CCStatement_Destroy, CCStatement_Do, CCStatement_Get,
+                      CCStatement_GetLastError, CCStatement_GetLastErrorCode, CCSTATEMENT_METHOD_READOFXDATAFILE,
+                      CCSTATEMENT_PROP_TXCOUNT,
+                      {CCSTATEMENT_PROP_TXAMOUNT, CCSTATEMENT_PROP_TXFITID, CCSTATEMENT_PROP_TXDATEPOSTED,
+                       CCSTATEMENT_PROP_TXPAYEENAME},
+                      kCardWrappers};
+
+// In the child: read, walk every transaction.
+Run ReadAndWalk(const Reader& reader, const std::string& path, int expected) {
+  void* st = reader.create(nullptr, nullptr, nullptr);
   const long before = ResidentKiB();
   const auto start = std::chrono::steady_clock::now();
   void* params[1] = {const_cast<char*>(path.c_str())};
   int lengths[1] = {0};
-  if (BankStatement_Do(st, BANKSTATEMENT_METHOD_READOFXDATAFILE, 1, params, lengths) != 0) {
-    std::fprintf(stderr, "ReadOFXDataFile: %d %s\n", BankStatement_GetLastErrorCode(st), BankStatement_GetLastError(st));
+  if (reader.run(st, reader.read_method, 1, params, lengths) != 0) {
+    std::fprintf(stderr, "%s ReadOFXDataFile: %d %s\n", reader.name, reader.last_error_code(st), reader.last_error(st));
     std::_Exit(1);
   }
-  const int count = static_cast<int>(reinterpret_cast<intptr_t>(BankStatement_Get(st, BANKSTATEMENT_PROP_TXCOUNT, 0, nullptr)));
+  const auto parsed = std::chrono::steady_clock::now();
+  const int count = static_cast<int>(reinterpret_cast<intptr_t>(reader.get(st, reader.tx_count, 0, nullptr)));
   size_t checksum = 0;
   for (int i = 0; i < count; ++i) {
-    for (int id : {BANKSTATEMENT_PROP_TXAMOUNT, BANKSTATEMENT_PROP_TXFITID, BANKSTATEMENT_PROP_TXDATEPOSTED,
-                   BANKSTATEMENT_PROP_TXPAYEENAME}) {
+    for (int id : reader.tx_fields) {
       int length = 0;
-      const char* text = static_cast<const char*>(BankStatement_Get(st, id, i, &length));
+      const char* text = static_cast<const char*>(reader.get(st, id, i, &length));
       checksum += text == nullptr ? 0 : std::strlen(text);
     }
   }
-  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
+  const auto end = std::chrono::steady_clock::now();
   if (count != expected || checksum == 0) {
-    std::fprintf(stderr, "read %d transactions, expected %d\n", count, expected);
+    std::fprintf(stderr, "%s: read %d transactions, expected %d\n", reader.name, count, expected);
     std::_Exit(1);
   }
-  Run run{seconds, usage.ru_maxrss - before};
-  if (write(fd, &run, sizeof run) != static_cast<ssize_t>(sizeof run)) std::_Exit(1);
-  BankStatement_Destroy(st);
-  std::_Exit(0);
-}
-
-Run Measure(const std::string& path, int expected) {
-  int fds[2];
-  if (pipe(fds) != 0) std::exit(1);
-  const pid_t child = fork();
-  if (child == 0) {
-    close(fds[0]);
-    ReadInChild(path, expected, fds[1]);
-  }
-  close(fds[1]);
   Run run;
-  const bool ok = read(fds[0], &run, sizeof run) == static_cast<ssize_t>(sizeof run);
-  close(fds[0]);
-  int status = 0;
-  waitpid(child, &status, 0);
-  if (!ok || !WIFEXITED(status) || WEXITSTATUS(status) != 0) std::exit(1);
+  run.seconds = std::chrono::duration<double>(end - start).count();
+  run.parse_seconds = std::chrono::duration<double>(parsed - start).count();
+  run.peak_growth_kib = PeakKiB() - before;
+  reader.destroy(st);
   return run;
 }
 
-template <typename T>
-T Median(std::vector<T> values) {
-  std::sort(values.begin(), values.end());
-  return values[values.size() / 2];
+struct Case {
+  Case(const Reader& case_reader, int case_transactions) : reader(case_reader), transactions(case_transactions) {}
+
+  const Reader& reader;
+  int transactions;
+  std::string path;
+  long bytes = 0;
+  std::vector<Run> runs;
+};
+
+void Prepare(Case* c, const std::string& dir, bool keep) {
+  c->path = dir + "/" + c->reader.name + "_statement_" + std::to_string(c->transactions) + "_" +
+            (keep ? std::string("tx") : std::to_string(getpid())) + ".ofx";
+  WriteStatement(c->path, c->transactions, c->reader.wrappers);
+  std::FILE* file = std::fopen(c->path.c_str(), "rb");
+  std::fseek(file, 0, SEEK_END);
+  c->bytes = std::ftell(file);
+  std::fclose(file);
+}
+
+double MedianSeconds(const Case& c) {
+  std::vector<double> times;
+  for (const Run& run : c.runs) times.push_back(run.seconds);
+  return Median(times);
+}
+
+void Report(const Case& c) {
+  std::vector<double> parses;
+  std::vector<long> peaks;
+  for (const Run& run : c.runs) {
+    parses.push_back(run.parse_seconds);
+    peaks.push_back(run.peak_growth_kib);
+  }
+  const long peak = Median(peaks);
+  std::printf("%s %6d transactions  file %6.1f MB  read+walk median %7.3f s (read %6.3f s)  peak growth %6.1f MB"
+              " (%.2fx file)\n",
+              c.reader.name, c.transactions, c.bytes / 1e6, MedianSeconds(c), Median(parses), peak / 1024.0,
+              static_cast<double>(peak) * 1024.0 / static_cast<double>(c.bytes));
 }
 
 }  // namespace
@@ -141,29 +200,21 @@ int main(int argc, char** argv) {
     if (std::strcmp(argv[i], "--keep") == 0) keep = argv[i + 1];
   }
   const std::string dir = keep.empty() ? "/tmp" : keep;
-  double seconds_10k = 0;
-  for (int transactions : {10000, 100000}) {
-    const std::string path = dir + "/statement_" + std::to_string(transactions) + "_" +
-                             (keep.empty() ? std::to_string(getpid()) : std::string("tx")) + ".ofx";
-    WriteStatement(path, transactions);
-    std::FILE* file = std::fopen(path.c_str(), "rb");
-    std::fseek(file, 0, SEEK_END);
-    const long bytes = std::ftell(file);
-    std::fclose(file);
-    std::vector<double> times;
-    std::vector<long> peaks;
-    for (int r = 0; r < runs; ++r) {
-      const Run run = Measure(path, transactions);
-      times.push_back(run.seconds);
-      peaks.push_back(run.peak_growth_kib);
+  Case cases[] = {{kBank, 10000}, {kBank, 100000}, {kCard, 100000}};
+  for (Case& c : cases) Prepare(&c, dir, !keep.empty());
+  // Round-robin, so that a burst of load on the machine falls on every case.
+  for (int r = 0; r < runs; ++r) {
+    for (Case& c : cases) {
+      c.runs.push_back(RunInChild([&c] { return ReadAndWalk(c.reader, c.path, c.transactions); }));
     }
-    const double seconds = Median(times);
-    const double peak_ratio = static_cast<double>(Median(peaks)) * 1024.0 / static_cast<double>(bytes);
-    std::printf("%6d transactions  file %6.1f MB  read+walk median %7.3f s  peak growth %6.1f MB (%.2fx file)\n",
-                transactions, bytes / 1e6, seconds, Median(peaks) / 1024.0, peak_ratio);
-    if (transactions == 10000) seconds_10k = seconds;
-    if (transactions == 100000) std::printf("time(100k) / time(10k) = %.2f\n", seconds / seconds_10k);
-    if (keep.empty()) std::remove(path.c_str());
+  }
+  Report(cases[0]);
+  Report(cases[1]);
+  std::printf("time(100k) / time(10k) = %.2f\n", MedianSeconds(cases[1]) / MedianSeconds(cases[0]));
+  Report(cases[2]);
+  std::printf("card / bank at 100k = %.3f\n", MedianSeconds(cases[2]) / MedianSeconds(cases[1]));
+  if (keep.empty()) {
+    for (const Case& c : cases) std::remove(c.path.c_str());
   }
   return 0;
 }

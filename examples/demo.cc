@@ -125,7 +125,7 @@ int Download(const std::string& dir) {
   if (status == 0 && BankStatement_Do(st, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, nullptr, nullptr) != 0) {
     status = Report(st, "GetStatement");
   }
-  if (status == 0) StatementPrinter(StatementPrinter::Format::kTable).Print(st, stdout);
+  if (status == 0) StatementPrinter(kBankStatement, StatementPrinter::Format::kTable).Print(st, stdout);
   BankStatement_Destroy(st);
   return status;
 }
@@ -139,7 +139,7 @@ int ReadFile(const std::string& path) {
   if (BankStatement_Do(st, BANKSTATEMENT_METHOD_READOFXDATAFILE, 1, params, lengths) != 0) {
     status = Report(st, "ReadOFXDataFile");
   } else {
-    StatementPrinter(StatementPrinter::Format::kTable).Print(st, stdout);
+    StatementPrinter(kBankStatement, StatementPrinter::Format::kTable).Print(st, stdout);
   }
   BankStatement_Destroy(st);
   return status;

@@ -1,14 +1,18 @@
-// orvelan-statement: prints a bank statement read from an OFX file, or
-// downloads one from an institution's OFX server.
+// orvelan-statement: prints a bank, credit card or loan statement read from
+// an OFX file, or downloads one from an institution's OFX server.
 //
-//   orvelan-statement FILE.ofx [--format table|csv|json]
-//   orvelan-statement --url URL --org ORG --fid FID --user U
-//                     --bank-id B --account A [--type checking|savings|moneymrkt|creditline]
-//                     [--from MM/DD/YYYY] [--to MM/DD/YYYY] [--format table|csv|json]
+//   orvelan-statement FILE.ofx [--card | --loan] [--format table|csv|json]
+//   orvelan-statement --url URL --org ORG --fid FID --user U ACCOUNT
+//                     [--closing] [--from MM/DD/YYYY] [--to MM/DD/YYYY] [--format table|csv|json]
 //                     [--ofx-version 102|211] [--accept-cert FILE] [--timeout SECONDS]
 //                     [--app-id ID] [--app-version VERSION]
+//   where ACCOUNT is one of
+//     --bank-id B --account A [--type checking|savings|moneymrkt|creditline]
+//     --card NUMBER
+//     --loan ACCOUNT [--loan-type auto|consumer|mortgage|commercial|student|military|smb|constr|homeequity]
 //
-// The application id and version default to "QWIN" and "2700", which most
+// A file's content tells which statement it holds; --card or --loan overrides
+// that. The application id and version default to "QWIN" and "2700", which most
 // servers accept. The password never travels on the command line, where other
 // users can read it: it comes from ORVELAN_PASSWORD or, when that is unset and
 // standard input is a terminal, a prompt without echo. A response is kept up to
@@ -32,12 +36,19 @@
 namespace {
 
 const char kUsage[] =
-    "usage: orvelan-statement FILE.ofx [--format table|csv|json]\n"
-    "       orvelan-statement --url URL --org ORG --fid FID --user U\n"
-    "                         --bank-id B --account A [--type checking|savings|moneymrkt|creditline]\n"
-    "                         [--from MM/DD/YYYY] [--to MM/DD/YYYY] [--format table|csv|json]\n"
+    "usage: orvelan-statement FILE.ofx [--card | --loan] [--format table|csv|json]\n"
+    "       orvelan-statement --url URL --org ORG --fid FID --user U ACCOUNT\n"
+    "                         [--closing] [--from MM/DD/YYYY] [--to MM/DD/YYYY] [--format table|csv|json]\n"
     "                         [--ofx-version 102|211] [--accept-cert FILE] [--timeout SECONDS]\n"
     "                         [--app-id ID] [--app-version VERSION]\n"
+    "where ACCOUNT is one of\n"
+    "  --bank-id B --account A [--type checking|savings|moneymrkt|creditline]   a bank account\n"
+    "  --card NUMBER                                                           a credit card\n"
+    "  --loan ACCOUNT [--loan-type auto|consumer|mortgage|commercial|student|\n"
+    "                  military|smb|constr|homeequity]                          a loan\n"
+    "A file's content tells which statement it holds; --card or --loan overrides that.\n"
+    "--closing asks for the statement closing information instead of the transactions\n"
+    "(over OFX 2.1.1 unless --ofx-version says otherwise).\n"
     "The password comes from the environment variable ORVELAN_PASSWORD or, when\n"
     "that is unset and standard input is a terminal, a prompt without echo.\n"
     "A server's response is kept up to 256 MB; the rest is dropped.\n";
@@ -46,11 +57,17 @@ const char kPasswordVariable[] = "ORVELAN_PASSWORD";
 // Large enough for years of transactions, small enough that a broken or
 // hostile server cannot fill the host's memory.
 const char kMaxTransferredData[] = "MaxTransferredData=268435456";
+// The loan aggregates the fixed OFX dictionary does not know.
+const char kLoanExtraTags[] = "ExtraTags=ESCRWAMT,LOANPMT,LOANINT,LOANIRATE,LOANCLOSING";
 
 struct Options {
   std::string file, url, org, fid, user, password, bank_id, account, from, to, ofx_version, accept_cert;
+  std::string card_or_loan;  // the value of --card or --loan
   std::string app_id = "QWIN", app_version = "2700";
+  const StatementKind* kind = nullptr;  // chosen on the command line, else by the file
+  const char* type_flag = nullptr;      // --type or --loan-type, whichever was given
   int account_type = 0;
+  bool closing = false;
   long timeout = -1;
   StatementPrinter::Format format = StatementPrinter::Format::kTable;
 };
@@ -61,15 +78,21 @@ int Usage(const char* problem) {
   return 2;
 }
 
-bool ParseAccountType(const char* name, int* type) {
-  static const char* const kNames[] = {"checking", "savings", "moneymrkt", "creditline"};
-  for (int i = 0; i < 4; ++i) {
-    if (std::strcmp(name, kNames[i]) == 0) {
+bool ParseAccountType(const StatementKind& kind, const char* name, int* type) {
+  for (int i = 0; i < kind.account_type_count; ++i) {
+    if (std::strcmp(name, kind.account_type_names[i]) == 0) {
       *type = i;
       return true;
     }
   }
   return false;
+}
+
+// Sets the kind once; a second, different one is a usage error.
+bool ChooseKind(const StatementKind& kind, Options* options) {
+  if (options->kind != nullptr && options->kind != &kind) return false;
+  options->kind = &kind;
+  return true;
 }
 
 // Returns 0, or the exit status for a bad command line.
@@ -84,6 +107,11 @@ int ParseOptions(int argc, char** argv, Options* options) {
       {"--ofx-version", &options->ofx_version}, {"--accept-cert", &options->accept_cert},
       {"--app-id", &options->app_id},     {"--app-version", &options->app_version},
   };
+  // A download names the card or loan after --card or --loan; reading a file,
+  // they are bare hints.
+  bool download = false;
+  for (int i = 1; i < argc; ++i) download = download || std::strcmp(argv[i], "--url") == 0;
+  const char* type_name = nullptr;
   for (int i = 1; i < argc; ++i) {
     const char* arg = argv[i];
     if (std::strcmp(arg, "--help") == 0 || std::strcmp(arg, "-h") == 0) return Usage(nullptr);
@@ -95,8 +123,21 @@ int ParseOptions(int argc, char** argv, Options* options) {
     if (std::strncmp(arg, "--password", 10) == 0) {
       return Usage("--password is not accepted: the password comes from ORVELAN_PASSWORD or a prompt");
     }
+    const bool is_card = std::strcmp(arg, "--card") == 0, is_loan = std::strcmp(arg, "--loan") == 0;
+    if (is_card || is_loan) {
+      if (!ChooseKind(is_card ? kCardStatement : kLoanStatement, options)) return Usage("give only one of --card and --loan");
+      if (!download) continue;
+    }
+    if (std::strcmp(arg, "--closing") == 0) {
+      options->closing = true;
+      continue;
+    }
     if (i + 1 >= argc) return Usage((std::string(arg) + " needs a value").c_str());
     const char* value = argv[++i];
+    if (is_card || is_loan) {
+      options->card_or_loan = value;
+      continue;
+    }
     bool known = false;
     for (const TextOption& option : text_options) {
       if (std::strcmp(arg, option.flag) == 0) {
@@ -105,8 +146,9 @@ int ParseOptions(int argc, char** argv, Options* options) {
       }
     }
     if (known) continue;
-    if (std::strcmp(arg, "--type") == 0) {
-      if (!ParseAccountType(value, &options->account_type)) return Usage("unknown account type");
+    if (std::strcmp(arg, "--type") == 0 || std::strcmp(arg, "--loan-type") == 0) {
+      options->type_flag = arg;
+      type_name = value;
     } else if (std::strcmp(arg, "--format") == 0) {
       if (!StatementPrinter::ParseFormat(value, &options->format)) return Usage("unknown format");
     } else if (std::strcmp(arg, "--timeout") == 0) {
@@ -119,14 +161,32 @@ int ParseOptions(int argc, char** argv, Options* options) {
   }
   if (options->file.empty() == options->url.empty()) return Usage("give either a file or --url");
   if (!options->url.empty()) {
+    if (options->kind == nullptr) options->kind = &kBankStatement;
+    const StatementKind& kind = *options->kind;
+    const bool bank = &kind == &kBankStatement;
+    if (!bank) {
+      if (!options->bank_id.empty() || !options->account.empty()) return Usage("--bank-id and --account are for bank accounts");
+      options->account = options->card_or_loan;
+    }
+    if (type_name != nullptr) {
+      const char* wanted = bank ? "--type" : &kind == &kLoanStatement ? "--loan-type" : nullptr;
+      if (wanted == nullptr || std::strcmp(options->type_flag, wanted) != 0) {
+        return Usage((std::string(options->type_flag) + " does not fit this account").c_str());
+      }
+      if (!ParseAccountType(kind, type_name, &options->account_type)) return Usage("unknown account type");
+    }
     const struct {
       const std::string& value;
       const char* flag;
-    } required[] = {{options->org, "--org"},         {options->fid, "--fid"},         {options->user, "--user"},
-                    {options->account, "--account"}};
+    } required[] = {{options->org, "--org"},
+                    {options->fid, "--fid"},
+                    {options->user, "--user"},
+                    {options->account, bank ? "--account" : &kind == &kCardStatement ? "--card" : "--loan"}};
     for (const auto& entry : required) {
       if (entry.value.empty()) return Usage((std::string(entry.flag) + " is required with --url").c_str());
     }
+  } else if (type_name != nullptr || options->closing) {
+    return Usage("--type, --loan-type and --closing are for downloads");
   }
   return 0;
 }
@@ -154,15 +214,48 @@ int ReadPassword(Options* options) {
   return 0;
 }
 
+// The statement in a file, judged by its first transaction wrapper; a file
+// that shows none is read as a bank statement, whose reader names what is
+// missing.
+const StatementKind& KindOfFile(const std::string& path) {
+  static const struct {
+    const char* tag;
+    const StatementKind& kind;
+  } kWrappers[] = {{"<STMTTRNRS>", kBankStatement},          {"<STMTENDTRNRS>", kBankStatement},
+                   {"<CCSTMTTRNRS>", kCardStatement},        {"<CCSTMTENDTRNRS>", kCardStatement},
+                   {"<LOANSTMTTRNRS>", kLoanStatement},      {"<LOANSTMTENDTRNRS>", kLoanStatement}};
+  std::ifstream in(path, std::ios::binary);
+  std::string window;
+  char chunk[65536];
+  while (in.read(chunk, sizeof chunk) || in.gcount() > 0) {
+    // Keep a tail of the last chunk so that a tag cut in two is still found.
+    window.erase(0, window.size() > 32 ? window.size() - 32 : 0);
+    window.append(chunk, static_cast<size_t>(in.gcount()));
+    size_t first = std::string::npos;
+    const StatementKind* kind = &kBankStatement;
+    for (const auto& wrapper : kWrappers) {
+      const size_t at = window.find(wrapper.tag);
+      if (at < first) {
+        first = at;
+        kind = &wrapper.kind;
+      }
+    }
+    if (first != std::string::npos) return *kind;
+  }
+  return kBankStatement;
+}
+
 // The library's code and text on standard error; exit status 1.
-int Fail(void* st, const char* what) {
-  std::fprintf(stderr, "orvelan-statement: %s failed: %d %s\n", what, BankStatement_GetLastErrorCode(st),
-               BankStatement_GetLastError(st));
+int Fail(const StatementKind& kind, void* st, const char* what) {
+  std::fprintf(stderr, "orvelan-statement: %s failed: %d %s\n", what, kind.last_error_code(st), kind.last_error(st));
   return 1;
 }
 
-int SetText(void* st, int id, const std::string& value) {
-  return BankStatement_Set(st, id, 0, value.c_str(), static_cast<int>(value.size()));
+int Configure(const StatementKind& kind, void* st, const char* setting) {
+  void* config[2] = {const_cast<char*>(setting), nullptr};
+  int config_lengths[2] = {0, 0};
+  if (kind.run(st, BANKSTATEMENT_METHOD_CONFIG, 2, config, config_lengths) != 0) return Fail(kind, st, "Config");
+  return 0;
 }
 
 // The library reads host dates with the time of day; a bare date means midnight.
@@ -170,41 +263,53 @@ std::string WithTime(const std::string& date) {
   return date.find(' ') == std::string::npos ? date + " 00:00:00" : date;
 }
 
-int Download(void* st, const Options& options) {
+// The three components share the method ids.
+static_assert(CCSTATEMENT_METHOD_GETSTATEMENT == BANKSTATEMENT_METHOD_GETSTATEMENT &&
+                  LOANSTATEMENT_METHOD_GETSTATEMENT == BANKSTATEMENT_METHOD_GETSTATEMENT &&
+                  CCSTATEMENT_METHOD_GETCLOSINGINFO == BANKSTATEMENT_METHOD_GETCLOSINGINFO &&
+                  LOANSTATEMENT_METHOD_GETCLOSINGINFO == BANKSTATEMENT_METHOD_GETCLOSINGINFO &&
+                  CCSTATEMENT_METHOD_CONFIG == BANKSTATEMENT_METHOD_CONFIG &&
+                  LOANSTATEMENT_METHOD_CONFIG == BANKSTATEMENT_METHOD_CONFIG &&
+                  CCSTATEMENT_METHOD_READOFXDATAFILE == BANKSTATEMENT_METHOD_READOFXDATAFILE &&
+                  LOANSTATEMENT_METHOD_READOFXDATAFILE == BANKSTATEMENT_METHOD_READOFXDATAFILE,
+              "statement method ids differ");
+
+// OFX 1.x closing responses leave DTOPEN without an end tag, which the
+// library's dictionary cannot close; 2.x reads them.
+std::string DefaultVersion(const Options& options) { return options.closing ? "211" : "102"; }
+
+int Download(const StatementKind& kind, void* st, const Options& options) {
   const struct {
     int id;
     const char* name;
     std::string value;
   } texts[] = {
-      {BANKSTATEMENT_PROP_FIURL, "FIUrl", options.url},
-      {BANKSTATEMENT_PROP_FIORGANIZATION, "FIOrganization", options.org},
-      {BANKSTATEMENT_PROP_FIID, "FIId", options.fid},
-      {BANKSTATEMENT_PROP_OFXUSER, "OFXUser", options.user},
-      {BANKSTATEMENT_PROP_OFXPASSWORD, "OFXPassword", options.password},
-      {BANKSTATEMENT_PROP_OFXAPPID, "OFXAppId", options.app_id},
-      {BANKSTATEMENT_PROP_OFXAPPVERSION, "OFXAppVersion", options.app_version},
-      {BANKSTATEMENT_PROP_BANKID, "BankId", options.bank_id},
-      {BANKSTATEMENT_PROP_ACCOUNTID, "AccountId", options.account},
-      {BANKSTATEMENT_PROP_STARTDATE, "StartDate", options.from.empty() ? "" : WithTime(options.from)},
-      {BANKSTATEMENT_PROP_ENDDATE, "EndDate", options.to.empty() ? "" : WithTime(options.to)},
-      {BANKSTATEMENT_PROP_OFXVERSION, "OFXVersion", options.ofx_version.empty() ? "102" : options.ofx_version},
+      {kind.fi_url_id, "FIUrl", options.url},
+      {kind.fi_organization_id, "FIOrganization", options.org},
+      {kind.fi_id_id, "FIId", options.fid},
+      {kind.ofx_user_id, "OFXUser", options.user},
+      {kind.ofx_password_id, "OFXPassword", options.password},
+      {kind.ofx_app_id_id, "OFXAppId", options.app_id},
+      {kind.ofx_app_version_id, "OFXAppVersion", options.app_version},
+      {kind.bank_id_id, "BankId", options.bank_id},
+      {kind.account.id, kind.account.label, options.account},
+      {kind.start_date_id, "StartDate", options.from.empty() ? "" : WithTime(options.from)},
+      {kind.end_date_id, "EndDate", options.to.empty() ? "" : WithTime(options.to)},
+      {kind.ofx_version_id, "OFXVersion", options.ofx_version.empty() ? DefaultVersion(options) : options.ofx_version},
   };
   for (const auto& text : texts) {
-    if (SetText(st, text.id, text.value) != 0) return Fail(st, text.name);
+    if (text.id != 0 && kind.set(st, text.id, 0, text.value.c_str(), static_cast<int>(text.value.size())) != 0) {
+      return Fail(kind, st, text.name);
+    }
   }
-  void* config[2] = {const_cast<char*>(kMaxTransferredData), nullptr};
-  int config_lengths[2] = {0, 0};
-  if (BankStatement_Do(st, BANKSTATEMENT_METHOD_CONFIG, 2, config, config_lengths) != 0) {
-    return Fail(st, "MaxTransferredData");
-  }
-  if (BankStatement_Set(st, BANKSTATEMENT_PROP_ACCOUNTTYPE, 0,
-                        reinterpret_cast<void*>(static_cast<intptr_t>(options.account_type)), 0) != 0) {
-    return Fail(st, "AccountType");
+  if (int status = Configure(kind, st, kMaxTransferredData); status != 0) return status;
+  if (kind.account_type_id != 0 &&
+      kind.set(st, kind.account_type_id, 0, reinterpret_cast<void*>(static_cast<intptr_t>(options.account_type)), 0) != 0) {
+    return Fail(kind, st, "AccountType");
   }
   if (options.timeout >= 0 &&
-      BankStatement_Set(st, BANKSTATEMENT_PROP_TIMEOUT, 0, reinterpret_cast<void*>(static_cast<intptr_t>(options.timeout)),
-                        0) != 0) {
-    return Fail(st, "Timeout");
+      kind.set(st, kind.timeout_id, 0, reinterpret_cast<void*>(static_cast<intptr_t>(options.timeout)), 0) != 0) {
+    return Fail(kind, st, "Timeout");
   }
   if (!options.accept_cert.empty()) {
     std::ifstream in(options.accept_cert, std::ios::binary);
@@ -213,19 +318,23 @@ int Download(void* st, const Options& options) {
       return 1;
     }
     std::string certificate((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (SetText(st, BANKSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED, certificate) != 0) {
-      return Fail(st, "SSLAcceptServerCertEncoded");
+    if (kind.set(st, kind.ssl_accept_server_cert_id, 0, certificate.c_str(), static_cast<int>(certificate.size())) != 0) {
+      return Fail(kind, st, "SSLAcceptServerCertEncoded");
     }
   }
-  if (BankStatement_Do(st, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, nullptr, nullptr) != 0) return Fail(st, "GetStatement");
+  if (options.closing) {
+    if (kind.run(st, BANKSTATEMENT_METHOD_GETCLOSINGINFO, 0, nullptr, nullptr) != 0) return Fail(kind, st, "GetClosingInfo");
+  } else if (kind.run(st, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, nullptr, nullptr) != 0) {
+    return Fail(kind, st, "GetStatement");
+  }
   return 0;
 }
 
-int ReadFile(void* st, const std::string& file) {
+int ReadFile(const StatementKind& kind, void* st, const std::string& file) {
   void* params[1] = {const_cast<char*>(file.c_str())};
   int lengths[1] = {0};
-  if (BankStatement_Do(st, BANKSTATEMENT_METHOD_READOFXDATAFILE, 1, params, lengths) != 0) {
-    return Fail(st, "ReadOFXDataFile");
+  if (kind.run(st, BANKSTATEMENT_METHOD_READOFXDATAFILE, 1, params, lengths) != 0) {
+    return Fail(kind, st, "ReadOFXDataFile");
   }
   return 0;
 }
@@ -238,13 +347,15 @@ int main(int argc, char** argv) {
   if (!options.url.empty()) {
     if (int status = ReadPassword(&options); status != 0) return status;
   }
-  void* st = BankStatement_Create(nullptr, nullptr, nullptr);
+  const StatementKind& kind = options.kind != nullptr ? *options.kind : KindOfFile(options.file);
+  void* st = kind.create(nullptr, nullptr, nullptr);
   if (st == nullptr) {
-    std::fprintf(stderr, "orvelan-statement: cannot create a BankStatement\n");
+    std::fprintf(stderr, "orvelan-statement: cannot create a %s statement\n", kind.name);
     return 1;
   }
-  int status = options.file.empty() ? Download(st, options) : ReadFile(st, options.file);
-  if (status == 0) StatementPrinter(options.format).Print(st, stdout);
-  BankStatement_Destroy(st);
+  int status = &kind == &kLoanStatement ? Configure(kind, st, kLoanExtraTags) : 0;
+  if (status == 0) status = options.file.empty() ? Download(kind, st, options) : ReadFile(kind, st, options.file);
+  if (status == 0) StatementPrinter(kind, options.format).Print(st, stdout);
+  kind.destroy(st);
   return status;
 }

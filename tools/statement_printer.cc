@@ -4,48 +4,63 @@
 #include <cstring>
 #include <vector>
 
-#include "orvelan.h"
-
 namespace {
 
-std::string Text(void* st, int id, int index = 0) {
+using Field = StatementKind::Field;
+
+std::string Text(const StatementKind& kind, void* st, int id, int index = 0) {
+  if (id == 0) return std::string();
   int length = 0;
-  const char* text = static_cast<const char*>(BankStatement_Get(st, id, index, &length));
+  const char* text = static_cast<const char*>(kind.get(st, id, index, &length));
   return text == nullptr ? std::string() : std::string(text);
 }
 
-long Integer(void* st, int id, int index = 0) {
-  return static_cast<long>(reinterpret_cast<intptr_t>(BankStatement_Get(st, id, index, nullptr)));
+long Integer(const StatementKind& kind, void* st, int id) {
+  return static_cast<long>(reinterpret_cast<intptr_t>(kind.get(st, id, 0, nullptr)));
 }
 
-std::string Amount(void* st, int id, int index = 0) {
-  std::string amount = Text(st, id, index);
+std::string Amount(const StatementKind& kind, void* st, int id, int index = 0) {
+  std::string amount = Text(kind, st, id, index);
   size_t digits = amount.compare(0, 1, "-") == 0 ? 1 : 0;
   if (amount.size() > digits && amount[digits] == '.') amount.insert(digits, "0");
   if (amount.size() == digits) amount += "0";
   return amount;
 }
 
-const char* AccountTypeName(long type) {
-  static const char* const kNames[] = {"checking", "savings", "moneymrkt", "creditline"};
-  return type >= 0 && type < 4 ? kNames[type] : "unknown";
+std::string Value(const StatementKind& kind, void* st, const Field& field, int index = 0) {
+  return field.amount ? Amount(kind, st, field.id, index) : Text(kind, st, field.id, index);
 }
 
-struct Row {
-  std::string date_posted, type, amount, fitid, payee, memo, check_number;
-};
+const char* AccountTypeName(const StatementKind& kind, void* st) {
+  long type = Integer(kind, st, kind.account_type_id);
+  return type >= 0 && type < kind.account_type_count ? kind.account_type_names[type] : "unknown";
+}
 
-std::vector<Row> Rows(void* st) {
-  std::vector<Row> rows;
-  long count = Integer(st, BANKSTATEMENT_PROP_TXCOUNT);
+// Rows of one indexed list, each cell in the order of `columns`.
+using Rows = std::vector<std::vector<std::string>>;
+
+size_t ColumnCount(const Field* columns) {
+  size_t n = 0;
+  while (columns[n].name != nullptr) ++n;
+  return n;
+}
+
+Rows ReadRows(const StatementKind& kind, void* st, int count_id, const Field* columns) {
+  Rows rows;
+  const long count = Integer(kind, st, count_id);
+  const size_t width = ColumnCount(columns);
   rows.reserve(static_cast<size_t>(count));
   for (int i = 0; i < count; ++i) {
-    rows.push_back({Text(st, BANKSTATEMENT_PROP_TXDATEPOSTED, i), Text(st, BANKSTATEMENT_PROP_TXTYPEDESCRIPTION, i),
-                    Amount(st, BANKSTATEMENT_PROP_TXAMOUNT, i), Text(st, BANKSTATEMENT_PROP_TXFITID, i),
-                    Text(st, BANKSTATEMENT_PROP_TXPAYEENAME, i), Text(st, BANKSTATEMENT_PROP_TXMEMO, i),
-                    Text(st, BANKSTATEMENT_PROP_TXCHECKNUMBER, i)});
+    rows.emplace_back();
+    for (size_t c = 0; c < width; ++c) rows.back().push_back(Value(kind, st, columns[c], i));
   }
   return rows;
+}
+
+// A closing statement carries closing records and no transactions; it prints
+// its records where a transaction statement prints its transactions.
+bool HoldsClosingInfo(const StatementKind& kind, void* st) {
+  return Integer(kind, st, kind.closing_count_id) > 0;
 }
 
 // RFC 4180: quote a field that holds a separator, a quote or a line end.
@@ -82,11 +97,26 @@ void PutJsonString(const std::string& text, std::FILE* out) {
   std::fputc('"', out);
 }
 
-// The payee column shows the memo too when there is one.
-std::string Description(const Row& row) {
-  if (row.memo.empty() || row.memo == row.payee) return row.payee;
-  if (row.payee.empty()) return row.memo;
-  return row.payee + " / " + row.memo;
+// Columns 0..5 of every kind: posted, type, amount, FITID, payee, memo. The
+// payee column shows the memo too when there is one.
+std::string Description(const std::vector<std::string>& row) {
+  const std::string& payee = row[4];
+  const std::string& memo = row[5];
+  if (memo.empty() || memo == payee) return payee;
+  if (payee.empty()) return memo;
+  return payee + " / " + memo;
+}
+
+void PutJsonRecords(const Field* columns, const Rows& rows, std::FILE* out) {
+  for (size_t i = 0; i < rows.size(); ++i) {
+    std::fputs(i == 0 ? "\n    {" : ",\n    {", out);
+    for (size_t c = 0; c < rows[i].size(); ++c) {
+      std::fprintf(out, "%s\"%s\": ", c == 0 ? "" : ", ", columns[c].name);
+      PutJsonString(rows[i][c], out);
+    }
+    std::fputc('}', out);
+  }
+  std::fputs(rows.empty() ? "]" : "\n  ]", out);
 }
 
 }  // namespace
@@ -114,73 +144,83 @@ void StatementPrinter::Print(void* statement, std::FILE* out) const {
 }
 
 void StatementPrinter::PrintTable(void* st, std::FILE* out) const {
-  std::fprintf(out, "Account            %s (%s)\n", Text(st, BANKSTATEMENT_PROP_ACCOUNTID).c_str(),
-               AccountTypeName(Integer(st, BANKSTATEMENT_PROP_ACCOUNTTYPE)));
-  std::fprintf(out, "Currency           %s\n", Text(st, BANKSTATEMENT_PROP_CURRENCYCODE).c_str());
-  std::string start = Text(st, BANKSTATEMENT_PROP_STARTDATE), end = Text(st, BANKSTATEMENT_PROP_ENDDATE);
+  const StatementKind& k = kind_;
+  std::fprintf(out, "%-19s%s", k.account.label, Text(k, st, k.account.id).c_str());
+  if (k.account_type_id != 0) std::fprintf(out, " (%s)", AccountTypeName(k, st));
+  std::fprintf(out, "\nCurrency           %s\n", Text(k, st, k.currency_id).c_str());
+  std::string start = Text(k, st, k.start_date_id), end = Text(k, st, k.end_date_id);
   if (!start.empty() || !end.empty()) std::fprintf(out, "Period             %s - %s\n", start.c_str(), end.c_str());
-  std::fprintf(out, "Ledger balance     %14s  as of %s\n", Amount(st, BANKSTATEMENT_PROP_LEDGERBALANCE).c_str(),
-               Text(st, BANKSTATEMENT_PROP_LEDGERBALANCEDATE).c_str());
-  std::string available_date = Text(st, BANKSTATEMENT_PROP_AVAILABLEBALANCEDATE);
-  if (!available_date.empty()) {
-    std::fprintf(out, "Available balance  %14s  as of %s\n", Amount(st, BANKSTATEMENT_PROP_AVAILABLEBALANCE).c_str(),
-                 available_date.c_str());
+  for (const StatementKind::Balance& balance : k.balances) {
+    if (balance.amount.name == nullptr) break;
+    if (balance.date_id == 0) {
+      if (Text(k, st, balance.amount.id).empty()) continue;
+      std::fprintf(out, "%-19s%14s\n", balance.amount.label, Amount(k, st, balance.amount.id).c_str());
+      continue;
+    }
+    std::string date = Text(k, st, balance.date_id);
+    if (date.empty()) continue;
+    std::fprintf(out, "%-19s%14s  as of %s\n", balance.amount.label, Amount(k, st, balance.amount.id).c_str(),
+                 date.c_str());
   }
-  std::vector<Row> rows = Rows(st);
+  if (HoldsClosingInfo(k, st)) {
+    const Rows rows = ReadRows(k, st, k.closing_count_id, k.closing_columns);
+    for (size_t i = 0; i < rows.size(); ++i) {
+      std::fprintf(out, "\nClosing %zu\n", i + 1);
+      for (size_t c = 0; c < rows[i].size(); ++c) {
+        if (!rows[i][c].empty()) std::fprintf(out, "  %-19s%s\n", k.closing_columns[c].label, rows[i][c].c_str());
+      }
+    }
+    std::fprintf(out, "%zu closing record%s\n", rows.size(), rows.size() == 1 ? "" : "s");
+    return;
+  }
+  const Rows rows = ReadRows(k, st, k.tx_count_id, k.tx_columns);
   std::fprintf(out, "\n%-19s  %-15s  %12s  %-26s  %s\n", "Posted", "Type", "Amount", "FITID", "Payee / memo");
   std::fprintf(out, "%s\n", std::string(106, '-').c_str());
-  for (const Row& row : rows) {
-    std::fprintf(out, "%-19s  %-15.15s  %12s  %-26s  %s\n", row.date_posted.c_str(), row.type.c_str(),
-                 row.amount.c_str(), row.fitid.c_str(), Description(row).c_str());
+  for (const auto& row : rows) {
+    std::fprintf(out, "%-19s  %-15.15s  %12s  %-26s  %s\n", row[0].c_str(), row[1].c_str(), row[2].c_str(),
+                 row[3].c_str(), Description(row).c_str());
   }
   std::fprintf(out, "%zu transaction%s\n", rows.size(), rows.size() == 1 ? "" : "s");
 }
 
 void StatementPrinter::PrintCsv(void* st, std::FILE* out) const {
-  std::fputs("date_posted,type,amount,fitid,payee,memo,check_number\n", out);
-  for (const Row& row : Rows(st)) {
-    const std::string* fields[] = {&row.date_posted, &row.type,  &row.amount,      &row.fitid,
-                                   &row.payee,       &row.memo, &row.check_number};
-    for (size_t i = 0; i < sizeof fields / sizeof fields[0]; ++i) {
-      if (i > 0) std::fputc(',', out);
-      PutCsvField(*fields[i], out);
+  const bool closing = HoldsClosingInfo(kind_, st);
+  const Field* columns = closing ? kind_.closing_columns : kind_.tx_columns;
+  for (size_t c = 0; columns[c].name != nullptr; ++c) {
+    if (c > 0) std::fputc(',', out);
+    std::fputs(columns[c].name, out);
+  }
+  std::fputc('\n', out);
+  for (const auto& row : ReadRows(kind_, st, closing ? kind_.closing_count_id : kind_.tx_count_id, columns)) {
+    for (size_t c = 0; c < row.size(); ++c) {
+      if (c > 0) std::fputc(',', out);
+      PutCsvField(row[c], out);
     }
     std::fputc('\n', out);
   }
 }
 
 void StatementPrinter::PrintJson(void* st, std::FILE* out) const {
-  auto member = [out](const char* name, const std::string& value, bool last = false) {
+  const StatementKind& k = kind_;
+  auto member = [out](const char* name, const std::string& value) {
     std::fprintf(out, "  \"%s\": ", name);
     PutJsonString(value, out);
-    std::fputs(last ? "\n" : ",\n", out);
+    std::fputs(",\n", out);
   };
   std::fputs("{\n", out);
-  member("account_id", Text(st, BANKSTATEMENT_PROP_ACCOUNTID));
-  member("account_type", AccountTypeName(Integer(st, BANKSTATEMENT_PROP_ACCOUNTTYPE)));
-  member("currency", Text(st, BANKSTATEMENT_PROP_CURRENCYCODE));
-  member("start_date", Text(st, BANKSTATEMENT_PROP_STARTDATE));
-  member("end_date", Text(st, BANKSTATEMENT_PROP_ENDDATE));
-  member("ledger_balance", Amount(st, BANKSTATEMENT_PROP_LEDGERBALANCE));
-  member("ledger_balance_date", Text(st, BANKSTATEMENT_PROP_LEDGERBALANCEDATE));
-  member("available_balance", Amount(st, BANKSTATEMENT_PROP_AVAILABLEBALANCE));
-  member("available_balance_date", Text(st, BANKSTATEMENT_PROP_AVAILABLEBALANCEDATE));
-  std::fputs("  \"transactions\": [", out);
-  std::vector<Row> rows = Rows(st);
-  for (size_t i = 0; i < rows.size(); ++i) {
-    const Row& row = rows[i];
-    std::fputs(i == 0 ? "\n    {" : ",\n    {", out);
-    const struct {
-      const char* name;
-      const std::string& value;
-    } fields[] = {{"date_posted", row.date_posted}, {"type", row.type},   {"amount", row.amount},
-                  {"fitid", row.fitid},             {"payee", row.payee}, {"memo", row.memo},
-                  {"check_number", row.check_number}};
-    for (size_t f = 0; f < sizeof fields / sizeof fields[0]; ++f) {
-      std::fprintf(out, "%s\"%s\": ", f == 0 ? "" : ", ", fields[f].name);
-      PutJsonString(fields[f].value, out);
-    }
-    std::fputc('}', out);
+  member(k.account.name, Text(k, st, k.account.id));
+  if (k.account_type_id != 0) member("account_type", AccountTypeName(k, st));
+  member("currency", Text(k, st, k.currency_id));
+  member("start_date", Text(k, st, k.start_date_id));
+  member("end_date", Text(k, st, k.end_date_id));
+  for (const StatementKind::Balance& balance : k.balances) {
+    if (balance.amount.name == nullptr) break;
+    member(balance.amount.name, Amount(k, st, balance.amount.id));
+    if (balance.date_id != 0) member(balance.date_name, Text(k, st, balance.date_id));
   }
-  std::fputs(rows.empty() ? "]\n}\n" : "\n  ]\n}\n", out);
+  std::fputs("  \"transactions\": [", out);
+  PutJsonRecords(k.tx_columns, ReadRows(k, st, k.tx_count_id, k.tx_columns), out);
+  std::fputs(",\n  \"closing_info\": [", out);
+  PutJsonRecords(k.closing_columns, ReadRows(k, st, k.closing_count_id, k.closing_columns), out);
+  std::fputs("\n}\n", out);
 }

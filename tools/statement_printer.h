@@ -2,11 +2,64 @@
 #include <cstdio>
 #include <string>
 
-// Prints the statement a BankStatement component holds (balances, then one
-// row per transaction) as a table, as CSV or as JSON. It reads everything
-// through the public C interface, so it shows what any host would see.
+#include "orvelan.h"
+
+// What the printer needs to know of one statement component: its entry
+// points and the ids of the properties it shows. The bank, card and loan
+// statements differ only here, so one printer serves all three.
+struct StatementKind {
+  // A shown property; `amount` marks an amount in display form.
+  struct Field {
+    const char* label;  // the table's label
+    const char* name;   // the CSV column and JSON member
+    int id;
+    bool amount;
+  };
+
+  const char* name;  // "bank", "card", "loan"
+  void* (*create)(EventCallback, void*, char*);
+  int (*destroy)(void*);
+  void* (*get)(void*, int, int, int*);
+  int (*set)(void*, int, int, const void*, int);
+  int (*run)(void*, int, int, void**, int*);
+  const char* (*last_error)(void*);
+  int (*last_error_code)(void*);
+
+  // The account line: its id and, where the component has one, its type.
+  Field account;
+  int account_type_id;  // 0 when there is no account type
+  const char* const* account_type_names;
+  int account_type_count;
+
+  int currency_id, start_date_id, end_date_id;
+  // Balances with the date each is as of (date id 0: none); a balance whose
+  // date is empty is left out of the table.
+  struct Balance {
+    Field amount;
+    const char* date_name;
+    int date_id;
+  } balances[4];
+
+  int tx_count_id;
+  Field tx_columns[12];  // the first five: posted, type, amount, FITID, payee; then memo, ...
+  int closing_count_id;
+  Field closing_columns[16];
+
+  // Download inputs, by the component's ids (0: the component has none).
+  int fi_url_id, fi_organization_id, fi_id_id, ofx_user_id, ofx_password_id, ofx_app_id_id, ofx_app_version_id,
+      ofx_version_id, bank_id_id, timeout_id, ssl_accept_server_cert_id;
+};
+
+extern const StatementKind kBankStatement;
+extern const StatementKind kCardStatement;
+extern const StatementKind kLoanStatement;
+
+// Prints the statement a component holds (balances, then one row per
+// transaction, or one per closing record when it holds closing information)
+// as a table, as CSV or as JSON. It reads everything through the public C
+// interface, so it shows what any host would see.
 //
-//   StatementPrinter printer(StatementPrinter::Format::kTable);
+//   StatementPrinter printer(kCardStatement, StatementPrinter::Format::kTable);
 //   printer.Print(statement, stdout);
 //
 // Amounts are printed as the library hands them out, except that a bare
@@ -15,12 +68,12 @@ class StatementPrinter {
  public:
   enum class Format { kTable, kCsv, kJson };
 
-  explicit StatementPrinter(Format format) : format_(format) {}
+  StatementPrinter(const StatementKind& kind, Format format) : kind_(kind), format_(format) {}
 
   // Reads "table", "csv" or "json"; false for anything else.
   static bool ParseFormat(const char* name, Format* format);
 
-  // `statement` is a handle from BankStatement_Create.
+  // `statement` is a handle from `kind.create`.
   void Print(void* statement, std::FILE* out) const;
 
  private:
@@ -28,5 +81,6 @@ class StatementPrinter {
   void PrintCsv(void* statement, std::FILE* out) const;
   void PrintJson(void* statement, std::FILE* out) const;
 
+  const StatementKind& kind_;
   Format format_;
 };

@@ -32,6 +32,18 @@ grep -q '^01/20/2026 00:00:00,Transfer,-500.00,HCB202601200003,' "$scratch/out" 
 expect 0 "" "$source_dir/examples/statement.ofx" --format json
 grep -q '"fitid": "HCB202601310004"' "$scratch/out" || { echo "FAIL: json"; failures=$((failures + 1)); }
 
+# A card file (OFX 1.x) and a loan file (OFX 2.x, with loan aggregates the
+# dictionary lacks) are told apart by their content.
+sonrs='<SIGNONMSGSRSV1><SONRS><STATUS><CODE>0</CODE><SEVERITY>INFO</SEVERITY></STATUS><DTSERVER>20260131</DTSERVER><LANGUAGE>ENG</LANGUAGE></SONRS></SIGNONMSGSRSV1>'
+printf 'OFXHEADER:100\r\n\r\n<OFX>%s<CREDITCARDMSGSRSV1><CCSTMTTRNRS><TRNUID>1<STATUS><CODE>0<SEVERITY>INFO</STATUS><CCSTMTRS><CURDEF>USD<CCACCTFROM><ACCTID>4111</CCACCTFROM><BANKTRANLIST><DTSTART>20260101<DTEND>20260131<STMTTRN><TRNTYPE>POS<DTPOSTED>20260105<TRNAMT>-12.5<FITID>C1<NAME>Bakery</STMTTRN></BANKTRANLIST><LEDGERBAL><BALAMT>-12.5<DTASOF>20260131</LEDGERBAL></CCSTMTRS></CCSTMTTRNRS></CREDITCARDMSGSRSV1></OFX>' "$sonrs" >"$scratch/card.ofx"
+printf '<?OFX OFXHEADER="200" VERSION="211"?><OFX>%s<LOANMSGSRSV1><LOANSTMTTRNRS><TRNUID>1</TRNUID><STATUS><CODE>0</CODE><SEVERITY>INFO</SEVERITY></STATUS><LOANSTMTRS><CURDEF>USD</CURDEF><LOANACCTFROM><LOANACCTID>L7</LOANACCTID><LOANACCTTYPE>HOMEEQUITY</LOANACCTTYPE></LOANACCTFROM><PRINBAL><BALAMT>900</BALAMT><DTASOF>20260131</DTASOF></PRINBAL><LOANTRANLIST><DTSTART>20260101</DTSTART><DTEND>20260131</DTEND><LOANSTMTTRN><LOANTRNTYPE>PAYMENT</LOANTRNTYPE><DTPOSTED>20260102</DTPOSTED><TRNAMT>100</TRNAMT><LOANTRNAMT><PRINAMT>60</PRINAMT><INTAMT>30</INTAMT><ESCRWAMT><ESCRWTOTAL>10</ESCRWTOTAL></ESCRWAMT></LOANTRNAMT><FITID>L1</FITID></LOANSTMTTRN></LOANTRANLIST></LOANSTMTRS></LOANSTMTTRNRS></LOANMSGSRSV1></OFX>' "$sonrs" >"$scratch/loan.ofx"
+expect 0 "" "$scratch/card.ofx" --format csv
+grep -qx '01/05/2026 00:00:00,Point of Sale,-12.5,C1,Bakery,' "$scratch/out" || { echo "FAIL: card csv"; cat "$scratch/out"; failures=$((failures + 1)); }
+expect 0 "" "$scratch/loan.ofx" --format json
+grep -q '"account_type": "homeequity"' "$scratch/out" && grep -q '"principal": "60", "interest": "30", "escrow": "10"' "$scratch/out" ||
+  { echo "FAIL: loan json"; cat "$scratch/out"; failures=$((failures + 1)); }
+expect 1 "ReadOFXDataFile failed: 208 No such child." "$scratch/card.ofx" --loan
+
 expect 1 "ReadOFXDataFile failed: 302 Cannot open OFX data file for reading." "$scratch/none.ofx"
 printf 'OFXHEADER:100\r\n\r\n<OFX><BANKMSGSRSV1><STMTTRNRS><STATUS><CODE>0<SEVERITY>INFO</STATUS></STMTTRNRS></BANKMSGSRSV1></OFX>' \
   >"$scratch/short.ofx"
