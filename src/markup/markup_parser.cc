@@ -91,6 +91,7 @@ int MarkupParser::Reset() {
     s->Clear();
   }
   kept_.Truncate(0);
+  span_depth_ = 0;
   retained_ = nullptr;
   insertions_.Clear();
   inserted_ = 0;
@@ -230,6 +231,13 @@ int MarkupParser::Feed(const char* data, size_t length) {
 }
 
 int MarkupParser::FeedBytes(const char* data, size_t length) {
+  const int rc = FeedRun(data, length);
+  // The input may go away once the feed returns.
+  const int materialized = MaterializeSpan();
+  return rc != kOk ? rc : materialized;
+}
+
+int MarkupParser::FeedRun(const char* data, size_t length) {
   if (encoding_ == Encoding::kUtf16LE || encoding_ == Encoding::kUtf16BE) return Fail(kErrUtf16);
   const uint8_t* p = reinterpret_cast<const uint8_t*>(data);
   const uint8_t* const end = p + length;
@@ -256,6 +264,28 @@ int MarkupParser::FeedBytes(const char* data, size_t length) {
       // delivered as the byte-at-a-time path would after it.
       const bool line_end = state_ == kText && p < end && *p == '\n';
       if (line_end) ++p;
+      if (p != run && state_ == kText && text_.IsEmpty() && build_dom_ && open_.Count() > 0 &&
+          (line_end ? line_delivery_ : p < end && *p == '<')) {
+        // The run ends at "<" or a line end, where its text up to the trailing
+        // white space is delivered (tail-trimmed or by line); the white space
+        // stays buffered as it would.
+        const size_t n = static_cast<size_t>(p - run);
+        size_t trimmed = n;
+        while (trimmed > 0 && IsWhite(run[trimmed - 1])) --trimmed;
+        if (int rc = TakeRun(run, n); rc != kOk) return rc;
+        if (trimmed < n) {
+          if (int rc = text_.Append(reinterpret_cast<const char*>(run + trimmed), static_cast<int32_t>(n - trimmed));
+              rc != kOk) {
+            return Fail(rc);
+          }
+        }
+        if (trimmed > 0) {
+          if (int rc = DeliverInput(reinterpret_cast<const char*>(run), static_cast<int32_t>(trimmed)); rc != kOk) {
+            return rc;
+          }
+        }
+        continue;
+      }
       if (p != run) {
         ByteString& target = state_ == kText || state_ == kAfterTag ? text_ : token_;
         if (int rc = target.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(p - run)); rc != kOk) {
@@ -381,8 +411,26 @@ int MarkupParser::DeliverText(const char* text, int32_t length) {
   }
   if (open_.Count() == 0) return HasFlag(kAllowTextOutsideRoot) ? kOk : Fail(kErrTextOutsideRoot);
   if (build_dom_) {
+    if (int rc = MaterializeSpan(); rc != kOk) return rc;
     if (int rc = open_.ValueBuffer(open_.Count() - 1).Append(text, length); rc != kOk) return Fail(rc);
   }
+  return kOk;
+}
+
+int MarkupParser::DeliverInput(const char* text, int32_t length) {
+  const int32_t depth = open_.Count();
+  if (span_depth_ != 0 || !open_.ValueAt(depth - 1).IsEmpty()) return DeliverText(text, length);
+  span_data_ = text;
+  span_length_ = length;
+  span_depth_ = depth;
+  return kOk;
+}
+
+int MarkupParser::MaterializeSpan() {
+  if (span_depth_ == 0) return kOk;
+  const int32_t depth = span_depth_;
+  span_depth_ = 0;
+  if (int rc = open_.ValueBuffer(depth - 1).Append(span_data_, span_length_); rc != kOk) return Fail(rc);
   return kOk;
 }
 
@@ -873,7 +921,10 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
   const int32_t depth = open_.Count();
   if (build_dom_ && depth > 0) {
     ByteString& pending = open_.ValueBuffer(depth - 1);
-    if (!pending.IsEmpty()) {
+    if (span_depth_ == depth) {
+      span_depth_ = 0;
+      if (int rc = tree_.SetText(depth, span_data_, span_length_); rc != kOk) return Fail(rc);
+    } else if (!pending.IsEmpty()) {
       if (int rc = tree_.SetText(depth, pending.Data(), pending.Length()); rc != kOk) return Fail(rc);
       pending.SetLength(0);
     }
@@ -933,6 +984,7 @@ int MarkupParser::FinishSection() {
     if (int rc = listener_->OnSection(token_.Data(), text_.Data()); rc != kOk) return rc;
   }
   if (token_.Equals("CDATA") && build_dom_ && open_.Count() > 0) {
+    if (int rc = MaterializeSpan(); rc != kOk) return rc;
     if (int rc = open_.ValueBuffer(open_.Count() - 1).Append(text_); rc != kOk) return Fail(rc);
   }
   text_.SetLength(0);
