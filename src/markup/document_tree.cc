@@ -72,6 +72,7 @@ int DocumentTree::ResetTree() {
   tag_mark_ = 0;
   top_count_ = 0;
   for (WalkMemo& m : memo_) m.parent = 0;
+  child_list_.parent = 0;
   uint32_t record;
   return Append(kNamespaceRecord, 8, record);  // end of scope, two empty names
 }
@@ -288,11 +289,45 @@ bool DocumentTree::NameMatches(uint32_t child, std::string_view name, int32_t& c
   return name == LocalName(child) && ++count == index;
 }
 
+const DocumentTree::ChildList& DocumentTree::ListChildren(uint32_t e) {
+  ChildList& list = child_list_;
+  const int32_t count = ChildCount(e);
+  if (list.parent == e && list.count == count) return list;
+  list.parent = e;
+  list.count = count;
+  list.size = 0;
+  list.listed = count <= static_cast<int32_t>(ChildList::kMax);
+  if (!list.listed) return list;
+  uint32_t child = FirstChild(e);
+  for (int32_t visited = 0; child != 0 && visited < count; child = NextSibling(child), ++visited) {
+    if (Field(child, 20) != 0) {
+      list.listed = false;
+      return list;
+    }
+    list.child[list.size] = child;
+    list.length[list.size] = static_cast<uint32_t>(std::strlen(LocalName(child)));
+    ++list.size;
+  }
+  return list;
+}
+
 int DocumentTree::SelectChild(std::string_view name, int32_t index, std::string_view attribute, const char* value) {
   const uint32_t e = cursor_ != 0 ? cursor_ : top_;
   if (e == 0) return kErrNoSuchChild;
   const int32_t limit = ChildCount(e);
   const bool filtered = !attribute.empty();
+  if (!filtered && index == 1) {
+    // Without namespaces only the local name can match: the first child so named.
+    if (const ChildList& list = ListChildren(e); list.listed) {
+      for (uint32_t i = 0; i < list.size; ++i) {
+        if (list.length[i] == name.size() && std::memcmp(LocalName(list.child[i]), name.data(), name.size()) == 0) {
+          cursor_ = list.child[i];
+          return kOk;
+        }
+      }
+      return kErrNoSuchChild;
+    }
+  }
 
   WalkMemo& memo = MemoFor(e, name);
   uint32_t child = FirstChild(e);

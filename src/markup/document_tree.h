@@ -136,6 +136,21 @@ class DocumentTree {
     int32_t matched = 0;    // matches counted up to and including it
     ShortByteString20 name;
   };
+  // A record's fields are read one name at a time; the children of the
+  // parent asked last, when few and all without a namespace, are listed once
+  // so that each first-match step looks at names only. Keyed by parent and
+  // child count (an open element gains children).
+  struct ChildList {
+    static constexpr uint32_t kMax = 32;
+    uint32_t parent = 0;
+    int32_t count = -1;
+    bool listed = false;  // false: too many children, or a namespaced one
+    uint32_t size = 0;
+    uint32_t child[kMax];
+    uint32_t length[kMax];
+  };
+  ChildList child_list_;
+  const ChildList& ListChildren(uint32_t e);
   static constexpr uint32_t kMemoSlots = 16;
   WalkMemo memo_[kMemoSlots];
   WalkMemo& MemoFor(uint32_t parent, std::string_view name);
