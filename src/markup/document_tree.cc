@@ -58,9 +58,11 @@ int DocumentTree::Append(char kind, uint32_t payload, uint32_t& record) {
     capacity_ = static_cast<uint32_t>(grown);
   }
   record = size_;
-  std::memset(data_ + record, 0, static_cast<size_t>(size));
-  data_[record] = kind;
+  // Callers write every field; the last word holds the final NUL and the padding.
+  const char head[4] = {kind, 0, 0, 0};
+  std::memcpy(data_ + record, head, sizeof head);
   SetField(record, 4, static_cast<uint32_t>(size));
+  std::memset(data_ + record + size - 4, 0, 4);
   size_ = static_cast<uint32_t>(wanted);
   return kOk;
 }
@@ -74,14 +76,18 @@ int DocumentTree::ResetTree() {
   for (WalkMemo& m : memo_) m.parent = 0;
   child_list_.parent = 0;
   uint32_t record;
-  return Append(kNamespaceRecord, 8, record);  // end of scope, two empty names
+  if (int rc = Append(kNamespaceRecord, 8, record); rc != kOk) return rc;  // end of scope, two empty names
+  SetField(record, 8, 0);
+  return kOk;
 }
 
 int DocumentTree::AddNamespace(std::string_view prefix, std::string_view uri, int32_t entry) {
   uint32_t record;
   const uint32_t payload = static_cast<uint32_t>(4 + prefix.size() + 1 + uri.size() + 1);
   if (int rc = Append(kNamespaceRecord, payload, record); rc != kOk) return rc;
+  SetField(record, 8, 0);
   std::memcpy(data_ + record + 12, prefix.data(), prefix.size());
+  data_[record + 12 + prefix.size()] = '\0';
   std::memcpy(data_ + record + 13 + prefix.size(), uri.data(), uri.size());
   if (entry > 0 && entry <= kMaxDepth) namespace_offsets_[entry - 1] = record;
   return kOk;
@@ -93,14 +99,20 @@ int DocumentTree::OpenElement(std::string_view local_name, int32_t depth, int32_
   uint32_t e;
   const uint32_t payload = static_cast<uint32_t>(kElementFixedSize - kHeaderSize + local_name.size() + 1);
   if (int rc = Append(kElementRecord, payload, e); rc != kOk) return rc;
-  SetField(e, 12, is_empty ? static_cast<uint32_t>(-1) : 0);
-  SetField(e, 16, depth > 1 ? open_offsets_[depth - 2] : 0);
-  SetField(e, 20, entry > 0 ? namespace_offsets_[entry - 1] : 0);
-  SetField(e, 24, namespaces_in_scope);
-  SetField(e, 28, tag_mark_);
-  SetField(e, 32, attribute_count);
-  SetField(e, 40, tag_start);
-  SetField(e, 48, content_start);
+  // +8 to +52; the end offset, text record, end and end tag start come later.
+  const uint32_t fields[12] = {0,
+                               is_empty ? static_cast<uint32_t>(-1) : 0,
+                               depth > 1 ? open_offsets_[depth - 2] : 0,
+                               entry > 0 ? namespace_offsets_[entry - 1] : 0,
+                               namespaces_in_scope,
+                               tag_mark_,
+                               attribute_count,
+                               0,
+                               tag_start,
+                               0,
+                               content_start,
+                               0};
+  std::memcpy(data_ + e + kHeaderSize, fields, sizeof fields);
   std::memcpy(data_ + e + kElementFixedSize, local_name.data(), local_name.size());
   open_offsets_[depth - 1] = e;
   if (depth == 1) {
@@ -116,6 +128,7 @@ int DocumentTree::AddAttribute(std::string_view local_name, std::string_view val
   if (int rc = Append(kAttributeRecord, payload, record); rc != kOk) return rc;
   SetField(record, 8, entry > 0 ? namespace_offsets_[entry - 1] : 0);
   std::memcpy(data_ + record + 12, local_name.data(), local_name.size());
+  data_[record + 12 + local_name.size()] = '\0';
   std::memcpy(data_ + record + 13 + local_name.size(), value.data(), value.size());
   return kOk;
 }

@@ -107,7 +107,8 @@ class DocumentTree {
   void SetField(uint32_t record, uint32_t at, uint32_t value);
   uint32_t RecordSize(uint32_t record) const { return Field(record, 4); }
   char Kind(uint32_t record) const { return data_[record]; }
-  // Appends a zeroed record of `payload` bytes after the header; returns its offset via `record`.
+  // Appends a record of `payload` bytes after the header, only its last word
+  // zeroed (the caller writes the rest); returns its offset via `record`.
   int Append(char kind, uint32_t payload, uint32_t& record);
   uint32_t FirstChild(uint32_t e) const;
   uint32_t NextSibling(uint32_t e) const;
