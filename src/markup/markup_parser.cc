@@ -331,11 +331,9 @@ bool MarkupParser::TakeTag(const uint8_t*& p, const uint8_t* end, int& rc) {
   token_.SetLength(0);
   if (is_end && (rc = TakeRun(p + 1, 1)) != kOk) return true;
   tag_start_ = tag_start;
+  // The name is read where it is in the input, which stays put during the feed.
   const size_t length = static_cast<size_t>(close - name);
-  if (token_.Append(reinterpret_cast<const char*>(name), static_cast<int32_t>(length)) != kOk) {
-    rc = Fail(kErrOutOfMemory);
-    return true;
-  }
+  const std::string_view tag_name(reinterpret_cast<const char*>(name), length);
   if ((rc = TakeRun(name, length)) != kOk) return true;
   p = close + 1;
   // ">" is kept and counted before it is handled, and becomes the previous
@@ -347,10 +345,10 @@ bool MarkupParser::TakeTag(const uint8_t*& p, const uint8_t* end, int& rc) {
   ++char_count_;
   if (is_end) {
     state_ = kAfterTag;
-    rc = EndTag(token_.View(), false, false);
+    rc = EndTag(tag_name, false, false);
   } else {
     state_ = kStartName;
-    rc = StartTagNameComplete();
+    rc = StartTagNameComplete(tag_name);
     if (rc == kOk) {
       state_ = kAfterTag;
       rc = TagComplete();
@@ -375,8 +373,7 @@ int MarkupParser::Input(uint8_t ch) {
   return rc;
 }
 
-int MarkupParser::Deliver(Delivery how) {
-  if (text_.IsEmpty()) return kOk;
+int MarkupParser::DeliverBuffer(Delivery how) {
   int rc = kOk;
   switch (how) {
     case Delivery::kFull:
@@ -465,7 +462,7 @@ int MarkupParser::Handle(uint8_t ch) {
           state_ = kEndName;
           return kOk;
         }
-        if (int rc = StartTagNameComplete(); rc != kOk) return rc;
+        if (int rc = StartTagNameComplete(token_.View()); rc != kOk) return rc;
         if (ch == '>') {
           state_ = kAfterTag;
           return TagComplete();
@@ -734,13 +731,13 @@ int MarkupParser::Handle(uint8_t ch) {
   }
 }
 
-int MarkupParser::StartTagNameComplete() {
+int MarkupParser::StartTagNameComplete(std::string_view name) {
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
   const bool is_leaf = !containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_;
   leaf_name_.Swap(leaf_candidate_);
   leaf_name_at_ = leaf_candidate_at_;
-  if (int rc = leaf_candidate_.Assign(token_); rc != kOk) return Fail(rc);
-  candidate_is_container_ = IsContainer(token_.View());
+  if (int rc = leaf_candidate_.Assign(name); rc != kOk) return Fail(rc);
+  candidate_is_container_ = IsContainer(name);
   if (is_leaf) {
     if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
   }

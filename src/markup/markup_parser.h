@@ -122,12 +122,14 @@ class MarkupParser {
     return rc;
   }
   int Fail(int code, const char* prefix, std::string_view name);
-  int Deliver(Delivery how);
+  // Most calls find nothing to deliver.
+  int Deliver(Delivery how) { return text_.IsEmpty() ? 0 : DeliverBuffer(how); }
+  int DeliverBuffer(Delivery how);
   int DeliverText(const char* text, int32_t length);
   // Delivers input bytes that stay put until the current feed returns.
   int DeliverInput(const char* text, int32_t length);
   int MaterializeSpan();
-  int StartTagNameComplete();
+  int StartTagNameComplete(std::string_view name);
   int AttributeComplete();
   int TagComplete();
   int StartElement(bool is_empty);
