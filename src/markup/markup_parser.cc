@@ -1010,10 +1010,8 @@ bool MarkupParser::InsertionList::PushBack(const Insertion& in) {
   return true;
 }
 
-void MarkupParser::InsertionList::Clear() {
-  blocks_.clear();
-  size_ = 0;
-}
+// The blocks stay for the next parse, as the tree's arena and the kept text do.
+void MarkupParser::InsertionList::Clear() { size_ = 0; }
 
 bool MarkupParser::RetainedNameMatches(std::string_view name, uint32_t at) const {
   const uint64_t consumed = char_count_ - inserted_;
