@@ -81,6 +81,44 @@ int CharacterReference(std::string_view name) {
 
 }  // namespace
 
+// Per byte, the states (bit = state number) in which that byte is only
+// appended to a buffer and nothing else happens: a run of such bytes is
+// taken whole. Character data and the white space after a tag, which
+// deliver text at line ends, are read by their own loops.
+struct MarkupParser::RunBytes {
+  static constexpr std::array<uint32_t, 256> Make() {
+    std::array<uint32_t, 256> t{};
+    const auto all_but = [&t](State state, std::string_view stops, bool stop_at_white) {
+      for (int c = 0; c < 256; ++c) {
+        if (stops.find(static_cast<char>(c)) != std::string_view::npos) continue;
+        if (stop_at_white && (kCharClass[c] & kSpace) != 0) continue;
+        t[c] |= 1u << state;
+      }
+    };
+    for (int c = 0; c < 256; ++c) {
+      if ((kCharClass[c] & kNameChar) == 0 && c != '#') continue;
+      if (c != '#') t[c] |= 1u << kStartName | 1u << kEndName;
+      t[c] |= 1u << kRefText | 1u << kRefUnquoted | 1u << kRefSingle | 1u << kRefDouble;
+    }
+    all_but(kAttrName, ">=/", true);
+    all_but(kUnquoted, "&>", true);
+    all_but(kSingleQuoted, "'&", false);
+    all_but(kDoubleQuoted, "\"&", false);
+    all_but(kComment, "-", false);
+    all_but(kInstruction, ">", false);
+    all_but(kDeclaration, ">[\"'", false);
+    all_but(kSection, ">", false);
+    all_but(kSectionKeyword, "[", true);
+    all_but(kDeclSingle, "'", false);
+    all_but(kDeclDouble, "\"", false);
+    all_but(kDeclBracket, "]", false);
+    all_but(kHtmlComment, ">", false);
+    return t;
+  }
+  static const std::array<uint32_t, 256> kTable;
+};
+const std::array<uint32_t, 256> MarkupParser::RunBytes::kTable = MarkupParser::RunBytes::Make();
+
 MarkupParser::MarkupParser() = default;
 
 int MarkupParser::Reset() {
@@ -257,8 +295,9 @@ int MarkupParser::FeedRun(const char* data, size_t length) {
         while (p < end && !(kCharClass[*p] & kTextStop)) ++p;
       } else if (state_ == kAfterTag) {
         while (p < end && IsWhite(*p)) ++p;
-      } else if (state_ == kStartName || (state_ == kEndName && prev_ != '/')) {
-        while (p < end && IsNameChar(*p)) ++p;
+      } else if (state_ != kEndName || prev_ != '/') {
+        const uint32_t bit = 1u << state_;
+        while (p < end && (RunBytes::kTable[*p] & bit) != 0) ++p;
       }
       // A line end in character data joins its run; the line is then
       // delivered as the byte-at-a-time path would after it.
@@ -287,7 +326,9 @@ int MarkupParser::FeedRun(const char* data, size_t length) {
         continue;
       }
       if (p != run) {
-        ByteString& target = state_ == kText || state_ == kAfterTag ? text_ : token_;
+        ByteString& target = state_ == kText || state_ == kAfterTag || state_ == kSection ? text_
+                             : state_ >= kRefText && state_ <= kRefDouble                ? entity_name_
+                                                                                         : token_;
         if (int rc = target.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(p - run)); rc != kOk) {
           return Fail(rc);
         }

@@ -112,6 +112,7 @@ class MarkupParser {
     kDeclBracket, kHtmlComment,
   };
   enum class Delivery : uint8_t { kFull, kTailTrimmed, kLine, kWhitespaceOnly };
+  struct RunBytes;
 
   int Input(uint8_t ch);
   int Handle(uint8_t ch);
