@@ -35,6 +35,23 @@ inline bool IsNameStart(uint8_t c) { return (kCharClass[c] & kNameStart) != 0; }
 inline bool IsNameChar(uint8_t c) { return (kCharClass[c] & kNameChar) != 0; }
 
 
+// Names are a few bytes long: a loop beats a call to memcmp.
+inline bool SameBytes(const char* a, const char* b, size_t n) {
+  for (size_t i = 0; i < n; ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
+}
+inline bool HasColon(std::string_view name) {
+  for (const char c : name) {
+    if (c == ':') return true;
+  }
+  return false;
+}
+inline bool SameName(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && SameBytes(a.data(), b.data(), a.size());
+}
+
 int32_t TrimmedLength(const ByteString& s) {
   int32_t n = s.Length();
   while (n > 0 && IsWhite(static_cast<uint8_t>(s.Data()[n - 1]))) --n;
@@ -218,7 +235,7 @@ bool MarkupParser::IsContainer(std::string_view name) const {
   const char* list = containers_.Data();
   for (size_t slot = HashName(name) & mask; container_slots_[slot] != 0; slot = (slot + 1) & mask) {
     const char* at = list + container_slots_[slot] - 1;
-    if (std::memcmp(at, name.data(), name.size()) == 0 && at[name.size()] == ' ') return true;
+    if (SameBytes(at, name.data(), name.size()) && at[name.size()] == ' ') return true;
   }
   return false;
 }
@@ -930,7 +947,7 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
   if (!is_implicit) {
     if (!containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_ &&
-        leaf_candidate_.View() != name) {
+        !SameName(leaf_candidate_.View(), name)) {
       if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
       leaf_name_at_ = leaf_candidate_at_;
       if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
@@ -947,14 +964,17 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
       return Fail(kErrOutOfMemory);
     }
   }
-  int32_t entry = 0;
-  std::string_view local;
-  if (int rc = ResolvePrefix(name, false, entry, local); rc != kOk) return rc;
-  if (listener_ != nullptr) {
-    const ByteString qualified(name);
-    const ByteString local_copy(local);
-    const char* uri = entry > 0 ? namespaces_.ValueAt(entry - 1).Data() : "";
-    if (int rc = listener_->OnEndTag(uri, local_copy.Data(), qualified.Data(), is_empty); rc != kOk) return rc;
+  // Only a listener uses the namespace; a prefix must resolve all the same.
+  if (listener_ != nullptr || HasColon(name)) {
+    int32_t entry = 0;
+    std::string_view local;
+    if (int rc = ResolvePrefix(name, false, entry, local); rc != kOk) return rc;
+    if (listener_ != nullptr) {
+      const ByteString qualified(name);
+      const ByteString local_copy(local);
+      const char* uri = entry > 0 ? namespaces_.ValueAt(entry - 1).Data() : "";
+      if (int rc = listener_->OnEndTag(uri, local_copy.Data(), qualified.Data(), is_empty); rc != kOk) return rc;
+    }
   }
   const int32_t depth = open_.Count();
   if (build_dom_ && depth > 0) {
@@ -969,7 +989,7 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
     // A leaf closed implicitly ends where its synthesized end tag begins.
     tree_.CloseElement(depth, is_implicit ? tag_start_ : char_count_, tag_start_);
   }
-  if (depth == 0 || open_.LastName().View() != name) {
+  if (depth == 0 || !SameName(open_.LastName().View(), name)) {
     return Fail(kErrUnbalancedTag, "Unbalanced element tag: ", name);
   }
   while (namespaces_.Count() > 0 && namespace_depths_[namespaces_.Count() - 1] == static_cast<uint32_t>(depth)) {
@@ -1057,7 +1077,7 @@ void MarkupParser::InsertionList::Clear() { size_ = 0; }
 bool MarkupParser::RetainedNameMatches(std::string_view name, uint32_t at) const {
   const uint64_t consumed = char_count_ - inserted_;
   if (name.empty() || at + static_cast<uint64_t>(name.size()) >= consumed) return false;
-  if (std::memcmp(retained_ + at, name.data(), name.size()) != 0) return false;
+  if (!SameBytes(retained_ + at, name.data(), name.size())) return false;
   // The name is read back up to the first byte that cannot continue it.
   return !IsNameChar(static_cast<uint8_t>(retained_[at + name.size()]));
 }
