@@ -329,7 +329,8 @@ int MarkupParser::FeedRun(const char* data, size_t length) {
         size_t trimmed = n;
         while (trimmed > 0 && IsWhite(run[trimmed - 1])) --trimmed;
         if (int rc = TakeRun(run, n); rc != kOk) return rc;
-        if (trimmed < n) {
+        // Before "<" the white space would only be dropped.
+        if (trimmed < n && !(p < end && *p == '<')) {
           if (int rc = text_.Append(reinterpret_cast<const char*>(run + trimmed), static_cast<int32_t>(n - trimmed));
               rc != kOk) {
             return Fail(rc);
@@ -340,6 +341,11 @@ int MarkupParser::FeedRun(const char* data, size_t length) {
             return rc;
           }
         }
+        continue;
+      }
+      if (p != run && state_ == kAfterTag && p < end) {
+        // The next byte, in this feed, drops the white space unseen.
+        if (int rc = TakeRun(run, static_cast<size_t>(p - run)); rc != kOk) return rc;
         continue;
       }
       if (p != run) {
