@@ -361,6 +361,13 @@ int MarkupParser::FeedRun(const char* data, size_t length) {
         }
         continue;
       }
+      if (state_ == kAfterTag && *p != '<') {
+        // Character data begins: the white space before it goes, and the
+        // byte starts a run of its own.
+        if (int rc = Deliver(Delivery::kWhitespaceOnly); rc != kOk) return rc;
+        state_ = kText;
+        continue;
+      }
       if (*p == '<' && (state_ == kText || state_ == kAfterTag)) {
         int rc = kOk;
         if (TakeTag(p, end, rc)) {
