@@ -58,9 +58,11 @@ int DocumentTree::Append(char kind, uint32_t payload, uint32_t& record) {
     capacity_ = static_cast<uint32_t>(grown);
   }
   record = size_;
-  std::memset(data_ + record, 0, static_cast<size_t>(size));
-  data_[record] = kind;
+  // Callers write every field; the last word holds the final NUL and the padding.
+  const char head[4] = {kind, 0, 0, 0};
+  std::memcpy(data_ + record, head, sizeof head);
   SetField(record, 4, static_cast<uint32_t>(size));
+  std::memset(data_ + record + size - 4, 0, 4);
   size_ = static_cast<uint32_t>(wanted);
   return kOk;
 }
@@ -72,15 +74,20 @@ int DocumentTree::ResetTree() {
   tag_mark_ = 0;
   top_count_ = 0;
   for (WalkMemo& m : memo_) m.parent = 0;
+  child_list_.parent = 0;
   uint32_t record;
-  return Append(kNamespaceRecord, 8, record);  // end of scope, two empty names
+  if (int rc = Append(kNamespaceRecord, 8, record); rc != kOk) return rc;  // end of scope, two empty names
+  SetField(record, 8, 0);
+  return kOk;
 }
 
 int DocumentTree::AddNamespace(std::string_view prefix, std::string_view uri, int32_t entry) {
   uint32_t record;
   const uint32_t payload = static_cast<uint32_t>(4 + prefix.size() + 1 + uri.size() + 1);
   if (int rc = Append(kNamespaceRecord, payload, record); rc != kOk) return rc;
+  SetField(record, 8, 0);
   std::memcpy(data_ + record + 12, prefix.data(), prefix.size());
+  data_[record + 12 + prefix.size()] = '\0';
   std::memcpy(data_ + record + 13 + prefix.size(), uri.data(), uri.size());
   if (entry > 0 && entry <= kMaxDepth) namespace_offsets_[entry - 1] = record;
   return kOk;
@@ -92,14 +99,20 @@ int DocumentTree::OpenElement(std::string_view local_name, int32_t depth, int32_
   uint32_t e;
   const uint32_t payload = static_cast<uint32_t>(kElementFixedSize - kHeaderSize + local_name.size() + 1);
   if (int rc = Append(kElementRecord, payload, e); rc != kOk) return rc;
-  SetField(e, 12, is_empty ? static_cast<uint32_t>(-1) : 0);
-  SetField(e, 16, depth > 1 ? open_offsets_[depth - 2] : 0);
-  SetField(e, 20, entry > 0 ? namespace_offsets_[entry - 1] : 0);
-  SetField(e, 24, namespaces_in_scope);
-  SetField(e, 28, tag_mark_);
-  SetField(e, 32, attribute_count);
-  SetField(e, 40, tag_start);
-  SetField(e, 48, content_start);
+  // +8 to +52; the end offset, text record, end and end tag start come later.
+  const uint32_t fields[12] = {0,
+                               is_empty ? static_cast<uint32_t>(-1) : 0,
+                               depth > 1 ? open_offsets_[depth - 2] : 0,
+                               entry > 0 ? namespace_offsets_[entry - 1] : 0,
+                               namespaces_in_scope,
+                               tag_mark_,
+                               attribute_count,
+                               0,
+                               tag_start,
+                               0,
+                               content_start,
+                               0};
+  std::memcpy(data_ + e + kHeaderSize, fields, sizeof fields);
   std::memcpy(data_ + e + kElementFixedSize, local_name.data(), local_name.size());
   open_offsets_[depth - 1] = e;
   if (depth == 1) {
@@ -115,6 +128,7 @@ int DocumentTree::AddAttribute(std::string_view local_name, std::string_view val
   if (int rc = Append(kAttributeRecord, payload, record); rc != kOk) return rc;
   SetField(record, 8, entry > 0 ? namespace_offsets_[entry - 1] : 0);
   std::memcpy(data_ + record + 12, local_name.data(), local_name.size());
+  data_[record + 12 + local_name.size()] = '\0';
   std::memcpy(data_ + record + 13 + local_name.size(), value.data(), value.size());
   return kOk;
 }
@@ -288,11 +302,45 @@ bool DocumentTree::NameMatches(uint32_t child, std::string_view name, int32_t& c
   return name == LocalName(child) && ++count == index;
 }
 
+const DocumentTree::ChildList& DocumentTree::ListChildren(uint32_t e) {
+  ChildList& list = child_list_;
+  const int32_t count = ChildCount(e);
+  if (list.parent == e && list.count == count) return list;
+  list.parent = e;
+  list.count = count;
+  list.size = 0;
+  list.listed = count <= static_cast<int32_t>(ChildList::kMax);
+  if (!list.listed) return list;
+  uint32_t child = FirstChild(e);
+  for (int32_t visited = 0; child != 0 && visited < count; child = NextSibling(child), ++visited) {
+    if (Field(child, 20) != 0) {
+      list.listed = false;
+      return list;
+    }
+    list.child[list.size] = child;
+    list.length[list.size] = static_cast<uint32_t>(std::strlen(LocalName(child)));
+    ++list.size;
+  }
+  return list;
+}
+
 int DocumentTree::SelectChild(std::string_view name, int32_t index, std::string_view attribute, const char* value) {
   const uint32_t e = cursor_ != 0 ? cursor_ : top_;
   if (e == 0) return kErrNoSuchChild;
   const int32_t limit = ChildCount(e);
   const bool filtered = !attribute.empty();
+  if (!filtered && index == 1) {
+    // Without namespaces only the local name can match: the first child so named.
+    if (const ChildList& list = ListChildren(e); list.listed) {
+      for (uint32_t i = 0; i < list.size; ++i) {
+        if (list.length[i] == name.size() && std::memcmp(LocalName(list.child[i]), name.data(), name.size()) == 0) {
+          cursor_ = list.child[i];
+          return kOk;
+        }
+      }
+      return kErrNoSuchChild;
+    }
+  }
 
   WalkMemo& memo = MemoFor(e, name);
   uint32_t child = FirstChild(e);

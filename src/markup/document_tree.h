@@ -107,7 +107,8 @@ class DocumentTree {
   void SetField(uint32_t record, uint32_t at, uint32_t value);
   uint32_t RecordSize(uint32_t record) const { return Field(record, 4); }
   char Kind(uint32_t record) const { return data_[record]; }
-  // Appends a zeroed record of `payload` bytes after the header; returns its offset via `record`.
+  // Appends a record of `payload` bytes after the header, only its last word
+  // zeroed (the caller writes the rest); returns its offset via `record`.
   int Append(char kind, uint32_t payload, uint32_t& record);
   uint32_t FirstChild(uint32_t e) const;
   uint32_t NextSibling(uint32_t e) const;
@@ -136,6 +137,21 @@ class DocumentTree {
     int32_t matched = 0;    // matches counted up to and including it
     ShortByteString20 name;
   };
+  // A record's fields are read one name at a time; the children of the
+  // parent asked last, when few and all without a namespace, are listed once
+  // so that each first-match step looks at names only. Keyed by parent and
+  // child count (an open element gains children).
+  struct ChildList {
+    static constexpr uint32_t kMax = 32;
+    uint32_t parent = 0;
+    int32_t count = -1;
+    bool listed = false;  // false: too many children, or a namespaced one
+    uint32_t size = 0;
+    uint32_t child[kMax];
+    uint32_t length[kMax];
+  };
+  ChildList child_list_;
+  const ChildList& ListChildren(uint32_t e);
   static constexpr uint32_t kMemoSlots = 16;
   WalkMemo memo_[kMemoSlots];
   WalkMemo& MemoFor(uint32_t parent, std::string_view name);

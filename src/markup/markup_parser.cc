@@ -35,6 +35,23 @@ inline bool IsNameStart(uint8_t c) { return (kCharClass[c] & kNameStart) != 0; }
 inline bool IsNameChar(uint8_t c) { return (kCharClass[c] & kNameChar) != 0; }
 
 
+// Names are a few bytes long: a loop beats a call to memcmp.
+inline bool SameBytes(const char* a, const char* b, size_t n) {
+  for (size_t i = 0; i < n; ++i) {
+    if (a[i] != b[i]) return false;
+  }
+  return true;
+}
+inline bool HasColon(std::string_view name) {
+  for (const char c : name) {
+    if (c == ':') return true;
+  }
+  return false;
+}
+inline bool SameName(std::string_view a, std::string_view b) {
+  return a.size() == b.size() && SameBytes(a.data(), b.data(), a.size());
+}
+
 int32_t TrimmedLength(const ByteString& s) {
   int32_t n = s.Length();
   while (n > 0 && IsWhite(static_cast<uint8_t>(s.Data()[n - 1]))) --n;
@@ -81,6 +98,44 @@ int CharacterReference(std::string_view name) {
 
 }  // namespace
 
+// Per byte, the states (bit = state number) in which that byte is only
+// appended to a buffer and nothing else happens: a run of such bytes is
+// taken whole. Character data and the white space after a tag, which
+// deliver text at line ends, are read by their own loops.
+struct MarkupParser::RunBytes {
+  static constexpr std::array<uint32_t, 256> Make() {
+    std::array<uint32_t, 256> t{};
+    const auto all_but = [&t](State state, std::string_view stops, bool stop_at_white) {
+      for (int c = 0; c < 256; ++c) {
+        if (stops.find(static_cast<char>(c)) != std::string_view::npos) continue;
+        if (stop_at_white && (kCharClass[c] & kSpace) != 0) continue;
+        t[c] |= 1u << state;
+      }
+    };
+    for (int c = 0; c < 256; ++c) {
+      if ((kCharClass[c] & kNameChar) == 0 && c != '#') continue;
+      if (c != '#') t[c] |= 1u << kStartName | 1u << kEndName;
+      t[c] |= 1u << kRefText | 1u << kRefUnquoted | 1u << kRefSingle | 1u << kRefDouble;
+    }
+    all_but(kAttrName, ">=/", true);
+    all_but(kUnquoted, "&>", true);
+    all_but(kSingleQuoted, "'&", false);
+    all_but(kDoubleQuoted, "\"&", false);
+    all_but(kComment, "-", false);
+    all_but(kInstruction, ">", false);
+    all_but(kDeclaration, ">[\"'", false);
+    all_but(kSection, ">", false);
+    all_but(kSectionKeyword, "[", true);
+    all_but(kDeclSingle, "'", false);
+    all_but(kDeclDouble, "\"", false);
+    all_but(kDeclBracket, "]", false);
+    all_but(kHtmlComment, ">", false);
+    return t;
+  }
+  static const std::array<uint32_t, 256> kTable;
+};
+const std::array<uint32_t, 256> MarkupParser::RunBytes::kTable = MarkupParser::RunBytes::Make();
+
 MarkupParser::MarkupParser() = default;
 
 int MarkupParser::Reset() {
@@ -91,6 +146,7 @@ int MarkupParser::Reset() {
     s->Clear();
   }
   kept_.Truncate(0);
+  span_depth_ = 0;
   retained_ = nullptr;
   insertions_.Clear();
   inserted_ = 0;
@@ -179,7 +235,7 @@ bool MarkupParser::IsContainer(std::string_view name) const {
   const char* list = containers_.Data();
   for (size_t slot = HashName(name) & mask; container_slots_[slot] != 0; slot = (slot + 1) & mask) {
     const char* at = list + container_slots_[slot] - 1;
-    if (std::memcmp(at, name.data(), name.size()) == 0 && at[name.size()] == ' ') return true;
+    if (SameBytes(at, name.data(), name.size()) && at[name.size()] == ' ') return true;
   }
   return false;
 }
@@ -230,6 +286,13 @@ int MarkupParser::Feed(const char* data, size_t length) {
 }
 
 int MarkupParser::FeedBytes(const char* data, size_t length) {
+  const int rc = FeedRun(data, length);
+  // The input may go away once the feed returns.
+  const int materialized = MaterializeSpan();
+  return rc != kOk ? rc : materialized;
+}
+
+int MarkupParser::FeedRun(const char* data, size_t length) {
   if (encoding_ == Encoding::kUtf16LE || encoding_ == Encoding::kUtf16BE) return Fail(kErrUtf16);
   const uint8_t* p = reinterpret_cast<const uint8_t*>(data);
   const uint8_t* const end = p + length;
@@ -249,15 +312,46 @@ int MarkupParser::FeedBytes(const char* data, size_t length) {
         while (p < end && !(kCharClass[*p] & kTextStop)) ++p;
       } else if (state_ == kAfterTag) {
         while (p < end && IsWhite(*p)) ++p;
-      } else if (state_ == kStartName || (state_ == kEndName && prev_ != '/')) {
-        while (p < end && IsNameChar(*p)) ++p;
+      } else if (state_ != kEndName || prev_ != '/') {
+        const uint32_t bit = 1u << state_;
+        while (p < end && (RunBytes::kTable[*p] & bit) != 0) ++p;
       }
       // A line end in character data joins its run; the line is then
       // delivered as the byte-at-a-time path would after it.
       const bool line_end = state_ == kText && p < end && *p == '\n';
       if (line_end) ++p;
+      if (p != run && state_ == kText && text_.IsEmpty() && build_dom_ && open_.Count() > 0 &&
+          (line_end ? line_delivery_ : p < end && *p == '<')) {
+        // The run ends at "<" or a line end, where its text up to the trailing
+        // white space is delivered (tail-trimmed or by line); the white space
+        // stays buffered as it would.
+        const size_t n = static_cast<size_t>(p - run);
+        size_t trimmed = n;
+        while (trimmed > 0 && IsWhite(run[trimmed - 1])) --trimmed;
+        if (int rc = TakeRun(run, n); rc != kOk) return rc;
+        // Before "<" the white space would only be dropped.
+        if (trimmed < n && !(p < end && *p == '<')) {
+          if (int rc = text_.Append(reinterpret_cast<const char*>(run + trimmed), static_cast<int32_t>(n - trimmed));
+              rc != kOk) {
+            return Fail(rc);
+          }
+        }
+        if (trimmed > 0) {
+          if (int rc = DeliverInput(reinterpret_cast<const char*>(run), static_cast<int32_t>(trimmed)); rc != kOk) {
+            return rc;
+          }
+        }
+        continue;
+      }
+      if (p != run && state_ == kAfterTag && p < end) {
+        // The next byte, in this feed, drops the white space unseen.
+        if (int rc = TakeRun(run, static_cast<size_t>(p - run)); rc != kOk) return rc;
+        continue;
+      }
       if (p != run) {
-        ByteString& target = state_ == kText || state_ == kAfterTag ? text_ : token_;
+        ByteString& target = state_ == kText || state_ == kAfterTag || state_ == kSection ? text_
+                             : state_ >= kRefText && state_ <= kRefDouble                ? entity_name_
+                                                                                         : token_;
         if (int rc = target.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(p - run)); rc != kOk) {
           return Fail(rc);
         }
@@ -265,6 +359,13 @@ int MarkupParser::FeedBytes(const char* data, size_t length) {
         if (line_end && line_delivery_) {
           if (int rc = Deliver(Delivery::kLine); rc != kOk) return rc;
         }
+        continue;
+      }
+      if (state_ == kAfterTag && *p != '<') {
+        // Character data begins: the white space before it goes, and the
+        // byte starts a run of its own.
+        if (int rc = Deliver(Delivery::kWhitespaceOnly); rc != kOk) return rc;
+        state_ = kText;
         continue;
       }
       if (*p == '<' && (state_ == kText || state_ == kAfterTag)) {
@@ -301,11 +402,9 @@ bool MarkupParser::TakeTag(const uint8_t*& p, const uint8_t* end, int& rc) {
   token_.SetLength(0);
   if (is_end && (rc = TakeRun(p + 1, 1)) != kOk) return true;
   tag_start_ = tag_start;
+  // The name is read where it is in the input, which stays put during the feed.
   const size_t length = static_cast<size_t>(close - name);
-  if (token_.Append(reinterpret_cast<const char*>(name), static_cast<int32_t>(length)) != kOk) {
-    rc = Fail(kErrOutOfMemory);
-    return true;
-  }
+  const std::string_view tag_name(reinterpret_cast<const char*>(name), length);
   if ((rc = TakeRun(name, length)) != kOk) return true;
   p = close + 1;
   // ">" is kept and counted before it is handled, and becomes the previous
@@ -317,10 +416,10 @@ bool MarkupParser::TakeTag(const uint8_t*& p, const uint8_t* end, int& rc) {
   ++char_count_;
   if (is_end) {
     state_ = kAfterTag;
-    rc = EndTag(token_.View(), false, false);
+    rc = EndTag(tag_name, false, false);
   } else {
     state_ = kStartName;
-    rc = StartTagNameComplete();
+    rc = StartTagNameComplete(tag_name);
     if (rc == kOk) {
       state_ = kAfterTag;
       rc = TagComplete();
@@ -345,8 +444,7 @@ int MarkupParser::Input(uint8_t ch) {
   return rc;
 }
 
-int MarkupParser::Deliver(Delivery how) {
-  if (text_.IsEmpty()) return kOk;
+int MarkupParser::DeliverBuffer(Delivery how) {
   int rc = kOk;
   switch (how) {
     case Delivery::kFull:
@@ -381,8 +479,26 @@ int MarkupParser::DeliverText(const char* text, int32_t length) {
   }
   if (open_.Count() == 0) return HasFlag(kAllowTextOutsideRoot) ? kOk : Fail(kErrTextOutsideRoot);
   if (build_dom_) {
+    if (int rc = MaterializeSpan(); rc != kOk) return rc;
     if (int rc = open_.ValueBuffer(open_.Count() - 1).Append(text, length); rc != kOk) return Fail(rc);
   }
+  return kOk;
+}
+
+int MarkupParser::DeliverInput(const char* text, int32_t length) {
+  const int32_t depth = open_.Count();
+  if (span_depth_ != 0 || !open_.ValueAt(depth - 1).IsEmpty()) return DeliverText(text, length);
+  span_data_ = text;
+  span_length_ = length;
+  span_depth_ = depth;
+  return kOk;
+}
+
+int MarkupParser::MaterializeSpan() {
+  if (span_depth_ == 0) return kOk;
+  const int32_t depth = span_depth_;
+  span_depth_ = 0;
+  if (int rc = open_.ValueBuffer(depth - 1).Append(span_data_, span_length_); rc != kOk) return Fail(rc);
   return kOk;
 }
 
@@ -417,7 +533,7 @@ int MarkupParser::Handle(uint8_t ch) {
           state_ = kEndName;
           return kOk;
         }
-        if (int rc = StartTagNameComplete(); rc != kOk) return rc;
+        if (int rc = StartTagNameComplete(token_.View()); rc != kOk) return rc;
         if (ch == '>') {
           state_ = kAfterTag;
           return TagComplete();
@@ -686,13 +802,13 @@ int MarkupParser::Handle(uint8_t ch) {
   }
 }
 
-int MarkupParser::StartTagNameComplete() {
+int MarkupParser::StartTagNameComplete(std::string_view name) {
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
   const bool is_leaf = !containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_;
   leaf_name_.Swap(leaf_candidate_);
   leaf_name_at_ = leaf_candidate_at_;
-  if (int rc = leaf_candidate_.Assign(token_); rc != kOk) return Fail(rc);
-  candidate_is_container_ = IsContainer(token_.View());
+  if (int rc = leaf_candidate_.Assign(name); rc != kOk) return Fail(rc);
+  candidate_is_container_ = IsContainer(name);
   if (is_leaf) {
     if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
   }
@@ -844,7 +960,7 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
   if (!is_implicit) {
     if (!containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_ &&
-        leaf_candidate_.View() != name) {
+        !SameName(leaf_candidate_.View(), name)) {
       if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
       leaf_name_at_ = leaf_candidate_at_;
       if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
@@ -861,26 +977,32 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
       return Fail(kErrOutOfMemory);
     }
   }
-  int32_t entry = 0;
-  std::string_view local;
-  if (int rc = ResolvePrefix(name, false, entry, local); rc != kOk) return rc;
-  if (listener_ != nullptr) {
-    const ByteString qualified(name);
-    const ByteString local_copy(local);
-    const char* uri = entry > 0 ? namespaces_.ValueAt(entry - 1).Data() : "";
-    if (int rc = listener_->OnEndTag(uri, local_copy.Data(), qualified.Data(), is_empty); rc != kOk) return rc;
+  // Only a listener uses the namespace; a prefix must resolve all the same.
+  if (listener_ != nullptr || HasColon(name)) {
+    int32_t entry = 0;
+    std::string_view local;
+    if (int rc = ResolvePrefix(name, false, entry, local); rc != kOk) return rc;
+    if (listener_ != nullptr) {
+      const ByteString qualified(name);
+      const ByteString local_copy(local);
+      const char* uri = entry > 0 ? namespaces_.ValueAt(entry - 1).Data() : "";
+      if (int rc = listener_->OnEndTag(uri, local_copy.Data(), qualified.Data(), is_empty); rc != kOk) return rc;
+    }
   }
   const int32_t depth = open_.Count();
   if (build_dom_ && depth > 0) {
     ByteString& pending = open_.ValueBuffer(depth - 1);
-    if (!pending.IsEmpty()) {
+    if (span_depth_ == depth) {
+      span_depth_ = 0;
+      if (int rc = tree_.SetText(depth, span_data_, span_length_); rc != kOk) return Fail(rc);
+    } else if (!pending.IsEmpty()) {
       if (int rc = tree_.SetText(depth, pending.Data(), pending.Length()); rc != kOk) return Fail(rc);
       pending.SetLength(0);
     }
     // A leaf closed implicitly ends where its synthesized end tag begins.
     tree_.CloseElement(depth, is_implicit ? tag_start_ : char_count_, tag_start_);
   }
-  if (depth == 0 || open_.LastName().View() != name) {
+  if (depth == 0 || !SameName(open_.LastName().View(), name)) {
     return Fail(kErrUnbalancedTag, "Unbalanced element tag: ", name);
   }
   while (namespaces_.Count() > 0 && namespace_depths_[namespaces_.Count() - 1] == static_cast<uint32_t>(depth)) {
@@ -933,6 +1055,7 @@ int MarkupParser::FinishSection() {
     if (int rc = listener_->OnSection(token_.Data(), text_.Data()); rc != kOk) return rc;
   }
   if (token_.Equals("CDATA") && build_dom_ && open_.Count() > 0) {
+    if (int rc = MaterializeSpan(); rc != kOk) return rc;
     if (int rc = open_.ValueBuffer(open_.Count() - 1).Append(text_); rc != kOk) return Fail(rc);
   }
   text_.SetLength(0);
@@ -961,15 +1084,13 @@ bool MarkupParser::InsertionList::PushBack(const Insertion& in) {
   return true;
 }
 
-void MarkupParser::InsertionList::Clear() {
-  blocks_.clear();
-  size_ = 0;
-}
+// The blocks stay for the next parse, as the tree's arena and the kept text do.
+void MarkupParser::InsertionList::Clear() { size_ = 0; }
 
 bool MarkupParser::RetainedNameMatches(std::string_view name, uint32_t at) const {
   const uint64_t consumed = char_count_ - inserted_;
   if (name.empty() || at + static_cast<uint64_t>(name.size()) >= consumed) return false;
-  if (std::memcmp(retained_ + at, name.data(), name.size()) != 0) return false;
+  if (!SameBytes(retained_ + at, name.data(), name.size())) return false;
   // The name is read back up to the first byte that cannot continue it.
   return !IsNameChar(static_cast<uint8_t>(retained_[at + name.size()]));
 }

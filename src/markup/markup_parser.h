@@ -112,6 +112,7 @@ class MarkupParser {
     kDeclBracket, kHtmlComment,
   };
   enum class Delivery : uint8_t { kFull, kTailTrimmed, kLine, kWhitespaceOnly };
+  struct RunBytes;
 
   int Input(uint8_t ch);
   int Handle(uint8_t ch);
@@ -122,9 +123,14 @@ class MarkupParser {
     return rc;
   }
   int Fail(int code, const char* prefix, std::string_view name);
-  int Deliver(Delivery how);
+  // Most calls find nothing to deliver.
+  int Deliver(Delivery how) { return text_.IsEmpty() ? 0 : DeliverBuffer(how); }
+  int DeliverBuffer(Delivery how);
   int DeliverText(const char* text, int32_t length);
-  int StartTagNameComplete();
+  // Delivers input bytes that stay put until the current feed returns.
+  int DeliverInput(const char* text, int32_t length);
+  int MaterializeSpan();
+  int StartTagNameComplete(std::string_view name);
   int AttributeComplete();
   int TagComplete();
   int StartElement(bool is_empty);
@@ -138,6 +144,7 @@ class MarkupParser {
   bool TakeTag(const uint8_t*& p, const uint8_t* end, int& rc);
   int CloseLeafAtTag();
   int FeedBytes(const char* data, size_t length);
+  int FeedRun(const char* data, size_t length);
   int CopyKeptText();
   bool RetainedNameMatches(std::string_view name, uint32_t at) const;
   uint32_t NameLengthAt(uint32_t at) const;
@@ -156,6 +163,11 @@ class MarkupParser {
   ByteString leaf_candidate_;
   bool candidate_is_container_ = false;  // leaf_candidate_ is in the container list
   ByteString attribute_name_;
+  // The pending text of the element open at span_depth_ (0: none), still in
+  // the input: most text is one run, and goes from there into the tree.
+  const char* span_data_ = nullptr;
+  int32_t span_length_ = 0;
+  int32_t span_depth_ = 0;
   ByteString error_text_;
   TextBuffer kept_;
   ByteString pending_name_;  // the name of an empty-element tag, for its end
