@@ -2,8 +2,8 @@
 // Runs one timed case in a fresh child process, so that the peak memory it
 // reports belongs to that case alone, and hands its figures back through a
 // pipe. Shared by the timing programs.
-#include <sys/resource.h>
 #include <sys/wait.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,21 +23,37 @@ struct Run {
   double warm_parse_seconds = 0;
 };
 
-inline long ResidentKiB() {
+// The process's CPU time (user and system, page faults included), which a busy
+// shared machine disturbs far less than the clock on the wall.
+inline double CpuSeconds() {
+  timespec t{};
+  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &t);
+  return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) * 1e-9;
+}
+
+// A field of /proc/self/status, in KiB.
+inline long StatusKiB(const char* field) {
   std::FILE* status = std::fopen("/proc/self/status", "r");
   long kib = 0;
   char line[256];
+  const size_t length = std::strlen(field);
   while (status != nullptr && std::fgets(line, sizeof line, status) != nullptr) {
-    if (std::strncmp(line, "VmRSS:", 6) == 0) kib = std::atol(line + 6);
+    if (std::strncmp(line, field, length) == 0) kib = std::atol(line + length);
   }
   if (status != nullptr) std::fclose(status);
   return kib;
 }
 
-inline long PeakKiB() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return usage.ru_maxrss;
+inline long ResidentKiB() { return StatusKiB("VmRSS:"); }
+inline long PeakKiB() { return StatusKiB("VmHWM:"); }
+
+// A child starts with its parent's high-water mark; this lowers it to the
+// resident size now, so that a case's peak is its own.
+inline void ResetPeak() {
+  if (std::FILE* f = std::fopen("/proc/self/clear_refs", "w")) {
+    std::fputs("5", f);
+    std::fclose(f);
+  }
 }
 
 // `body` runs in the child and returns its Run, or exits non-zero on failure.
@@ -48,6 +64,7 @@ Run RunInChild(Body&& body) {
   const pid_t child = fork();
   if (child == 0) {
     close(fds[0]);
+    ResetPeak();
     const Run run = body();
     if (write(fds[1], &run, sizeof run) != static_cast<ssize_t>(sizeof run)) std::_Exit(1);
     std::_Exit(0);

@@ -6,7 +6,7 @@
 //   statement_read_timing [--runs 5] [--keep DIR]
 //
 // Prints, for bank statements of 10k and 100k transactions: the file size, the
-// median time and the median peak resident growth over the process before the
+// median CPU time and the median peak resident growth over the process before the
 // read, and then the ratio time(100k) / time(10k). Then the same 100k
 // transactions as a credit card statement read through CCStatement, its runs
 // interleaved with the bank's, and the ratio card / bank. --keep writes the
@@ -15,7 +15,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -83,6 +82,7 @@ void WriteStatement(const std::string& path, int transactions, const Wrappers& w
   std::fclose(out);
 }
 
+using orvelan::bench::CpuSeconds;
 using orvelan::bench::Median;
 using orvelan::bench::PeakKiB;
 using orvelan::bench::ResidentKiB;
@@ -120,14 +120,14 @@ const Reader kCard = {"card", CCStatement_Create, CCStatement_Destroy, CCStateme
 Run ReadAndWalk(const Reader& reader, const std::string& path, int expected) {
   void* st = reader.create(nullptr, nullptr, nullptr);
   const long before = ResidentKiB();
-  const auto start = std::chrono::steady_clock::now();
+  const double start = CpuSeconds();
   void* params[1] = {const_cast<char*>(path.c_str())};
   int lengths[1] = {0};
   if (reader.run(st, reader.read_method, 1, params, lengths) != 0) {
     std::fprintf(stderr, "%s ReadOFXDataFile: %d %s\n", reader.name, reader.last_error_code(st), reader.last_error(st));
     std::_Exit(1);
   }
-  const auto parsed = std::chrono::steady_clock::now();
+  const double parsed = CpuSeconds();
   const int count = static_cast<int>(reinterpret_cast<intptr_t>(reader.get(st, reader.tx_count, 0, nullptr)));
   size_t checksum = 0;
   for (int i = 0; i < count; ++i) {
@@ -137,14 +137,14 @@ Run ReadAndWalk(const Reader& reader, const std::string& path, int expected) {
       checksum += text == nullptr ? 0 : std::strlen(text);
     }
   }
-  const auto end = std::chrono::steady_clock::now();
+  const double end = CpuSeconds();
   if (count != expected || checksum == 0) {
     std::fprintf(stderr, "%s: read %d transactions, expected %d\n", reader.name, count, expected);
     std::_Exit(1);
   }
   Run run;
-  run.seconds = std::chrono::duration<double>(end - start).count();
-  run.parse_seconds = std::chrono::duration<double>(parsed - start).count();
+  run.seconds = end - start;
+  run.parse_seconds = parsed - start;
   run.peak_growth_kib = PeakKiB() - before;
   reader.destroy(st);
   return run;

@@ -7,33 +7,19 @@
 
 #include "base/error_codes.h"
 #include "base/text_util.h"
+#include "markup/char_classes.h"
 #include "markup/markup_errors.h"
 
 namespace orvelan {
 namespace {
 
-enum : uint8_t { kSpace = 1, kNameStart = 2, kNameChar = 4, kTextStop = 8 };
-
-constexpr std::array<uint8_t, 256> MakeCharClasses() {
-  std::array<uint8_t, 256> t{};
-  for (unsigned char c : {' ', '\t', '\n', '\r', '\f', '\v'}) t[c] |= kSpace;
-  for (int c = 'A'; c <= 'Z'; ++c) {
-    t[c] |= kNameStart | kNameChar;
-    t[c - 'A' + 'a'] |= kNameStart | kNameChar;
-  }
-  for (unsigned char c : {'_', ':'}) t[c] |= kNameStart | kNameChar;
-  for (int c = '0'; c <= '9'; ++c) t[c] |= kNameChar;
-  for (unsigned char c : {'.', '-'}) t[c] |= kNameChar;
-  // Character data runs stop where the state machine has work to do.
-  for (unsigned char c : {'<', '&', '\n'}) t[c] |= kTextStop;
-  return t;
-}
-constexpr std::array<uint8_t, 256> kCharClass = MakeCharClasses();
-
-inline bool IsWhite(uint8_t c) { return (kCharClass[c] & kSpace) != 0; }
-inline bool IsNameStart(uint8_t c) { return (kCharClass[c] & kNameStart) != 0; }
-inline bool IsNameChar(uint8_t c) { return (kCharClass[c] & kNameChar) != 0; }
-
+using markup::IsNameChar;
+using markup::IsNameStart;
+using markup::IsWhite;
+using markup::kCharClass;
+using markup::kNameChar;
+using markup::kSpace;
+using markup::kTextStop;
 
 // Names are a few bytes long: a loop beats a call to memcmp.
 inline bool SameBytes(const char* a, const char* b, size_t n) {
@@ -969,7 +955,9 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
   }
   if (is_implicit && keep_text_ && retained_ != nullptr) {
     const uint32_t length = static_cast<uint32_t>(name.size()) + 3;
-    if (!insertions_.PushBack({tag_start_, tag_start_ - inserted_, leaf_name_at_})) return Fail(kErrOutOfMemory);
+    if (!insertions_.Append({tag_start_, tag_start_ - inserted_, leaf_name_at_, length - 3})) {
+      return Fail(kErrOutOfMemory);
+    }
     inserted_ += length;
     kept_limit_ = tag_start_ + length;
   } else if (is_implicit && keep_text_) {
@@ -1073,20 +1061,6 @@ int MarkupParser::Finish() {
 }
 
 
-bool MarkupParser::InsertionList::PushBack(const Insertion& in) {
-  if ((size_ & kMask) == 0 && (size_ >> kShift) == blocks_.size()) {
-    std::unique_ptr<Insertion[]> block(new (std::nothrow) Insertion[kBlock]);
-    if (block == nullptr) return false;
-    blocks_.push_back(std::move(block));
-  }
-  blocks_[size_ >> kShift][size_ & kMask] = in;
-  ++size_;
-  return true;
-}
-
-// The blocks stay for the next parse, as the tree's arena and the kept text do.
-void MarkupParser::InsertionList::Clear() { size_ = 0; }
-
 bool MarkupParser::RetainedNameMatches(std::string_view name, uint32_t at) const {
   const uint64_t consumed = char_count_ - inserted_;
   if (name.empty() || at + static_cast<uint64_t>(name.size()) >= consumed) return false;
@@ -1102,26 +1076,12 @@ int32_t MarkupParser::KeptLength() const {
 
 template <typename Sink>
 void MarkupParser::ForEachKeptPiece(uint32_t begin, uint32_t end, Sink&& sink) const {
-  // The last insertion starting at or before `begin`, unless `begin` is past it.
-  size_t i = 0;
-  for (size_t high = insertions_.Size(); i < high;) {
-    const size_t mid = i + (high - i) / 2;
-    if (insertions_[mid].at <= begin) {
-      i = mid + 1;
-    } else {
-      high = mid;
-    }
-  }
-  if (i > 0) {
-    const Insertion& in = insertions_[i - 1];
-    if (begin < in.at + NameLengthAt(in.name_at) + 3) --i;
-  }
+  InsertionLog::Cursor next = insertions_.Seek(begin, retained_);
   uint32_t pos = begin;
   while (pos < end) {
-    if (i < insertions_.Size() && pos >= insertions_[i].at) {
-      const Insertion& in = insertions_[i];
-      const uint32_t name_length = NameLengthAt(in.name_at);
-      const uint32_t length = name_length + 3;
+    if (next.Valid() && pos >= next->at) {
+      const InsertionLog::Entry& in = *next;
+      const uint32_t length = in.Length();
       const uint32_t from = pos - in.at;
       const uint32_t to = end - in.at < length ? end - in.at : length;
       // "</", the name, ">": each clipped to [from, to).
@@ -1131,24 +1091,17 @@ void MarkupParser::ForEachKeptPiece(uint32_t begin, uint32_t end, Sink&& sink) c
         if (a < b) sink(bytes + (a - lo), b - a);
       };
       emit(0, 2, "</");
-      emit(2, 2 + name_length, retained_ + in.name_at);
-      emit(2 + name_length, length, ">");
+      emit(2, 2 + in.name_length, retained_ + in.name_at);
+      emit(2 + in.name_length, length, ">");
       pos = in.at + to;
-      ++i;
+      next.Next();
       continue;
     }
-    const uint32_t shift = i < insertions_.Size() ? insertions_[i].at - insertions_[i].input_at : inserted_;
-    const uint32_t stop = i < insertions_.Size() && insertions_[i].at < end ? insertions_[i].at : end;
+    const uint32_t shift = next.Valid() ? next->at - next->input_at : inserted_;
+    const uint32_t stop = next.Valid() && next->at < end ? next->at : end;
     sink(retained_ + (pos - shift), stop - pos);
     pos = stop;
   }
-}
-
-uint32_t MarkupParser::NameLengthAt(uint32_t at) const {
-  const uint32_t consumed = char_count_ - inserted_;
-  uint32_t n = at;
-  while (n < consumed && IsNameChar(static_cast<uint8_t>(retained_[n]))) ++n;
-  return n - at;
 }
 
 int MarkupParser::CutKeptText(uint32_t begin, uint32_t end, ByteString& out) const {

@@ -1,11 +1,11 @@
 #pragma once
 #include <cstdint>
-#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "base/byte_string.h"
 #include "markup/document_tree.h"
+#include "markup/insertion_log.h"
 #include "markup/markup_listener.h"
 #include "markup/name_value_table.h"
 #include "markup/text_buffer.h"
@@ -147,7 +147,6 @@ class MarkupParser {
   int FeedRun(const char* data, size_t length);
   int CopyKeptText();
   bool RetainedNameMatches(std::string_view name, uint32_t at) const;
-  uint32_t NameLengthAt(uint32_t at) const;
   template <typename Sink>
   void ForEachKeptPiece(uint32_t begin, uint32_t end, Sink&& sink) const;
 
@@ -174,33 +173,9 @@ class MarkupParser {
   ByteString leaf_name_;     // a leaf being closed implicitly
   ByteString kept_tail_;     // kept text moved behind a synthesized end tag
   // Kept text over retained input: the input plus, in order, the end tags
-  // written out. A leaf's name is read back from its start tag, so each
-  // costs 12 bytes instead of a copy of the whole input.
-  struct Insertion {
-    uint32_t at;        // kept text position of "</"
-    uint32_t input_at;  // the input position it goes before
-    uint32_t name_at;   // input position of the leaf's name
-  };
-  // Fixed blocks: growing never copies the list or leaves slack beyond a block.
-  class InsertionList {
-   public:
-    size_t Size() const { return size_; }
-    const Insertion& operator[](size_t i) const { return blocks_[i >> kShift][i & kMask]; }
-    bool PushBack(const Insertion& in);
-    void Clear();
-    size_t Memory() const {
-      return blocks_.size() * kBlock * sizeof(Insertion) + blocks_.capacity() * sizeof(blocks_[0]);
-    }
-
-   private:
-    static constexpr size_t kShift = 6;
-    static constexpr size_t kBlock = size_t{1} << kShift;
-    static constexpr size_t kMask = kBlock - 1;
-    std::vector<std::unique_ptr<Insertion[]>> blocks_;
-    size_t size_ = 0;
-  };
+  // written out. A leaf's name is read back from its start tag.
   const char* retained_ = nullptr;
-  InsertionList insertions_;
+  InsertionLog insertions_;
   uint32_t inserted_ = 0;   // bytes written out so far
   int64_t kept_limit_ = -1;  // the kept text's end while a leaf is being closed
   uint32_t leaf_candidate_at_ = 0;  // input position of leaf_candidate_'s name

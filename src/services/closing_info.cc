@@ -18,15 +18,16 @@ ClosingInfo* ClosingInfo::Clone() const {
   auto* copy = new (std::nothrow) ClosingInfo();
   if (copy == nullptr) return nullptr;
   *copy = *this;
-  copy->engine = nullptr;
+  copy->parsed = false;
   return copy;
 }
 
-const char* ClosingInfo::Text(Field field) const {
+const char* ClosingInfo::Text(MarkupDocument& document, Field field) const {
   if (field < 0 || field >= filled) return "";
+  const RecordSource source(document, element);
   // The first path that gives a non-empty text wins, as the parse's
   // "else" reads do.
-  auto first = [this](const char* a, const char* b) {
+  auto first = [&source](const char* a, const char* b) {
     const char* text = source.Text(a);
     return *text != '\0' ? text : source.Text(b);
   };
@@ -55,8 +56,9 @@ const char* ClosingInfo::Text(Field field) const {
 
 int ClosingInfo::Parse(OFXClient& client) {
   MarkupDocument& document = client.Document();
-  engine = &client;
-  source.Attach(&document, document.Tree().Cursor());
+  parsed = true;
+  element = document.Tree().Cursor();
+  const RecordSource source(document, element);
   filled = 0;
   if (!source.Has("FITID")) return Missing(client, "FITID");
   // Every other field is optional; the loan checks below come after all of

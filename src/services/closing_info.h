@@ -32,7 +32,7 @@ struct ClosingInfo {
   };
 
   // A heap copy for ItemList; null when memory runs out. The copy has no
-  // engine, so its amounts and dates read as "".
+  // parse, so its amounts and dates read as "".
   ClosingInfo* Clone() const;
 
   // Reads the record at the document's cursor; 202 with ReadField's text for
@@ -41,12 +41,14 @@ struct ClosingInfo {
   int Parse(OFXClient& client);
 
   // The raw text of `field`; "" for a field the parse did not reach.
-  const char* Text(Field field) const;
-  const char* Aggregate(ByteString& out) const { return source.Markup(out); }
+  const char* Text(MarkupDocument& document, Field field) const;
+  const char* Aggregate(MarkupDocument& document, ByteString& out) const {
+    return RecordSource(document, element).Markup(out);
+  }
 
-  OFXClient* engine = nullptr;  // not owned; null until parsed
-  RecordSource source;
+  uint32_t element = 0;
   int8_t filled = 0;  // fields read so far, in Field order
+  bool parsed = false;
 };
 
 }  // namespace orvelan

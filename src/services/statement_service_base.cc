@@ -161,7 +161,7 @@ int StatementServiceBase::CheckWrapperStatus(MarkupDocument& doc, const ByteStri
 }
 
 template <class Record>
-int StatementServiceBase::ReadRecords(MarkupDocument& doc, const char* name, ItemList<Record>& list) {
+int StatementServiceBase::ReadRecords(MarkupDocument& doc, const char* name, RecordList<Record>& list) {
   ByteString step;
   for (int32_t n = 1;; ++n) {
     step.Assign(name);
@@ -169,8 +169,9 @@ int StatementServiceBase::ReadRecords(MarkupDocument& doc, const char* name, Ite
     step.AppendInt(n);
     step.AppendChar(']');
     if (!doc.SelectPathIfPresent(step.View())) return kOk;
-    if (list.SetCount(n) != kOk) return ReportError(kErrOutOfMemory, nullptr);
-    if (int rc = list.Last()->Parse(*this); rc != kOk) return rc;
+    Record* record = list.Append();
+    if (record == nullptr) return ReportError(kErrOutOfMemory, nullptr);
+    if (int rc = record->Parse(*this); rc != kOk) return rc;
     if (int rc = Select(doc, ".."); rc != kOk) return rc;
   }
 }

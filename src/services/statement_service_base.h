@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "base/byte_string.h"
-#include "base/item_list.h"
+#include "base/record_list.h"
 #include "ofx/message_set_table.h"
 #include "ofx/ofx_client.h"
 #include "services/closing_info.h"
@@ -84,49 +84,49 @@ class StatementServiceBase : public OFXClient {
   // 0 when `index` names a transaction, else 432 "Invalid TxIndex (out of bounds).".
   int CheckTxIndex(int32_t index);
   int32_t TxCount() const { return transactions_.Count(); }
-  const char* TxAggregate(int32_t index) { return Tx(index).Aggregate(shown_tx_aggregate_); }
+  const char* TxAggregate(int32_t index) { return Tx(index).Aggregate(Document(), shown_tx_aggregate_); }
   int32_t TxType(int32_t index) { return Tx(index).type_index; }
   const char* TxTypeDescription(int32_t index) { return StatementTransaction::TypeDescription(Tx(index).type_index); }
   // The Tx properties over one field each. A record that was never parsed (a
   // clone) shows no amounts or dates. REQUIRES: the index passed its check.
   template <StatementTransaction::Field kField>
   const char* TxText(int32_t index) {
-    return Tx(index).Text(kField);
+    return Tx(index).Text(Document(), kField);
   }
   template <StatementTransaction::Field kField>
   const char* TxAmount(int32_t index) {
     const StatementTransaction& tx = Tx(index);
-    return tx.engine == nullptr ? "" : ShowAmount(shown_tx_[kField], tx.Text(kField));
+    return !tx.parsed ? "" : ShowAmount(shown_tx_[kField], tx.Text(Document(), kField));
   }
   template <StatementTransaction::Field kField>
   const char* TxDate(int32_t index) {
     const StatementTransaction& tx = Tx(index);
-    return tx.engine == nullptr ? "" : FormatDate(shown_tx_[kField], tx.Text(kField));
+    return !tx.parsed ? "" : FormatDate(shown_tx_[kField], tx.Text(Document(), kField));
   }
 
   // 0 when `index` names a closing period, else 432
   // "Invalid ClosingInfoIndex (out of bounds).".
   int CheckClosingIndex(int32_t index);
   int32_t ClosingInfoCount() const { return closings_.Count(); }
-  const char* ClosingInfoAggregate(int32_t index) { return Closing(index).Aggregate(shown_closing_aggregate_); }
+  const char* ClosingInfoAggregate(int32_t index) { return Closing(index).Aggregate(Document(), shown_closing_aggregate_); }
   template <ClosingInfo::Field kField>
   const char* ClosingText(int32_t index) {
-    return Closing(index).Text(kField);
+    return Closing(index).Text(Document(), kField);
   }
   template <ClosingInfo::Field kField>
   const char* ClosingAmount(int32_t index) {
     const ClosingInfo& c = Closing(index);
-    return c.engine == nullptr ? "" : ShowAmount(shown_closing_[kField], c.Text(kField));
+    return !c.parsed ? "" : ShowAmount(shown_closing_[kField], c.Text(Document(), kField));
   }
   template <ClosingInfo::Field kField>
   const char* ClosingDate(int32_t index) {
     const ClosingInfo& c = Closing(index);
-    return c.engine == nullptr ? "" : FormatDate(shown_closing_[kField], c.Text(kField));
+    return !c.parsed ? "" : FormatDate(shown_closing_[kField], c.Text(Document(), kField));
   }
 
   // The results, for the response parser and tests.
-  ItemList<StatementTransaction>& Transactions() { return transactions_; }
-  ItemList<ClosingInfo>& Closings() { return closings_; }
+  RecordList<StatementTransaction>& Transactions() { return transactions_; }
+  RecordList<ClosingInfo>& Closings() { return closings_; }
 
  protected:
   // This layer's defaults: no dates, empty results. A member restores its
@@ -161,7 +161,7 @@ class StatementServiceBase : public OFXClient {
   int EnterResponse(MarkupDocument& doc, const ByteString& prefix);
   // Appends one record per "name[n]" below the cursor until one is missing.
   template <class Record>
-  int ReadRecords(MarkupDocument& doc, const char* name, ItemList<Record>& list);
+  int ReadRecords(MarkupDocument& doc, const char* name, RecordList<Record>& list);
   StatementTransaction& Tx(int32_t index) { return *transactions_.Item(index); }
   ClosingInfo& Closing(int32_t index) { return *closings_.Item(index); }
 
@@ -173,8 +173,8 @@ class StatementServiceBase : public OFXClient {
   ByteString ledger_balance_;
   ByteString ledger_balance_date_;
   ByteString currency_code_;
-  ItemList<StatementTransaction> transactions_;
-  ItemList<ClosingInfo> closings_;
+  RecordList<StatementTransaction> transactions_;
+  RecordList<ClosingInfo> closings_;
   // One display buffer per converted property, so a text handed out stays
   // valid until the same property is read again.
   ByteString shown_start_, shown_end_, shown_available_, shown_available_date_, shown_ledger_, shown_ledger_date_;

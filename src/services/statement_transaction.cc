@@ -74,12 +74,13 @@ StatementTransaction* StatementTransaction::Clone() const {
   auto* copy = new (std::nothrow) StatementTransaction();
   if (copy == nullptr) return nullptr;
   *copy = *this;
-  copy->engine = nullptr;
+  copy->parsed = false;
   return copy;
 }
 
-const char* StatementTransaction::Text(Field field) const {
+const char* StatementTransaction::Text(MarkupDocument& document, Field field) const {
   if (field < 0 || field >= filled) return "";
+  const RecordSource source(document, element);
   if (field == kPayeeName) {
     const char* name = source.Text("NAME");
     return *name != '\0' ? name : source.Text("PAYEE/NAME");
@@ -90,8 +91,9 @@ const char* StatementTransaction::Text(Field field) const {
 
 int StatementTransaction::Parse(OFXClient& client) {
   MarkupDocument& document = client.Document();
-  engine = &client;
-  source.Attach(&document, document.Tree().Cursor());
+  parsed = true;
+  element = document.Tree().Cursor();
+  const RecordSource source(document, element);
   type_index = kTypeOther;
   filled = 0;
   for (int8_t field = kAmount; field <= kPayeeName; ++field) {
@@ -100,7 +102,7 @@ int StatementTransaction::Parse(OFXClient& client) {
     filled = static_cast<int8_t>(field + 1);
   }
   filled = kTypeCode + 1;
-  type_index = TypeIndexOf(Text(kTypeCode));
+  type_index = static_cast<uint8_t>(TypeIndexOf(Text(document, kTypeCode)));
   if (source.Has("LOANTRNAMT")) {
     if (!source.Has(kPaths[kPrincipalAmount])) return Missing(client, kPaths[kPrincipalAmount]);
     filled = kPrincipalAmount + 1;

@@ -6,9 +6,9 @@
 #include "services/record_source.h"
 
 // One transaction of a bank, credit-card or loan statement. The record refers
-// to its STMTTRN (or loan transaction) element in the parsed response and
-// reads each field's raw text from there when asked; amounts and dates are
-// converted for display by the service that owns the record.
+// to its STMTTRN (or loan transaction) element in the parsed response, by
+// offset, and reads each field's raw text from there when asked; amounts and
+// dates are converted for display by the service that owns the record.
 namespace orvelan {
 
 struct StatementTransaction {
@@ -43,7 +43,7 @@ struct StatementTransaction {
   };
 
   // A heap copy for ItemList; null when memory runs out. The copy reads the
-  // same element but has no engine, so its amounts and dates read as "".
+  // same element but counts as unparsed, so its amounts and dates read as "".
   StatementTransaction* Clone() const;
 
   // Reads the record at the document's cursor: checks the required elements
@@ -51,15 +51,18 @@ struct StatementTransaction {
   // type. The cursor is back on the record's element on success.
   int Parse(OFXClient& client);
 
-  // The raw text of `field`; "" for a field the parse did not reach.
-  const char* Text(Field field) const;
+  // The raw text of `field` in `document`, the one the record was read
+  // from; "" for a field the parse did not reach.
+  const char* Text(MarkupDocument& document, Field field) const;
   // The element's markup; "" before a parse.
-  const char* Aggregate(ByteString& out) const { return source.Markup(out); }
+  const char* Aggregate(MarkupDocument& document, ByteString& out) const {
+    return RecordSource(document, element).Markup(out);
+  }
 
-  OFXClient* engine = nullptr;  // not owned; null until parsed
-  RecordSource source;
-  int32_t type_index = kTypeOther;
+  uint32_t element = 0;
+  uint8_t type_index = kTypeOther;
   int8_t filled = 0;  // fields read so far, in Field order
+  bool parsed = false;
 };
 
 }  // namespace orvelan

@@ -74,6 +74,33 @@ TEST(KeptTextTest, RetainedInputReadsAsTheCopy) {
   }
 }
 
+// Hundreds of closed leaves: long values, a comment between two leaves and
+// names of every length move the end tags out of their short form and across
+// many seek blocks.
+TEST(KeptTextTest, LongRunsOfClosedLeaves) {
+  std::string text = "<A>";
+  for (int i = 0; i < 300; ++i) {
+    text += "<" + std::string(1 + i % 9, 'N') + ">" + std::string(i % 61 == 0 ? 200 : i % 13, 'v');
+    text += i % 7 == 0 ? "<!-- c -->\r\n" : "\r\n";
+  }
+  text += "</A>";
+  const Case c{text.c_str(), {"A"}};
+  MarkupParser copied;
+  Configure(copied, c);
+  ASSERT_EQ(copied.Feed(text.data(), text.size()), 0);
+  MarkupParser retained;
+  Configure(retained, c);
+  ASSERT_EQ(retained.FeedRetained(text.data(), text.size()), 0);
+  testing::ExpectSameKeptText(copied, retained, false);
+  ByteString want;
+  ByteString got;
+  for (uint32_t begin = 0; begin < static_cast<uint32_t>(copied.KeptLength()); ++begin) {
+    copied.CutKeptText(begin, begin + 23, want);
+    retained.CutKeptText(begin, begin + 23, got);
+    ASSERT_EQ(std::string(got.View()), std::string(want.View())) << begin;
+  }
+}
+
 TEST(KeptTextTest, OnlyTheFirstFeedAfterResetRefers) {
   MarkupParser parser;
   parser.SetBuildDOM(true);

@@ -109,7 +109,7 @@ TEST_F(BankStatementBankTest, ImagesOfTheStatement) {
   ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
   EXPECT_NE(bank.Requests().back().body.find("<INCTRANIMG>Y</INCTRANIMG>\r\n</STMTRQ>"), std::string::npos);
   ASSERT_GT(GetInt(53), 0);
-  const std::string reference = s_.Transactions().Item(0)->Text(StatementTransaction::kImageRef);
+  const std::string reference = s_.Transactions().Item(0)->Text(s_.Document(), StatementTransaction::kImageRef);
   ASSERT_FALSE(reference.empty()) << Get(54);
 
   // The engine keeps an image only when it has a file to write it to.

@@ -154,7 +154,7 @@ TEST_F(BankStatementServiceTest, StatementResponseFillsBalancesAndTransactions) 
   EXPECT_EQ(GetInt(62, 0), 6);
   EXPECT_EQ(GetInt(62, 2), 255);  // a code outside the table reads as "Other"
   EXPECT_EQ(Get(54, 0).substr(0, 22), "<STMTTRN><TRNTYPE>dep<");
-  EXPECT_STREQ(s_.Transactions().Item(1)->Text(StatementTransaction::kImageRef), "img-2");
+  EXPECT_STREQ(s_.Transactions().Item(1)->Text(s_.Document(), StatementTransaction::kImageRef), "img-2");
 }
 
 TEST_F(BankStatementServiceTest, OptionalPartsOfTheStatement) {
@@ -207,7 +207,7 @@ TEST_F(BankStatementServiceTest, MissingElementsFailTheStatement) {
   ASSERT_EQ(Respond(Replace(kStatement, "<FITID>F1",
                             "<FITID>F1<LOANTRNAMT><PRINAMT>8<INTAMT>2<ESCRWAMT><ESCRWTOTAL>1</ESCRWAMT></LOANTRNAMT>")),
             0);
-  EXPECT_STREQ(s_.Transactions().Item(0)->Text(StatementTransaction::kEscrowTotal), "1");
+  EXPECT_STREQ(s_.Transactions().Item(0)->Text(s_.Document(), StatementTransaction::kEscrowTotal), "1");
 }
 
 TEST_F(BankStatementServiceTest, ClosingResponseFillsTheClosingList) {
@@ -247,8 +247,8 @@ TEST_F(BankStatementServiceTest, ClosingRecordRules) {
                             "</LOANINT><LOANIRATE><LOANINTRATE>4.5</LOANIRATE>")),
             0);
   const ClosingInfo& loan = *s_.Closings().Item(1);
-  EXPECT_STREQ(loan.Text(ClosingInfo::kPaymentDue), "300");
-  EXPECT_STREQ(loan.Text(ClosingInfo::kTotalInterest), "9");
+  EXPECT_STREQ(loan.Text(s_.Document(), ClosingInfo::kPaymentDue), "300");
+  EXPECT_STREQ(loan.Text(s_.Document(), ClosingInfo::kTotalInterest), "9");
 }
 
 TEST_F(BankStatementServiceTest, IndexChecksOnBothLists) {

@@ -229,7 +229,7 @@ TEST(CardLoanStatementTest, CardStatementAndClosing) {
   EXPECT_EQ(card.Text(CCSTATEMENT_PROP_CLOSINGINFODATEDUE, 0), "01/25/2026 00:00:00");
   EXPECT_EQ(card.Text(CCSTATEMENT_PROP_CLOSINGINFOCREDITLIMIT, 0), "5000");
   // FINCHG wins whenever it has text, "0" too; an empty one gives way.
-  EXPECT_STREQ(card.service().Closings().Item(0)->Text(ClosingInfo::kTotalFees), "0");
+  EXPECT_STREQ(card.service().Closings().Item(0)->Text(card.service().Document(), ClosingInfo::kTotalFees), "0");
   EXPECT_EQ(card.Text(CCSTATEMENT_PROP_CLOSINGINFOTOTALFEES, 1), "7.5");
 }
 
