@@ -11,7 +11,11 @@ gets HTTP 400 with the reason.
 
 It serves bank (BANKMSGSRQV1: STMTRQ, STMTENDRQ), credit card
 (CREDITCARDMSGSRQV1: CCSTMTRQ, CCSTMTENDRQ) and loan (LOANMSGSRQV1: LOANSTMTRQ,
-LOANSTMTENDRQ) statements. The password is "secret" (--password), else sign-on
+LOANSTMTENDRQ) statements, the profile (PROFMSGSRQV1: PROFRQ, answered in full
+while its DTPROFUP is older than the profile's, else status 1), and the signup
+requests (SIGNUPMSGSRQV1: ACCTINFORQ lists a bank, a card, an investment and a
+loan account with a fresh DTACCTUP; sending that DTACCTUP back gets no
+accounts; ENROLLRQ answers a temporary password). The password is "secret" (--password), else sign-on
 status 15500. The USERID chooses what happens, for every kind of account:
   user          a statement with 3 transactions, 5 for a card (so does any
                 other USERID)
@@ -19,7 +23,8 @@ status 15500. The USERID chooses what happens, for every kind of account:
   error<CODE>   every transaction answered with status CODE, severity ERROR
   warn          status 2028, severity WARN, with the statement
   mfa           sign-on status 3000 until MFA13 "blue" and MFA107 "rex" are
-                answered; an MFACHALLENGETRNRQ gets the two questions
+                answered; an MFACHALLENGETRNRQ gets the two questions; the
+                answers earn an ACCESSKEY that later sign-ons send instead
   accesskey     the sign-on carries an ACCESSKEY
   http<CODE>    HTTP status CODE (e.g. http500, http503) with an HTML page
   stall         never answers, and holds the connection open
@@ -632,7 +637,127 @@ class LoanStatements(Statements):
                 ("LOANINT", [("LOANINTYTD", money(interest_ytd))]), ("LOANIRATE", [("LOANINTRATE", "6.25")])]
 
 
-FAMILIES = [BankStatements(), CardStatements(), LoanStatements()]
+# ---------------------------------------------------------------- profile and signup
+
+SERVICE_URL = ["http://127.0.0.1/ofx"]  # main() puts the real one here
+PROFILE_DATE = "20260101000000.000[0:GMT]"
+
+
+class Profile:
+    """PROFTRNRQ: the whole profile while the client's DTPROFUP is older than
+    PROFILE_DATE, else status 1 (the client is up to date) and no PROFRS."""
+    message_set = "PROFMSGSRQV"
+
+    def requests(self):
+        return {"PROFTRNRQ": ("PROFRQ", "PROFRS", False)}
+
+    def check(self, trnrq, message_set):
+        if message_set.name[:-1] != self.message_set:
+            raise BadRequest("<%s> belongs in %s1, not in %s" % (trnrq.name, self.message_set, message_set.name))
+        check_aggregate(trnrq, [("TRNUID", True, TRNUID_FORM.pattern[1:-1]),
+                                ("PROFRQ", True, [("CLIENTROUTING", True, "NONE|SERVICE|MSGSET"),
+                                                  ("DTPROFUP", True, OFX_DATE)])])
+        return trnrq.child("PROFRQ")
+
+    def parts(self, trnrq, rq, scenario):
+        if re.sub(r"\D", "", rq.text("DTPROFUP")[:14]).ljust(14, "0") >= PROFILE_DATE[:14]:
+            return [status(1, "INFO")]
+        return [scenario.trn_status or status(), ("PROFRS", self.profile())]
+
+    @staticmethod
+    def message_set_info(name, extra=()):
+        core = [("VER", "1"), ("URL", SERVICE_URL[0]), ("OFXSEC", "NONE"), ("TRANSPSEC", "Y"),
+                ("SIGNONREALM", "Orvelan"), ("LANGUAGE", "ENG"), ("SYNCMODE", "LITE"), ("REFRESHSUPT", "N"),
+                ("RESPFILEER", "N"), ("SPNAME", "Orvelan Sandbox")]
+        return (name, [(name + "V1", [("MSGSETCORE", core)] + list(extra))])
+
+    def profile(self):
+        sets = [self.message_set_info("SIGNONMSGSET"),
+                self.message_set_info("SIGNUPMSGSET", [("CLIENTENROLL", [("ACCTREQUIRED", "N")]),
+                                                       ("CHGUSERINFO", "N"), ("AVAILACCTS", "Y"),
+                                                       ("CLIENTACTREQ", "N")]),
+                self.message_set_info("BANKMSGSET", [("INVALIDACCTTYPE", "CD"), ("CLOSINGAVAIL", "Y"),
+                                                     ("IMAGEPROF", [("CLOSINGIMGAVAIL", "Y"),
+                                                                    ("TRANIMGAVAIL", "Y")])]),
+                self.message_set_info("CREDITCARDMSGSET", [("CLOSINGAVAIL", "Y")]),
+                self.message_set_info("LOANMSGSET", [("CLOSINGAVAIL", "Y")]),
+                self.message_set_info("PROFMSGSET")]
+        realm = [("SIGNONREALM", "Orvelan"), ("MIN", "6"), ("MAX", "32"), ("CHARTYPE", "ALPHAORNUMERIC"),
+                 ("CASESEN", "Y"), ("SPECIAL", "N"), ("SPACES", "N"), ("PINCH", "Y"), ("CHGPINFIRST", "N"),
+                 ("MFACHALLENGESUPT", "Y"), ("MFACHALLENGEFIRST", "N")]
+        return [("MSGSETLIST", sets), ("SIGNONINFOLIST", [("SIGNONINFO", realm)]),
+                ("DTPROFUP", PROFILE_DATE), ("FINAME", "Orvelan Sandbox Bank"), ("ADDR1", "1 Loopback Way"),
+                ("CITY", "Localhost"), ("STATE", "CA"), ("POSTALCODE", "94000"), ("COUNTRY", "USA"),
+                ("CSPHONE", "555-0100"), ("TSPHONE", "555-0101"), ("URL", "https://bank.example"),
+                ("EMAIL", "help@bank.example")]
+
+
+class Signup:
+    """ACCTINFOTRNRQ lists a bank, a card, an investment and a loan account,
+    each time with a fresh DTACCTUP, remembered per USERID: a request that
+    sends that DTACCTUP back is up to date and gets no accounts. ENROLLTRNRQ
+    answers a temporary password."""
+    message_set = "SIGNUPMSGSRQV"
+
+    def __init__(self):
+        self.lock = threading.Lock()
+        self.issued = {}  # USERID -> the DTACCTUP answered last
+        self.sequence = 0
+
+    def requests(self):
+        return {"ACCTINFOTRNRQ": ("ACCTINFORQ", "ACCTINFORS", False),
+                "ENROLLTRNRQ": ("ENROLLRQ", "ENROLLRS", False)}
+
+    def check(self, trnrq, message_set):
+        if message_set.name[:-1] != self.message_set:
+            raise BadRequest("<%s> belongs in %s1, not in %s" % (trnrq.name, self.message_set, message_set.name))
+        if trnrq.name == "ACCTINFOTRNRQ":
+            form = ("ACCTINFORQ", True, [("DTACCTUP", True, OFX_DATE)])
+        else:
+            form = ("ENROLLRQ", True, [("FIRSTNAME", True, ".+"), ("MIDDLENAME", False, ".+"),
+                                       ("LASTNAME", True, ".+"), ("ADDR1", True, ".+"), ("ADDR2", False, ".+"),
+                                       ("ADDR3", False, ".+"), ("CITY", True, ".+"), ("STATE", True, ".+"),
+                                       ("POSTALCODE", True, ".+"), ("COUNTRY", False, "[A-Z]{3}"),
+                                       ("DAYPHONE", False, ".+"), ("EVEPHONE", False, ".+"),
+                                       ("EMAIL", True, ".+@.+"), ("USERID", False, ".+")])
+        check_aggregate(trnrq, [("TRNUID", True, TRNUID_FORM.pattern[1:-1]), form])
+        return trnrq.child(form[0])
+
+    def parts(self, trnrq, rq, scenario):
+        if trnrq.name == "ENROLLTRNRQ":
+            return [scenario.trn_status or status(),
+                    ("ENROLLRS", [("TEMPPASS", "temp-" + rq.text("LASTNAME").lower()),
+                                  ("USERID", rq.text("USERID") or rq.text("EMAIL")),
+                                  ("DTEXPIRE", stamp(datetime.date.today() + datetime.timedelta(days=30)))])]
+        with self.lock:
+            sent = rq.text("DTACCTUP")
+            if sent and sent == self.issued.get(scenario.name):
+                return [scenario.trn_status or status(), ("ACCTINFORS", [("DTACCTUP", sent)])]
+            self.sequence += 1
+            now = datetime.datetime.now(datetime.timezone.utc)
+            issued = now.strftime("%Y%m%d%H%M%S") + ".%03d[0:GMT]" % (self.sequence % 1000)
+            self.issued[scenario.name] = issued
+        return [scenario.trn_status or status(), ("ACCTINFORS", [("DTACCTUP", issued)] + self.accounts())]
+
+    @staticmethod
+    def accounts():
+        def transfers(status_text):
+            return [("SUPTXDL", "Y"), ("XFERSRC", "Y"), ("XFERDEST", "Y"), ("SVCSTATUS", status_text)]
+        bank = ("BANKACCTINFO", [("BANKACCTFROM", [("BANKID", "121000248"), ("ACCTID", "1001"),
+                                                   ("ACCTTYPE", "CHECKING")])] + transfers("ACTIVE"))
+        card = ("CCACCTINFO", [("CCACCTFROM", [("ACCTID", "4111222233334444")])] + transfers("ACTIVE"))
+        invest = ("INVACCTINFO", [("INVACCTFROM", [("BROKERID", "bank.example"), ("ACCTID", "7001")]),
+                                  ("USPRODUCTTYPE", "401K"), ("CHECKING", "N"), ("SVCSTATUS", "ACTIVE"),
+                                  ("INVACCTTYPE", "INDIVIDUAL")])
+        loan = ("LOANACCTINFO", [("LOANACCTFROM", [("LOANACCTID", "L-9001"), ("LOANACCTTYPE", "MORTGAGE")])] +
+                transfers("PEND"))
+        return [("ACCTINFO", [("DESC", desc), ("PHONE", "555-0100"), info])
+                for desc, info in (("Everyday checking", bank), ("Rewards card", card),
+                                   ("Retirement", invest), ("Home loan", loan))]
+
+
+
+FAMILIES = [BankStatements(), CardStatements(), LoanStatements(), Profile(), Signup()]
 REQUESTS = {name: family for family in FAMILIES for name in family.requests()}
 
 
@@ -650,7 +775,8 @@ class Bank:
     def signon(self, code=0, severity="INFO", extra=()):
         parts = [status(code, severity), ("DTSERVER", now_stamp()), ("LANGUAGE", "ENG")]
         parts.append(("FI", [(c.name, c.value) for c in self.sonrq.child("FI").children]))
-        if self.scenario.name == "accesskey" and code == 0:
+        # Answered questions earn the key that stands in for them from then on.
+        if self.scenario.name in ("accesskey", "mfa") and code == 0 and not extra:
             parts.append(("ACCESSKEY", ACCESS_KEY))
         return [("SIGNONMSGSRSV1", [("SONRS", parts)] + list(extra))]
 
@@ -677,10 +803,11 @@ class Bank:
                 return 200, "application/x-ofx", b"OFX-STATUS=16512"
             return 200, "image/png", png(image.value or "")
         challenge = self.ofx.children[0].child("MFACHALLENGETRNRQ")
-        if challenge is not None:
+        answers = [c for c in self.sonrq.children if c.name == "MFACHALLENGEA"]
+        # Answers win over a challenge request sent with them.
+        if challenge is not None and not (s.name == "mfa" and answers):
             return self.ofx_answer(self.signon(extra=[self.challenge(challenge)]))
-        if s.name == "mfa":
-            answers = [c for c in self.sonrq.children if c.name == "MFACHALLENGEA"]
+        if s.name == "mfa" and self.sonrq.text("ACCESSKEY") != ACCESS_KEY:
             if not answers:
                 return self.ofx_answer(self.signon(3000, "ERROR"))
             given = {a.text("MFAPHRASEID"): a.text("MFAPHRASEA").lower() for a in answers}
@@ -710,6 +837,8 @@ class Bank:
             parts = [("TRNUID", request.text("TRNUID"))]
             if self.scenario.name == "error":
                 parts.append(self.scenario.trn_status)
+            elif hasattr(family, "parts"):
+                parts += family.parts(request, rq, self.scenario)
             elif family is not None:
                 parts += [self.scenario.trn_status or status(), family.answer(request, rq, self.scenario)]
             else:
@@ -877,7 +1006,8 @@ def main():
             f.write("%d\n" % port)
         os.replace(args.port_file + ".tmp", args.port_file)
     host = "[%s]" % args.host if ":" in args.host else args.host
-    print("orvelan-testbank: serving %s://%s:%d/ofx" % ("https" if cert else "http", host, port), flush=True)
+    SERVICE_URL[0] = "%s://%s:%d/ofx" % ("https" if cert else "http", host, port)
+    print("orvelan-testbank: serving %s" % SERVICE_URL[0], flush=True)
     if scratch:
         print("certificate: %s" % (args.cert_out or cert), flush=True)
 

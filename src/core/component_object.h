@@ -145,6 +145,10 @@ class ComponentObject : public ComponentEvents {
         break;
     }
     Begin();
+    // A bad index says why but leaves the last error code as it was.
+    if (p->check_index != nullptr) {
+      if (int rc = p->check_index(service_, index); rc != kOk) return rc;
+    }
     return Finish(p->set(service_, in));
   }
 

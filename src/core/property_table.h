@@ -166,8 +166,10 @@ struct PropertyBuilder {
     return d;
   }
 
-  // Check is the list's index check: `int (int32_t index)`, 0 or 432.
-  template <auto Get, auto Check>
+  // Check is the list's index check: `int (int32_t index)`, 0 or 432. Set,
+  // when given, is `int (int32_t index, const char*)` and runs only after
+  // the check passed.
+  template <auto Get, auto Check, auto Set = nullptr>
   static PropertyDef<S> IndexedText(int id, const char* name) {
     PropertyDef<S> d = Base(id, name, PropertyType::kText);
     d.get = [](S& s, int32_t index, PropertyValue& v) {
@@ -175,6 +177,14 @@ struct PropertyBuilder {
       return kOk;
     };
     d.check_index = [](S& s, int32_t index) { return (s.*Check)(index); };
+    if constexpr (HasSetter<Set>) d.set = [](S& s, const PropertyInput& in) { return (s.*Set)(in.index, in.text); };
+    return d;
+  }
+
+  template <auto Get, auto Check>
+  static PropertyDef<S> IndexedBool(int id, const char* name) {
+    PropertyDef<S> d = IndexedInt<Get, Check>(id, name);
+    d.type = PropertyType::kBoolean;
     return d;
   }
 

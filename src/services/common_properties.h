@@ -77,4 +77,21 @@ void AppendCommonRows(std::vector<PropertyDef<S>>& pool) {
   add(P::template Int<&SocketCore::Timeout, &SocketCore::SetTimeout>(0, "Timeout", true, kDefaultTimeoutSeconds));
 }
 
+// The ids of the methods every OFX component has.
+struct CommonMethodIds {
+  int config, read_ofx_data_file, reset, write_ofx_data_file;
+};
+
+template <class S>
+std::vector<MethodDef<S>> CommonMethods(const CommonMethodIds& ids) {
+  return {
+      {ids.config, "Config", RunConfigMethod<S>},
+      {ids.read_ofx_data_file, "ReadOFXDataFile",
+       [](S& s, MethodCall<S>& call) { return s.ReadOFXDataFile(call.Text(0)); }},
+      {ids.reset, "Reset", [](S& s, MethodCall<S>&) { return s.Reset(); }},
+      {ids.write_ofx_data_file, "WriteOFXDataFile",
+       [](S& s, MethodCall<S>& call) { return s.WriteOFXDataFile(call.Text(0)); }},
+  };
+}
+
 }  // namespace orvelan

@@ -1,8 +1,7 @@
 #include "services/statement_service_base.h"
 
-#include <cstring>
-
 #include "base/error_codes.h"
+#include "services/service_steps.h"
 
 namespace orvelan {
 namespace {
@@ -52,23 +51,12 @@ int StatementServiceBase::ClearResponse() {
   return OFXClient::ClearResponse();
 }
 
-int StatementServiceBase::SetUserDate(ByteString& field, const char* text) {
-  if (text == nullptr || *text == '\0') return field.Clear();
-  ByteString parsed;
-  if (int rc = ParseUserDate(parsed, text); rc != kOk) return rc;
-  field.Swap(parsed);
-  return kOk;
-}
-
 const char* StatementServiceBase::ShowAmount(ByteString& shown, std::string_view raw) {
   shown.Assign(FormatAmount(raw));
   return shown.Data();
 }
 
-int StatementServiceBase::Select(MarkupDocument& doc, std::string_view path) {
-  if (int rc = doc.SelectPath(path); rc != kOk) return ReportError(rc, doc.GetLastError());
-  return kOk;
-}
+int StatementServiceBase::Select(MarkupDocument&, std::string_view path) { return SelectOrReport(*this, path); }
 
 int StatementServiceBase::Download(int32_t type) {
   if (layout_.forced_version != nullptr) {
@@ -151,35 +139,10 @@ int StatementServiceBase::ParseResponse() {
   return ParseTransactions(doc, prefix);
 }
 
-// A document whose root is the wrapper itself names it from the root.
-int StatementServiceBase::CheckWrapperStatus(MarkupDocument& doc, const ByteString& wrapper) {
-  if (std::strcmp(doc.ElementName(), wrapper.Data()) != 0) return CheckStatus(wrapper.View());
-  ByteString rooted;
-  rooted.AppendChar('/');
-  rooted.Append(wrapper);
-  return CheckStatus(rooted.View());
-}
-
-template <class Record>
-int StatementServiceBase::ReadRecords(MarkupDocument& doc, const char* name, RecordList<Record>& list) {
-  ByteString step;
-  for (int32_t n = 1;; ++n) {
-    step.Assign(name);
-    step.AppendChar('[');
-    step.AppendInt(n);
-    step.AppendChar(']');
-    if (!doc.SelectPathIfPresent(step.View())) return kOk;
-    Record* record = list.Append();
-    if (record == nullptr) return ReportError(kErrOutOfMemory, nullptr);
-    if (int rc = record->Parse(*this); rc != kOk) return rc;
-    if (int rc = Select(doc, ".."); rc != kOk) return rc;
-  }
-}
-
 int StatementServiceBase::EnterResponse(MarkupDocument& doc, const ByteString& prefix) {
   ByteString path(prefix);
   path.Append("TRNRS");
-  if (int rc = CheckWrapperStatus(doc, path); rc != kOk) return rc;
+  if (int rc = CheckWrapperStatus(*this, path.Data()); rc != kOk) return rc;
   path.Assign(prefix);
   path.Append("RS/CURDEF");
   if (int rc = ReadResponseValue(currency_code_, doc, path.View(), true); rc != kOk) return rc;
@@ -189,7 +152,7 @@ int StatementServiceBase::EnterResponse(MarkupDocument& doc, const ByteString& p
 int StatementServiceBase::ParseClosingInfo(MarkupDocument& doc, const ByteString& prefix) {
   if (int rc = EnterResponse(doc, prefix); rc != kOk) return rc;
   if (int rc = ReadAccount(doc, true); rc != kOk) return rc;
-  return ReadRecords(doc, layout_.closing_record, closings_);
+  return ReadRecords(*this, layout_.closing_record, closings_, [this](ClosingInfo& c) { return c.Parse(*this); });
 }
 
 int StatementServiceBase::ParseTransactions(MarkupDocument& doc, const ByteString& prefix) {
@@ -201,7 +164,8 @@ int StatementServiceBase::ParseTransactions(MarkupDocument& doc, const ByteStrin
   if (int rc = ReadResponseValue(start_date_, doc, "DTSTART", true); rc != kOk) return rc;
   if (int rc = ReadResponseValue(end_date_, doc, "../DTEND", true); rc != kOk) return rc;
   if (int rc = Select(doc, ".."); rc != kOk) return rc;
-  return ReadRecords(doc, layout_.transaction_record, transactions_);
+  return ReadRecords(*this, layout_.transaction_record, transactions_,
+                     [this](StatementTransaction& tx) { return tx.Parse(*this); });
 }
 
 int StatementServiceBase::ReadBalances(MarkupDocument& doc) {

@@ -7,6 +7,7 @@
 #include "ofx/message_set_table.h"
 #include "ofx/ofx_client.h"
 #include "services/closing_info.h"
+#include "services/service_steps.h"
 #include "services/statement_transaction.h"
 
 // What the bank, credit-card and loan statements share: the date range, the
@@ -66,9 +67,9 @@ class StatementServiceBase : public OFXClient {
   // The host's date in DateFormat; "" clears. 676 for a text the format
   // cannot read (the old value stays). Reading gives the display form.
   const char* StartDate() { return FormatDate(shown_start_, start_date_.View()); }
-  int SetStartDate(const char* value) { return SetUserDate(start_date_, value); }
+  int SetStartDate(const char* value) { return SetUserDate(*this, start_date_, value); }
   const char* EndDate() { return FormatDate(shown_end_, end_date_.View()); }
-  int SetEndDate(const char* value) { return SetUserDate(end_date_, value); }
+  int SetEndDate(const char* value) { return SetUserDate(*this, end_date_, value); }
   // The stored OFX dates.
   const char* StartDateOFX() const { return start_date_.Data(); }
   const char* EndDateOFX() const { return end_date_.Data(); }
@@ -151,17 +152,11 @@ class StatementServiceBase : public OFXClient {
 
  private:
   int Download(int32_t type);
-  int SetUserDate(ByteString& field, const char* text);
   int ParseClosingInfo(MarkupDocument& doc, const ByteString& prefix);
   int ParseTransactions(MarkupDocument& doc, const ByteString& prefix);
-  // The status of `wrapper`, also when the document's root is the wrapper.
-  int CheckWrapperStatus(MarkupDocument& doc, const ByteString& wrapper);
   // The status of prefix + "TRNRS", then prefix + "RS/CURDEF"; the cursor
   // ends on the statement response (prefix + "RS").
   int EnterResponse(MarkupDocument& doc, const ByteString& prefix);
-  // Appends one record per "name[n]" below the cursor until one is missing.
-  template <class Record>
-  int ReadRecords(MarkupDocument& doc, const char* name, RecordList<Record>& list);
   StatementTransaction& Tx(int32_t index) { return *transactions_.Item(index); }
   ClosingInfo& Closing(int32_t index) { return *closings_.Item(index); }
 
