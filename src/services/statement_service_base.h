@@ -154,8 +154,6 @@ class StatementServiceBase : public OFXClient {
   int SetUserDate(ByteString& field, const char* text);
   int ParseClosingInfo(MarkupDocument& doc, const ByteString& prefix);
   int ParseTransactions(MarkupDocument& doc, const ByteString& prefix);
-  // The status of `wrapper`, also when the document's root is the wrapper.
-  int CheckWrapperStatus(MarkupDocument& doc, const ByteString& wrapper);
   // The status of prefix + "TRNRS", then prefix + "RS/CURDEF"; the cursor
   // ends on the statement response (prefix + "RS").
   int EnterResponse(MarkupDocument& doc, const ByteString& prefix);
