@@ -52,8 +52,8 @@ std::vector<PropertyDef<S>> Properties() {
       P::Text<&S::TransferText<T::kProcessingStatus>>(BANKTRANSFER_PROP_TRANSFERSTATUS, "TransferStatus"),
       Input<T::kToAccountId>(BANKTRANSFER_PROP_TRANSFERTOACCOUNTID, "TransferToAccountId"),
       Input<T::kToAccountKey>(BANKTRANSFER_PROP_TRANSFERTOACCOUNTKEY, "TransferToAccountKey"),
-      P::Int<&S::ToAccountType, &S::SetToAccountType>(BANKTRANSFER_PROP_TRANSFERTOACCOUNTTYPE,
-                                                      "TransferToAccountType", true, 1),
+      P::Int<&S::ToAccountType, &S::SetToAccountType>(BANKTRANSFER_PROP_TRANSFERTOACCOUNTTYPE, "TransferToAccountType",
+                                                      true, 1),
       Input<T::kToBankId>(BANKTRANSFER_PROP_TRANSFERTOBANKID, "TransferToBankId"),
       Input<T::kToBranchId>(BANKTRANSFER_PROP_TRANSFERTOBRANCHID, "TransferToBranchId"),
   };

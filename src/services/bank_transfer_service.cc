@@ -122,7 +122,8 @@ int BankTransferService::AccountBlock(ByteString& out, bool destination) {
   const int32_t at = destination ? T::kDestination : 0;
   const int32_t type = destination ? transfer_.to_account_type : transfer_.from_account_type;
   const bool card = type == 4;
-  const char* aggregate = card ? (destination ? "CCACCTTO" : "CCACCTFROM") : (destination ? "BANKACCTTO" : "BANKACCTFROM");
+  const char* aggregate =
+      card ? (destination ? "CCACCTTO" : "CCACCTFROM") : (destination ? "BANKACCTTO" : "BANKACCTFROM");
   ByteString* f = transfer_.text + at;
   int rc = out.AppendChar('<') | out.Append(aggregate) | out.Append(">\r\n");
   if (!card) {
@@ -161,12 +162,9 @@ int BankTransferService::BuildMessageSets(ByteString& out, bool wrapped) {
       rc |= Element(due, "DTDUE", due_date_.View());
     }
   }
-  const std::string_view arguments[] = {trnuid.View(),
-                                        from.View(),
-                                        to.View(),
-                                        transfer_.text[T::kAmount].View(),
-                                        due.View(),
-                                        transfer_.text[T::kTransferId].View(),
+  const std::string_view arguments[] = {trnuid.View(), from.View(),
+                                        to.View(),     transfer_.text[T::kAmount].View(),
+                                        due.View(),    transfer_.text[T::kTransferId].View(),
                                         token.View()};
   // Inter-bank transfers have a message set of their own.
   const char* set = IsIntrabank() ? "BANKMSGSRQV1>\r\n" : "INTERXFERMSGSRQV1>\r\n";
@@ -217,8 +215,8 @@ int BankTransferService::ParseResponse() {
   }
   for (int32_t i = 0; i < synced_.Count(); ++i) {
     const TransferInfo& t = *synced_.Item(i);
-    const char* texts[] = {t.Text(T::kAggregate), t.Text(T::kStatus),     t.Text(T::kTransferId),
-                           t.Text(T::kAmount),    t.Text(T::kFromAccountId), t.Text(T::kToAccountId),
+    const char* texts[] = {t.Text(T::kAggregate),        t.Text(T::kStatus),         t.Text(T::kTransferId),
+                           t.Text(T::kAmount),           t.Text(T::kFromAccountId),  t.Text(T::kToAccountId),
                            t.Text(T::kProcessingStatus), SyncDate<T::kDatePosted>(i)};
     FireTextEvent(kSyncTransfersEvent, 8, texts);
   }

@@ -27,8 +27,8 @@ struct TransferInfo : TextRecord<18> {
     kToAccountId,
     kToAccountKey,
     kAmount,
-    kDateDue,        // the host's form
-    kDatePosted,     // OFX forms from here
+    kDateDue,     // the host's form
+    kDatePosted,  // OFX forms from here
     kDateProjected,
     kDateProcessed,
     kAggregate,
@@ -64,9 +64,7 @@ class BankTransferService : public MoneyServiceBase {
   // TransferId becomes `id` first.
   int ModifyTransfer(const char* id) { return SendFor(kModify, id); }
   int CancelTransfer(const char* id) { return SendFor(kCancel, id); }
-  int SynchronizeTransfers(const char* token, const char*& answer) {
-    return Synchronize(kSynchronize, token, answer);
-  }
+  int SynchronizeTransfers(const char* token, const char*& answer) { return Synchronize(kSynchronize, token, answer); }
 
   // ---- The transfer ----
 

@@ -69,21 +69,21 @@ int MoneyServiceBase::Missing(const char* detail) {
 }
 
 int MoneyServiceBase::Select(std::string_view path) {
-  MarkupDocument& doc = Document();
+  MarkupDocument& doc = Walked();
   if (int rc = doc.SelectPath(path); rc != kOk) return ReportError(rc, doc.GetLastError());
   return kOk;
 }
 
 int MoneyServiceBase::ReadFields(ByteString* record, const FieldRead* rows, int32_t count) {
   for (int32_t i = 0; i < count; ++i) {
-    if (int rc = ReadField(Document(), rows[i].name, record[rows[i].field], rows[i].required); rc != kOk) return rc;
+    if (int rc = ReadField(Walked(), rows[i].name, record[rows[i].field], rows[i].required); rc != kOk) return rc;
   }
   return kOk;
 }
 
 const char* MoneyServiceBase::FirstChild(std::initializer_list<const char*> names) {
   for (const char* name : names) {
-    if (Document().HasPath(name)) return name;
+    if (Walked().HasPath(name)) return name;
   }
   return nullptr;
 }

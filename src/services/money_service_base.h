@@ -118,6 +118,10 @@ class MoneyServiceBase : public OFXClient {
   int ReadSyncRecords(std::string_view name, ItemList<Record>& list, Read read);
 
   ByteString& scratch() { return scratch_; }
+  // The document the helpers above walk: the response, unless a service
+  // reads a text of the host's with a document of its own meanwhile.
+  MarkupDocument& Walked() { return walked_ == nullptr ? Document() : *walked_; }
+  void SetWalked(MarkupDocument* document) { walked_ = document; }
 
  private:
   uint32_t sync_types_;
@@ -126,11 +130,12 @@ class MoneyServiceBase : public OFXClient {
   ByteString token_;
   RequestTemplate template_;
   ByteString scratch_;
+  MarkupDocument* walked_ = nullptr;  // not owned; null: Document()
 };
 
 template <class Record, class Read>
 int MoneyServiceBase::ReadSyncRecords(std::string_view name, ItemList<Record>& list, Read read) {
-  MarkupDocument& doc = Document();
+  MarkupDocument& doc = Walked();
   ByteString step, back;
   for (int32_t n = 1;; ++n) {
     step.Assign(name);
