@@ -185,7 +185,7 @@ int BankTransferService::ParseResponse() {
   if (RequestType() == kNone) {
     static constexpr struct {
       const char* path;
-      RequestType type;
+      Request type;
     } kKinds[] = {
         {"INTRATRNRS/INTRARS", kAdd},       {"INTERTRNRS/INTERRS", kAdd},       {"INTRATRNRS/INTRAMODRS", kModify},
         {"INTERTRNRS/INTERMODRS", kModify}, {"INTRATRNRS/INTRACANRS", kCancel}, {"INTERTRNRS/INTERCANRS", kCancel},

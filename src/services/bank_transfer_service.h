@@ -47,7 +47,7 @@ struct TransferInfo : TextRecord<18> {
 
 class BankTransferService : public MoneyServiceBase {
  public:
-  enum RequestType : int32_t { kNone, kAdd, kModify, kCancel, kSynchronize };
+  enum Request : int32_t { kNone, kAdd, kModify, kCancel, kSynchronize };
   static constexpr int kSyncTransfersEvent = 5;
 
   BankTransferService() : MoneyServiceBase(1u << kSynchronize) {}

@@ -267,7 +267,7 @@ int BillPaymentService::ParseResponse() {
   if (RequestType() == kNone) {
     static constexpr struct {
       const char* path;
-      RequestType type;
+      Request type;
     } kKinds[] = {
         {"PMTTRNRS/PMTRS", kAddPayment},
         {"PMTTRNRS/PMTMODRS", kModifyPayment},

@@ -80,7 +80,7 @@ struct PayeeInfo : TextRecord<16> {
 
 class BillPaymentService : public MoneyServiceBase {
  public:
-  enum RequestType : int32_t {
+  enum Request : int32_t {
     kNone,
     kAddPayment,
     kModifyPayment,
