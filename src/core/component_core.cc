@@ -136,6 +136,13 @@ int ComponentCore::FireSSLStatus(const char* message) {
   return kOk;
 }
 
+int ComponentCore::FireTextEvent(int event_id, int count, const char* const* texts) {
+  if (event_sink_ == nullptr) return kOk;
+  event_sink_->SetEventCodePage(code_page_);
+  event_sink_->FireTextEvent(event_id, count, texts);
+  return kOk;
+}
+
 int ComponentCore::FireWaitForEvents(long& timeout_ms) {
   if (event_sink_ == nullptr) return kOk;
   event_sink_->SetEventCodePage(code_page_);

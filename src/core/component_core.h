@@ -89,6 +89,9 @@ class ComponentCore {
   int FireSSLServerAuthentication(const char* cert_encoded, int cert_length, const char* cert_subject,
                                   const char* cert_issuer, const char* status, int& accept);
   int FireSSLStatus(const char* message);
+  // A component's own event with `count` text parameters; the host's result
+  // is ignored.
+  int FireTextEvent(int event_id, int count, const char* const* texts);
   // The event-loop calls return the host's result.
   int FireWaitForEvents(long& timeout_ms);
   int FireWatchSocket(long socket, long event_mask, long& handle);

@@ -32,6 +32,9 @@ class ComponentEvents {
                                           const char* cert_issuer, const char* status, int& accept) = 0;
   // 4
   virtual int FireSSLStatus(const char* message) = 0;
+  // 5 and up: a component's own events, all of whose parameters are texts
+  // (SyncTransfers, SyncPayees, ...). Sinks that raise none ignore them.
+  virtual int FireTextEvent(int /*event_id*/, int /*count*/, const char* const* /*texts*/) { return 0; }
 };
 
 }  // namespace orvelan

@@ -231,6 +231,12 @@ class ComponentObject : public ComponentEvents {
     int lengths[1] = {0};
     return Deliver(ORVELAN_EVENT_SSL_STATUS, 1, params, lengths);
   }
+  int FireTextEvent(int event_id, int count, const char* const* texts) override {
+    std::vector<void*> params(static_cast<size_t>(count));
+    std::vector<int> lengths(static_cast<size_t>(count), 0);
+    for (int i = 0; i < count; ++i) params[static_cast<size_t>(i)] = TextSlot(texts[i]);
+    return Deliver(event_id, count, params.data(), lengths.data());
+  }
 
  private:
   static void* IntegerResult(int64_t value) { return reinterpret_cast<void*>(static_cast<intptr_t>(value)); }

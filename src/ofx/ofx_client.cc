@@ -477,6 +477,13 @@ int OFXClient::CheckStatus(std::string_view path, bool is_signon) {
   return kOk;
 }
 
+int OFXClient::CheckWrapperStatus(std::string_view wrapper) {
+  if (wrapper != document_.ElementName()) return CheckStatus(wrapper);
+  ByteString rooted("/");
+  rooted.Append(wrapper);
+  return CheckStatus(rooted.View());
+}
+
 int OFXClient::ReadResponseValue(ByteString& out, MarkupDocument& document, std::string_view path, bool required) {
   if (document.HasPath(path)) {
     if (int rc = document.SelectPath(path); rc != kOk) return ReportError(rc, document.GetLastError());

@@ -98,6 +98,9 @@ class OFXClient : public HttpsClient {
   // Without `is_signon` the cursor is left on `path`, else it goes back to
   // where it was. 0, 2001 for an error status, or a path error.
   int CheckStatus(std::string_view path, bool is_signon = false);
+  // CheckStatus of the child `wrapper`, or of the root when the document is
+  // that aggregate alone (a transaction response saved on its own).
+  int CheckWrapperStatus(std::string_view wrapper);
   // `out` = the text at `path` and the cursor stays there; a missing element
   // gives 2000 when `required`, else an empty `out`.
   int ReadResponseValue(ByteString& out, MarkupDocument& document, std::string_view path, bool required);

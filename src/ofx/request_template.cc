@@ -6,6 +6,12 @@
 
 namespace orvelan {
 
+int AppendRequestElement(ByteString& out, bool xml, std::string_view name, std::string_view value) {
+  int rc = out.AppendChar('<') | out.Append(name) | out.AppendChar('>') | out.Append(value);
+  if (xml) rc |= out.Append("</") | out.Append(name) | out.AppendChar('>');
+  return rc | out.Append("\r\n");
+}
+
 int RequestTemplate::Expand(ByteString& out, const std::string_view* arguments, int32_t count, bool clear_first) const {
   if (clear_first) out.Clear();
   const std::string_view text = text_.View();

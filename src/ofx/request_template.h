@@ -17,6 +17,11 @@
 // thread-safe.
 namespace orvelan {
 
+// One element line of a request: "<NAME>value</NAME>\r\n" in OFX 2.x
+// (`xml`), "<NAME>value\r\n" in 1.x, where SGML leaves leaf end tags out.
+// 0 or 200.
+int AppendRequestElement(ByteString& out, bool xml, std::string_view name, std::string_view value);
+
 class RequestTemplate {
  public:
   static constexpr char kMarker = '~';

@@ -115,7 +115,7 @@ int AccountService::ParseResponse() {
     // An enrolment answer carries no list; only its status counts.
     return doc.HasPath("ENROLLTRNRS") ? CheckStatus("ENROLLTRNRS/") : kOk;
   }
-  if (int rc = CheckWrapperStatus(*this, "ACCTINFOTRNRS"); rc != kOk) return rc;
+  if (int rc = CheckWrapperStatus("ACCTINFOTRNRS"); rc != kOk) return rc;
   accounts_.Clear();
   if (!doc.HasPath("ACCTINFORS")) return kOk;
   if (int rc = SelectOrReport(*this, "ACCTINFORS"); rc != kOk) return rc;

@@ -184,7 +184,7 @@ int FIProfileService::BuildMessageSets(ByteString& out, bool wrapped) {
 int FIProfileService::ParseResponse() {
   MarkupDocument& doc = Document();
   doc.SelectPathIfPresent("PROFMSGSRSV1");
-  if (int rc = CheckWrapperStatus(*this, "PROFTRNRS"); rc != kOk) return rc;
+  if (int rc = CheckWrapperStatus("PROFTRNRS"); rc != kOk) return rc;
   // An INFO or WARN status (the client's profile is up to date, say) comes
   // without a profile; its message is the answer.
   if (doc.HasPath("STATUS/CODE")) {

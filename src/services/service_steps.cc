@@ -32,13 +32,6 @@ int SelectOrReport(OFXClient& client, std::string_view path) {
   return kOk;
 }
 
-int CheckWrapperStatus(OFXClient& client, const char* wrapper) {
-  if (std::strcmp(client.Document().ElementName(), wrapper) != 0) return client.CheckStatus(wrapper);
-  ByteString rooted("/");
-  rooted.Append(wrapper);
-  return client.CheckStatus(rooted.View());
-}
-
 int ReadFields(OFXClient& client, ByteString* texts, FieldReads reads) {
   for (int32_t i = 0; i < reads.count; ++i) {
     const FieldRead& row = reads.rows[i];

@@ -17,7 +17,7 @@
 // records read one element at a time, records of plain texts read by a table
 // of rows).
 //
-//   if (int rc = CheckWrapperStatus(*this, "ACCTINFOTRNRS"); rc != kOk) return rc;
+//   if (int rc = CheckWrapperStatus("ACCTINFOTRNRS"); rc != kOk) return rc;
 //   return ReadRecords(*this, "ACCTINFO", accounts_, [this](AccountInfo& a) { return a.Parse(*this); });
 namespace orvelan {
 
@@ -40,11 +40,6 @@ int SetUserDate(OFXClient& client, ByteString& field, const char* text);
 
 // Moves the cursor along `path`; a failure reports the document's error.
 int SelectOrReport(OFXClient& client, std::string_view path);
-
-// The status of the transaction wrapper `wrapper` below the cursor, or of the
-// cursor's own element when that is the wrapper (a file that holds only the
-// transaction). The cursor is left on the wrapper.
-int CheckWrapperStatus(OFXClient& client, const char* wrapper);
 
 // True for "Y" in either case: how OFX writes its yes/no elements.
 inline bool IsYes(const ByteString& text) { return text.EqualsNoCase("Y"); }

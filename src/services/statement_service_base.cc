@@ -10,13 +10,6 @@ constexpr char kTextBadVersion[] = "OFXVersion must begin with \"1\" or \"2\".";
 constexpr char kTextInvalidTxIndex[] = "Invalid TxIndex (out of bounds).";
 constexpr char kTextInvalidClosingIndex[] = "Invalid ClosingInfoIndex (out of bounds).";
 
-// "<NAME>value</NAME>\r\n"; SGML leaves the end tag out.
-int AppendElement(ByteString& out, bool xml, const char* name, std::string_view value) {
-  int rc = out.AppendChar('<') | out.Append(name) | out.AppendChar('>') | out.Append(value);
-  if (xml) rc |= out.Append("</") | out.Append(name) | out.AppendChar('>');
-  return rc | out.Append("\r\n");
-}
-
 int AppendTag(ByteString& out, const char* open, const ByteString& name) {
   return out.Append(open) | out.Append(name) | out.Append(">\r\n");
 }
@@ -86,16 +79,16 @@ int StatementServiceBase::BuildMessageSets(ByteString& out, bool wrapped) {
 
   if (!wrapped) out.Clear();
   if (wrapped) rc |= MessageSetTable::AppendOpen(out, layout_.message_set);
-  rc |= AppendTag(out, "<", outer) | AppendElement(out, xml, "TRNUID", trnuid.View()) | AppendTag(out, "<", inner);
+  rc |= AppendTag(out, "<", outer) | AppendRequestElement(out, xml, "TRNUID", trnuid.View()) | AppendTag(out, "<", inner);
   rc |= out.AppendChar('<') | out.Append(layout_.account_aggregate) | out.Append(">\r\n");
   for (int32_t i = 0; i < layout_.account_tag_count; ++i) {
-    rc |= AppendElement(out, xml, layout_.account_tags[i], account[i]);
+    rc |= AppendRequestElement(out, xml, layout_.account_tags[i], account[i]);
   }
   rc |= out.Append("</") | out.Append(layout_.account_aggregate) | out.Append(">\r\n");
   if (!closing) rc |= out.Append("<INCTRAN>\r\n");
-  if (!start_date_.IsEmpty()) rc |= AppendElement(out, xml, "DTSTART", start_date_.View());
-  if (!end_date_.IsEmpty()) rc |= AppendElement(out, xml, "DTEND", end_date_.View());
-  if (!closing) rc |= AppendElement(out, xml, "INCLUDE", "Y") | out.Append("</INCTRAN>\r\n");
+  if (!start_date_.IsEmpty()) rc |= AppendRequestElement(out, xml, "DTSTART", start_date_.View());
+  if (!end_date_.IsEmpty()) rc |= AppendRequestElement(out, xml, "DTEND", end_date_.View());
+  if (!closing) rc |= AppendRequestElement(out, xml, "INCLUDE", "Y") | out.Append("</INCTRAN>\r\n");
   // The image flag reads the same in both dialects; an SGML closing request
   // has no place for it.
   if (IncludeImages() && (closing ? xml : layout_.transaction_images)) {
@@ -142,7 +135,7 @@ int StatementServiceBase::ParseResponse() {
 int StatementServiceBase::EnterResponse(MarkupDocument& doc, const ByteString& prefix) {
   ByteString path(prefix);
   path.Append("TRNRS");
-  if (int rc = CheckWrapperStatus(*this, path.Data()); rc != kOk) return rc;
+  if (int rc = CheckWrapperStatus(path.View()); rc != kOk) return rc;
   path.Assign(prefix);
   path.Append("RS/CURDEF");
   if (int rc = ReadResponseValue(currency_code_, doc, path.View(), true); rc != kOk) return rc;
