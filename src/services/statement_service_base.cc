@@ -11,18 +11,17 @@ constexpr char kTextBadVersion[] = "OFXVersion must begin with \"1\" or \"2\".";
 constexpr char kTextInvalidTxIndex[] = "Invalid TxIndex (out of bounds).";
 constexpr char kTextInvalidClosingIndex[] = "Invalid ClosingInfoIndex (out of bounds).";
 
-// "<NAME>value</NAME>\r\n"; SGML leaves the end tag out.
-int AppendElement(ByteString& out, bool xml, const char* name, std::string_view value) {
-  int rc = out.AppendChar('<') | out.Append(name) | out.AppendChar('>') | out.Append(value);
-  if (xml) rc |= out.Append("</") | out.Append(name) | out.AppendChar('>');
-  return rc | out.Append("\r\n");
-}
-
 int AppendTag(ByteString& out, const char* open, const ByteString& name) {
   return out.Append(open) | out.Append(name) | out.Append(">\r\n");
 }
 
 }  // namespace
+
+int StatementServiceBase::AppendElement(ByteString& out, bool xml, const char* name, std::string_view value) {
+  int rc = out.AppendChar('<') | out.Append(name) | out.AppendChar('>') | out.Append(value);
+  if (xml) rc |= out.Append("</") | out.Append(name) | out.AppendChar('>');
+  return rc | out.Append("\r\n");
+}
 
 int StatementServiceBase::InitDefaults() {
   if (OFXClient::InitDefaults() == 0) return 0;
@@ -104,10 +103,7 @@ int StatementServiceBase::BuildMessageSets(ByteString& out, bool wrapped) {
     rc |= AppendElement(out, xml, layout_.account_tags[i], account[i]);
   }
   rc |= out.Append("</") | out.Append(layout_.account_aggregate) | out.Append(">\r\n");
-  if (!closing) rc |= out.Append("<INCTRAN>\r\n");
-  if (!start_date_.IsEmpty()) rc |= AppendElement(out, xml, "DTSTART", start_date_.View());
-  if (!end_date_.IsEmpty()) rc |= AppendElement(out, xml, "DTEND", end_date_.View());
-  if (!closing) rc |= AppendElement(out, xml, "INCLUDE", "Y") | out.Append("</INCTRAN>\r\n");
+  rc |= closing ? AppendDateRange(out, xml) : AppendStatementOptions(out, xml);
   // The image flag reads the same in both dialects; an SGML closing request
   // has no place for it.
   if (IncludeImages() && (closing ? xml : layout_.transaction_images)) {
@@ -116,6 +112,18 @@ int StatementServiceBase::BuildMessageSets(ByteString& out, bool wrapped) {
   rc |= AppendTag(out, "</", inner) | AppendTag(out, "</", outer);
   if (wrapped) rc |= MessageSetTable::AppendClose(out, layout_.message_set);
   return rc == kOk ? kOk : ReportError(kErrOutOfMemory, nullptr);
+}
+
+int StatementServiceBase::AppendDateRange(ByteString& out, bool xml) {
+  int rc = kOk;
+  if (!start_date_.IsEmpty()) rc |= AppendElement(out, xml, "DTSTART", start_date_.View());
+  if (!end_date_.IsEmpty()) rc |= AppendElement(out, xml, "DTEND", end_date_.View());
+  return rc;
+}
+
+int StatementServiceBase::AppendStatementOptions(ByteString& out, bool xml) {
+  return out.Append("<INCTRAN>\r\n") | AppendDateRange(out, xml) | AppendElement(out, xml, "INCLUDE", "Y") |
+         out.Append("</INCTRAN>\r\n");
 }
 
 // ---- Response ----
@@ -148,7 +156,7 @@ int StatementServiceBase::ParseResponse() {
     prefix.Append("END");
     return ParseClosingInfo(doc, prefix);
   }
-  return ParseTransactions(doc, prefix);
+  return ParseStatement(doc, prefix);
 }
 
 // A document whose root is the wrapper itself names it from the root.
@@ -160,25 +168,14 @@ int StatementServiceBase::CheckWrapperStatus(MarkupDocument& doc, const ByteStri
   return CheckStatus(rooted.View());
 }
 
-template <class Record>
-int StatementServiceBase::ReadRecords(MarkupDocument& doc, const char* name, ItemList<Record>& list) {
-  ByteString step;
-  for (int32_t n = 1;; ++n) {
-    step.Assign(name);
-    step.AppendChar('[');
-    step.AppendInt(n);
-    step.AppendChar(']');
-    if (!doc.SelectPathIfPresent(step.View())) return kOk;
-    if (list.SetCount(n) != kOk) return ReportError(kErrOutOfMemory, nullptr);
-    if (int rc = list.Last()->Parse(*this); rc != kOk) return rc;
-    if (int rc = Select(doc, ".."); rc != kOk) return rc;
-  }
-}
-
-int StatementServiceBase::EnterResponse(MarkupDocument& doc, const ByteString& prefix) {
+int StatementServiceBase::EnterResponse(MarkupDocument& doc, const ByteString& prefix, bool status_required) {
   ByteString path(prefix);
   path.Append("TRNRS");
-  if (int rc = CheckWrapperStatus(doc, path); rc != kOk) return rc;
+  const bool checked =
+      status_required || std::strcmp(doc.ElementName(), path.Data()) == 0 || doc.HasPath(path.View());
+  if (checked) {
+    if (int rc = CheckWrapperStatus(doc, path); rc != kOk) return rc;
+  }
   path.Assign(prefix);
   path.Append("RS/CURDEF");
   if (int rc = ReadResponseValue(currency_code_, doc, path.View(), true); rc != kOk) return rc;
@@ -191,16 +188,20 @@ int StatementServiceBase::ParseClosingInfo(MarkupDocument& doc, const ByteString
   return ReadRecords(doc, layout_.closing_record, closings_);
 }
 
-int StatementServiceBase::ParseTransactions(MarkupDocument& doc, const ByteString& prefix) {
+int StatementServiceBase::ParseStatement(MarkupDocument& doc, const ByteString& prefix) {
   if (int rc = EnterResponse(doc, prefix); rc != kOk) return rc;
   if (int rc = ReadAccount(doc, false); rc != kOk) return rc;
   if (int rc = ReadBalances(doc); rc != kOk) return rc;
   if (!doc.HasPath(layout_.transaction_list)) return kOk;
   if (int rc = Select(doc, layout_.transaction_list); rc != kOk) return rc;
+  if (int rc = ReadDateRange(doc); rc != kOk) return rc;
+  return ReadRecords(doc, layout_.transaction_record, transactions_);
+}
+
+int StatementServiceBase::ReadDateRange(MarkupDocument& doc) {
   if (int rc = ReadResponseValue(start_date_, doc, "DTSTART", true); rc != kOk) return rc;
   if (int rc = ReadResponseValue(end_date_, doc, "../DTEND", true); rc != kOk) return rc;
-  if (int rc = Select(doc, ".."); rc != kOk) return rc;
-  return ReadRecords(doc, layout_.transaction_record, transactions_);
+  return Select(doc, "..");
 }
 
 int StatementServiceBase::ReadBalances(MarkupDocument& doc) {

@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "base/byte_string.h"
+#include "base/error_codes.h"
 #include "base/item_list.h"
 #include "ofx/message_set_table.h"
 #include "ofx/ofx_client.h"
@@ -143,25 +144,51 @@ class StatementServiceBase : public OFXClient {
   // element. The default reads LEDGERBAL, then AVAILBAL.
   virtual int ReadBalances(MarkupDocument& doc);
 
+  // The request between the account aggregate and the image flag of a
+  // transaction statement; the default asks for every transaction of the
+  // date range (INCTRAN).
+  virtual int AppendStatementOptions(ByteString& out, bool xml);
+  // The walk of a transaction statement from the message set (or the root).
+  virtual int ParseStatement(MarkupDocument& doc, const ByteString& prefix);
+
+  // "<NAME>value</NAME>\r\n"; SGML leaves the end tag out.
+  static int AppendElement(ByteString& out, bool xml, const char* name, std::string_view value);
+  // The DTSTART and DTEND lines of the dates that are set.
+  int AppendDateRange(ByteString& out, bool xml);
   // AVAILBAL when present (both values required), else both empty.
   int ReadAvailableBalance(MarkupDocument& doc);
+  // DTSTART and DTEND (both required) of the list at the cursor, which stays there.
+  int ReadDateRange(MarkupDocument& doc);
   // Moves the cursor along `path` or reports the document's error.
   int Select(MarkupDocument& doc, std::string_view path);
   const char* ShowAmount(ByteString& shown, std::string_view raw);
+  int SetUserDate(ByteString& field, const char* text);
+  // The status of prefix + "TRNRS", then prefix + "RS/CURDEF"; the cursor
+  // ends on the statement response (prefix + "RS"). Without
+  // `status_required` a wrapper that is absent is not looked for.
+  int EnterResponse(MarkupDocument& doc, const ByteString& prefix, bool status_required = true);
+  // Appends one record per "name[n + skip]" below the cursor until one is
+  // missing; an empty name counts children of any name.
+  template <class Record>
+  int ReadRecords(MarkupDocument& doc, const char* name, ItemList<Record>& list, int32_t skip = 0) {
+    ByteString step;
+    for (int32_t n = 1;; ++n) {
+      step.Assign(name);
+      step.AppendChar('[');
+      step.AppendInt(n + skip);
+      step.AppendChar(']');
+      if (!doc.SelectPathIfPresent(step.View())) return kOk;
+      if (list.SetCount(n) != kOk || list.Last() == nullptr) return ReportError(kErrOutOfMemory, nullptr);
+      if (int rc = list.Last()->Parse(*this); rc != kOk) return rc;
+      if (int rc = Select(doc, ".."); rc != kOk) return rc;
+    }
+  }
 
  private:
   int Download(int32_t type);
-  int SetUserDate(ByteString& field, const char* text);
   int ParseClosingInfo(MarkupDocument& doc, const ByteString& prefix);
-  int ParseTransactions(MarkupDocument& doc, const ByteString& prefix);
   // The status of `wrapper`, also when the document's root is the wrapper.
   int CheckWrapperStatus(MarkupDocument& doc, const ByteString& wrapper);
-  // The status of prefix + "TRNRS", then prefix + "RS/CURDEF"; the cursor
-  // ends on the statement response (prefix + "RS").
-  int EnterResponse(MarkupDocument& doc, const ByteString& prefix);
-  // Appends one record per "name[n]" below the cursor until one is missing.
-  template <class Record>
-  int ReadRecords(MarkupDocument& doc, const char* name, ItemList<Record>& list);
   StatementTransaction& Tx(int32_t index) { return *transactions_.Item(index); }
   ClosingInfo& Closing(int32_t index) { return *closings_.Item(index); }
 
