@@ -689,7 +689,8 @@ class InvStatements(Statements):
 
     def entry(self, ctx, i, count, day, fitid):
         kind = INVESTMENT_KINDS[i % len(INVESTMENT_KINDS)]
-        sec = {"STOCK": 0, "MF": 1, "DEBT": 2, "OPT": 3}.get(kind[3:] if kind[:3] == "BUY" else kind[4:], 0)
+        sec = {"STOCK": 0, "MF": 1, "DEBT": 2, "OPT": 3}.get(kind[3:] if kind[:3] == "BUY" else kind[4:],
+                                                           {"REINVEST": 1, "TRANSFER": 4}.get(kind, 0))
         price = SECURITIES[sec][4]
         units = 5 + (ctx.seed + i * 7) % 40
         tran = ("INVTRAN", [("FITID", fitid), ("DTTRADE", stamp(day, "093000")),
@@ -723,15 +724,15 @@ class InvStatements(Statements):
         if kind == "INCOME":
             cents = 1250 + ctx.seed % 500
             ctx.cash += cents
-            return [tran, secid(0), ("INCOMETYPE", "DIV"), ("TOTAL", money(cents)), ("SUBACCTSEC", "CASH"),
+            return [tran, secid(sec), ("INCOMETYPE", "DIV"), ("TOTAL", money(cents)), ("SUBACCTSEC", "CASH"),
                     ("SUBACCTFUND", "CASH")]
         if kind == "REINVEST":
-            return [tran, secid(1), ("INCOMETYPE", "DIV"), ("TOTAL", money(-price * 2)), ("SUBACCTSEC", "CASH"),
+            return [tran, secid(sec), ("INCOMETYPE", "DIV"), ("TOTAL", money(-price * 2)), ("SUBACCTSEC", "CASH"),
                     ("UNITS", "2"), ("UNITPRICE", money(price))]
         if kind == "TRANSFER":
-            return [tran, secid(4), ("SUBACCTSEC", "CASH"), ("UNITS", str(units)), ("TFERACTION", "IN"),
+            return [tran, secid(sec), ("SUBACCTSEC", "CASH"), ("UNITS", str(units)), ("TFERACTION", "IN"),
                     ("POSTYPE", "LONG")]
-        return [tran, secid(0), ("SUBACCTSEC", "CASH"), ("OLDUNITS", "100"), ("NEWUNITS", "400"),
+        return [tran, secid(sec), ("SUBACCTSEC", "CASH"), ("OLDUNITS", "100"), ("NEWUNITS", "400"),
                 ("NUMERATOR", "4"), ("DENOMINATOR", "1")]
 
     def statement_answer(self, rq, scenario):
