@@ -50,7 +50,6 @@ expect 0 "" "$scratch/inv.ofx" --format csv
 grep -qx '01/05/2026 00:00:00,Buy stock,-50,T1,,,CUSIP:123,10,5,' "$scratch/out" &&
   grep -qx 'CUSIP:123,Stock,10,6,60,01/31/2026 00:00:00,CASH' "$scratch/out" ||
   { echo "FAIL: investment csv"; cat "$scratch/out"; failures=$((failures + 1)); }
-expect 2 "--broker is for brokerage accounts" --url http://127.0.0.1:9/ofx --card 1 --broker b
 
 expect 1 "ReadOFXDataFile failed: 302 Cannot open OFX data file for reading." "$scratch/none.ofx"
 printf 'OFXHEADER:100\r\n\r\n<OFX><BANKMSGSRSV1><STMTTRNRS><STATUS><CODE>0<SEVERITY>INFO</STATUS></STMTTRNRS></BANKMSGSRSV1></OFX>' \
