@@ -1,5 +1,5 @@
-// orvelan-statement: prints a bank, credit card or loan statement read from
-// an OFX file, or downloads one from an institution's OFX server.
+// orvelan-statement: prints a bank, credit card, loan or investment statement
+// read from an OFX file, or downloads one from an institution's OFX server.
 //
 //   orvelan-statement FILE.ofx [--card | --loan] [--format table|csv|json]
 //   orvelan-statement --url URL --org ORG --fid FID --user U ACCOUNT
@@ -10,6 +10,7 @@
 //     --bank-id B --account A [--type checking|savings|moneymrkt|creditline]
 //     --card NUMBER
 //     --loan ACCOUNT [--loan-type auto|consumer|mortgage|commercial|student|military|smb|constr|homeequity]
+//     --broker BROKERID --account A
 //
 // A file's content tells which statement it holds; --card or --loan overrides
 // that. The application id and version default to "QWIN" and "2700", which most
@@ -46,6 +47,7 @@ const char kUsage[] =
     "  --card NUMBER                                                           a credit card\n"
     "  --loan ACCOUNT [--loan-type auto|consumer|mortgage|commercial|student|\n"
     "                  military|smb|constr|homeequity]                          a loan\n"
+    "  --broker BROKERID --account A                                           a brokerage account\n"
     "A file's content tells which statement it holds; --card or --loan overrides that.\n"
     "--closing asks for the statement closing information instead of the transactions\n"
     "(over OFX 2.1.1 unless --ofx-version says otherwise).\n"
@@ -59,6 +61,8 @@ const char kPasswordVariable[] = "ORVELAN_PASSWORD";
 const char kMaxTransferredData[] = "MaxTransferredData=268435456";
 // The loan aggregates the fixed OFX dictionary does not know.
 const char kLoanExtraTags[] = "ExtraTags=ESCRWAMT,LOANPMT,LOANINT,LOANIRATE,LOANCLOSING";
+// Likewise for investments, with the retirement-plan aggregates brokers add.
+const char kInvExtraTags[] = "ExtraTags=INVSTMTENDRS,INVCLOSING,SWITCHMF,INV401K,INV401KBAL";
 
 struct Options {
   std::string file, url, org, fid, user, password, bank_id, account, from, to, ofx_version, accept_cert;
@@ -128,6 +132,12 @@ int ParseOptions(int argc, char** argv, Options* options) {
       if (!ChooseKind(is_card ? kCardStatement : kLoanStatement, options)) return Usage("give only one of --card and --loan");
       if (!download) continue;
     }
+    if (std::strcmp(arg, "--broker") == 0) {
+      if (!ChooseKind(kInvStatement, options)) return Usage("--broker is for brokerage accounts");
+      if (i + 1 >= argc) return Usage("--broker needs a value");
+      options->bank_id = argv[++i];
+      continue;
+    }
     if (std::strcmp(arg, "--closing") == 0) {
       options->closing = true;
       continue;
@@ -164,7 +174,8 @@ int ParseOptions(int argc, char** argv, Options* options) {
     if (options->kind == nullptr) options->kind = &kBankStatement;
     const StatementKind& kind = *options->kind;
     const bool bank = &kind == &kBankStatement;
-    if (!bank) {
+    const bool by_account = bank || &kind == &kInvStatement;
+    if (!by_account) {
       if (!options->bank_id.empty() || !options->account.empty()) return Usage("--bank-id and --account are for bank accounts");
       options->account = options->card_or_loan;
     }
@@ -181,7 +192,7 @@ int ParseOptions(int argc, char** argv, Options* options) {
     } required[] = {{options->org, "--org"},
                     {options->fid, "--fid"},
                     {options->user, "--user"},
-                    {options->account, bank ? "--account" : &kind == &kCardStatement ? "--card" : "--loan"}};
+                    {options->account, by_account ? "--account" : &kind == &kCardStatement ? "--card" : "--loan"}};
     for (const auto& entry : required) {
       if (entry.value.empty()) return Usage((std::string(entry.flag) + " is required with --url").c_str());
     }
@@ -223,7 +234,8 @@ const StatementKind& KindOfFile(const std::string& path) {
     const StatementKind& kind;
   } kWrappers[] = {{"<STMTTRNRS>", kBankStatement},          {"<STMTENDTRNRS>", kBankStatement},
                    {"<CCSTMTTRNRS>", kCardStatement},        {"<CCSTMTENDTRNRS>", kCardStatement},
-                   {"<LOANSTMTTRNRS>", kLoanStatement},      {"<LOANSTMTENDTRNRS>", kLoanStatement}};
+                   {"<LOANSTMTTRNRS>", kLoanStatement},      {"<LOANSTMTENDTRNRS>", kLoanStatement},
+                   {"<INVSTMTTRNRS>", kInvStatement},        {"<INVSTMTENDTRNRS>", kInvStatement}};
   std::ifstream in(path, std::ios::binary);
   std::string window;
   char chunk[65536];
@@ -271,7 +283,11 @@ static_assert(CCSTATEMENT_METHOD_GETSTATEMENT == BANKSTATEMENT_METHOD_GETSTATEME
                   CCSTATEMENT_METHOD_CONFIG == BANKSTATEMENT_METHOD_CONFIG &&
                   LOANSTATEMENT_METHOD_CONFIG == BANKSTATEMENT_METHOD_CONFIG &&
                   CCSTATEMENT_METHOD_READOFXDATAFILE == BANKSTATEMENT_METHOD_READOFXDATAFILE &&
-                  LOANSTATEMENT_METHOD_READOFXDATAFILE == BANKSTATEMENT_METHOD_READOFXDATAFILE,
+                  LOANSTATEMENT_METHOD_READOFXDATAFILE == BANKSTATEMENT_METHOD_READOFXDATAFILE &&
+                  INVSTATEMENT_METHOD_GETSTATEMENT == BANKSTATEMENT_METHOD_GETSTATEMENT &&
+                  INVSTATEMENT_METHOD_GETCLOSINGINFO == BANKSTATEMENT_METHOD_GETCLOSINGINFO &&
+                  INVSTATEMENT_METHOD_CONFIG == BANKSTATEMENT_METHOD_CONFIG &&
+                  INVSTATEMENT_METHOD_READOFXDATAFILE == BANKSTATEMENT_METHOD_READOFXDATAFILE,
               "statement method ids differ");
 
 // OFX 1.x closing responses leave DTOPEN without an end tag, which the
@@ -291,7 +307,7 @@ int Download(const StatementKind& kind, void* st, const Options& options) {
       {kind.ofx_password_id, "OFXPassword", options.password},
       {kind.ofx_app_id_id, "OFXAppId", options.app_id},
       {kind.ofx_app_version_id, "OFXAppVersion", options.app_version},
-      {kind.bank_id_id, "BankId", options.bank_id},
+      {kind.bank_id_id, &kind == &kInvStatement ? "BrokerId" : "BankId", options.bank_id},
       {kind.account.id, kind.account.label, options.account},
       {kind.start_date_id, "StartDate", options.from.empty() ? "" : WithTime(options.from)},
       {kind.end_date_id, "EndDate", options.to.empty() ? "" : WithTime(options.to)},
@@ -353,7 +369,9 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "orvelan-statement: cannot create a %s statement\n", kind.name);
     return 1;
   }
-  int status = &kind == &kLoanStatement ? Configure(kind, st, kLoanExtraTags) : 0;
+  int status = &kind == &kLoanStatement  ? Configure(kind, st, kLoanExtraTags)
+               : &kind == &kInvStatement ? Configure(kind, st, kInvExtraTags)
+                                         : 0;
   if (status == 0) status = options.file.empty() ? Download(kind, st, options) : ReadFile(kind, st, options.file);
   if (status == 0) StatementPrinter(kind, options.format).Print(st, stdout);
   kind.destroy(st);

@@ -39,6 +39,11 @@ image reference to each transaction or closing. An image request (IMAGEREF)
 answers a 1x1 PNG whose tEXt comment is the reference, or "OFX-STATUS=16512"
 for the reference "missing".
 
+Investment statements (INVSTMTMSGSRQV1: INVSTMTRQ, INVSTMTENDRQ) hold 13 trades,
+income, reinvestment, transfer, split and cash records by default, a position in
+each kind of security, balances of each BALTYPE, two open orders and, in
+SECLISTMSGSRSV1, the securities they name.
+
 With --log every POST is appended to FILE as
     --- request <seq> status=<http status, 0 for stall> length=<n>\n<n body bytes>\n
 and one line per request goes to standard output.
@@ -637,6 +642,175 @@ class LoanStatements(Statements):
                 ("LOANINT", [("LOANINTYTD", money(interest_ytd))]), ("LOANIRATE", [("LOANINTRATE", "6.25")])]
 
 
+# Securities of the broker: (kind, CUSIP, name, ticker, price in cents).
+SECURITIES = [("STOCK", "037833100", "Acme Computer Inc.", "ACME", 18950),
+              ("MF", "922908363", "Total Market Index Fund", "TMIF", 41225),
+              ("DEBT", "912828ZQ6", "US Treasury Note 0.75% 2031", "", 9812),
+              ("OPT", "ACME260320C00200000", "ACME Mar 2026 200 Call", "ACME 260320C200", 315),
+              ("OTHER", "LP0000042", "Harbour Real Estate LP", "", 10000)]
+# The transaction kinds a statement cycles through, each on the security of its kind.
+INVESTMENT_KINDS = ["BUYSTOCK", "SELLSTOCK", "BUYMF", "SELLMF", "BUYDEBT", "SELLDEBT", "BUYOPT", "SELLOPT",
+                    "INCOME", "REINVEST", "TRANSFER", "SPLIT", "INVBANKTRAN"]
+
+
+def secid(i):
+    kind, cusip = SECURITIES[i][:2]
+    return ("SECID", [("UNIQUEID", cusip), ("UNIQUEIDTYPE", "TICKER" if kind == "OPT" else "CUSIP")])
+
+
+class InvStatements(Statements):
+    """A brokerage account: trades of every kind, income, reinvestment,
+    transfers, splits and cash movements; positions in each kind of security,
+    balances of each BALTYPE and open orders; the securities they name in
+    SECLISTMSGSRSV1."""
+    prefix = "INV"
+    message_set = "INVSTMTMSGSRQV"
+    account = "INVACCTFROM"
+    account_fields = [("BROKERID", True, ".{1,22}"), ("ACCTID", True, ".{1,22}")]
+    transaction_list = "INVTRANLIST"
+    closing = "INVCLOSING"
+    transactions = len(INVESTMENT_KINDS)
+
+    def check(self, trnrq, message_set):
+        if trnrq.name == "INVSTMTENDTRNRQ":
+            return Statements.check(self, trnrq, message_set)
+        if message_set.name[:-1] != self.message_set:
+            raise BadRequest("<%s> belongs in %s1, not in %s" % (trnrq.name, self.message_set, message_set.name))
+        incpos = [("DTASOF", False, OFX_DATE), ("INCLUDE", True, YES_NO)]
+        rq_form = [(self.account, True, self.account_fields), ("INCTRAN", False, INCTRAN), ("INCOO", True, YES_NO),
+                   ("INCPOS", True, incpos), ("INCBAL", True, YES_NO), ("INC401K", False, YES_NO),
+                   ("INC401KBAL", False, YES_NO), ("INCTRANIMG", False, YES_NO)]
+        check_aggregate(trnrq, [("TRNUID", True, TRNUID_FORM.pattern[1:-1]), ("CLTCOOKIE", False, ".+"),
+                                ("TAN", False, ".+"), ("INVSTMTRQ", True, rq_form)])
+        return trnrq.child("INVSTMTRQ")
+
+    def answer(self, trnrq, rq, scenario):
+        if trnrq.name == "INVSTMTTRNRQ":
+            scenario.extra_message_sets = [("SECLISTMSGSRSV1", [("SECLIST", self.security_list())])]
+        return Statements.answer(self, trnrq, rq, scenario)
+
+    def begin(self, ctx):
+        ctx.cash = 2500000 + ctx.seed % 1000 * 100
+
+    def entry(self, ctx, i, count, day, fitid):
+        kind = INVESTMENT_KINDS[i % len(INVESTMENT_KINDS)]
+        sec = {"STOCK": 0, "MF": 1, "DEBT": 2, "OPT": 3}.get(kind[3:] if kind[:3] == "BUY" else kind[4:],
+                                                           {"REINVEST": 1, "TRANSFER": 4}.get(kind, 0))
+        price = SECURITIES[sec][4]
+        units = 5 + (ctx.seed + i * 7) % 40
+        tran = ("INVTRAN", [("FITID", fitid), ("DTTRADE", stamp(day, "093000")),
+                            ("DTSETTLE", stamp(day + datetime.timedelta(days=2), "000000")),
+                            ("MEMO", "%s %s" % (kind, SECURITIES[sec][2]))])
+        if kind == "INVBANKTRAN":
+            cents = 50000 if i % 2 else -12500
+            ctx.cash += cents
+            return [("STMTTRN", [("TRNTYPE", "CREDIT" if cents > 0 else "DEBIT"), ("DTPOSTED", stamp(day)),
+                                 ("TRNAMT", money(cents)), ("FITID", fitid),
+                                 ("NAME", "Deposit from checking" if cents > 0 else "Wire out")]),
+                    ("SUBACCTFUND", "CASH")]
+        if kind[:3] in ("BUY", "SEL"):
+            buy = kind[:3] == "BUY"
+            scale = 100 if kind.endswith("OPT") else 1
+            cents = price * units * scale + 995
+            total = -cents if buy else cents - 2 * 995
+            ctx.cash += total
+            trade = [tran, secid(sec), ("UNITS", str(units)), ("UNITPRICE", money(price)),
+                     ("COMMISSION", money(995)), ("TOTAL", money(total)), ("SUBACCTSEC", "CASH"),
+                     ("SUBACCTFUND", "CASH")]
+            record = [("INVBUY" if buy else "INVSELL", trade)]
+            if kind.endswith("OPT"):
+                record += [("OPTBUYTYPE" if buy else "OPTSELLTYPE", "BUYTOOPEN" if buy else "SELLTOCLOSE"),
+                           ("SHPERCTRCT", "100")]
+            elif kind.endswith("DEBT"):
+                record += [] if buy else [("SELLREASON", "SELL")]
+            else:
+                record.append(("BUYTYPE", "BUY") if buy else ("SELLTYPE", "SELL"))
+            return record
+        if kind == "INCOME":
+            cents = 1250 + ctx.seed % 500
+            ctx.cash += cents
+            return [tran, secid(sec), ("INCOMETYPE", "DIV"), ("TOTAL", money(cents)), ("SUBACCTSEC", "CASH"),
+                    ("SUBACCTFUND", "CASH")]
+        if kind == "REINVEST":
+            return [tran, secid(sec), ("INCOMETYPE", "DIV"), ("TOTAL", money(-price * 2)), ("SUBACCTSEC", "CASH"),
+                    ("UNITS", "2"), ("UNITPRICE", money(price))]
+        if kind == "TRANSFER":
+            return [tran, secid(sec), ("SUBACCTSEC", "CASH"), ("UNITS", str(units)), ("TFERACTION", "IN"),
+                    ("POSTYPE", "LONG")]
+        return [tran, secid(sec), ("SUBACCTSEC", "CASH"), ("OLDUNITS", "100"), ("NEWUNITS", "400"),
+                ("NUMERATOR", "4"), ("DENOMINATOR", "1")]
+
+    def statement_answer(self, rq, scenario):
+        """The shared statement walk supplies the transactions; the rest is
+        the broker's."""
+        body = Statements.statement_answer(self, rq, scenario)
+        ctx = scenario.investment
+        as_of = day_of(rq.text("INCPOS/DTASOF"), ctx.end)
+        # Each record is named by its kind, not the shared STMTTRN.
+        lists = [(name, [c if c[0] != self.transaction else (INVESTMENT_KINDS[(i - 2) % len(INVESTMENT_KINDS)], c[1])
+                         for i, c in enumerate(children)]) for name, children in body[2:-1]]
+        head = [("DTASOF", stamp(ctx.end, "160000")), ("CURDEF", "USD"), body[1]] + lists
+        if rq.text("INCPOS/INCLUDE") == "Y":
+            head.append(("INVPOSLIST", [self.position(i, as_of) for i in range(len(SECURITIES))]))
+        if rq.text("INCBAL") == "Y":
+            head.append(body[-1])
+        if rq.text("INCOO") == "Y":
+            head.append(("INVOOLIST", self.open_orders(ctx)))
+        return head + [("MKTGINFO", "Trade with us for $4.95.")]
+
+    def context(self, rq, scenario, start, end):
+        scenario.investment = ctx = Statements.context(self, rq, scenario, start, end)
+        return ctx
+
+    def position(self, i, as_of):
+        kind, _, name, _, price = SECURITIES[i]
+        units = 10 * (i + 1) * (100 if kind == "DEBT" else 1)
+        value = price * units * (100 if kind == "OPT" else 1)
+        return ("POS" + kind, [("INVPOS", [secid(i), ("HELDINACCT", "CASH" if i % 2 == 0 else "MARGIN"),
+                                           ("POSTYPE", "SHORT" if kind == "OPT" else "LONG"), ("UNITS", str(units)),
+                                           ("UNITPRICE", money(price)), ("MKTVAL", money(value)),
+                                           ("DTPRICEASOF", stamp(as_of, "160000")), ("MEMO", name)])])
+
+    def balances(self, ctx):
+        return [("INVBAL", [("AVAILCASH", money(ctx.cash + ctx.total)), ("MARGINBALANCE", money(-150000)),
+                            ("SHORTBALANCE", money(0)), ("BUYPOWER", money(2 * ctx.cash)),
+                            ("BALLIST", [("BAL", [("NAME", "Settled cash"), ("DESC", "Cash available to withdraw"),
+                                                  ("BALTYPE", "DOLLAR"), ("VALUE", money(ctx.cash))]),
+                                         ("BAL", [("NAME", "Margin rate"), ("DESC", "Current margin rate"),
+                                                  ("BALTYPE", "PERCENT"), ("VALUE", "8.25")]),
+                                         ("BAL", [("NAME", "Day trades"), ("DESC", "Day trades in 5 days"),
+                                                  ("BALTYPE", "NUMBER"), ("VALUE", "2")])])])]
+
+    def open_orders(self, ctx):
+        oo = lambda fitid, sec, units: ("OO", [("FITID", fitid), secid(sec),
+                                               ("DTPLACED", stamp(ctx.end, "100000")), ("UNITS", units),
+                                               ("SUBACCT", "CASH"), ("DURATION", "GOODTILCANCEL"),
+                                               ("RESTRICTION", "NONE"), ("LIMITPRICE", "150.00")])
+        return [("OOBUYSTOCK", [oo("OO-%s-1" % ctx.id, 0, "25"), ("BUYTYPE", "BUY")]),
+                ("OOSELLMF", [oo("OO-%s-2" % ctx.id, 1, "12.5"), ("SELLTYPE", "SELL"), ("UNITTYPE", "SHARES"),
+                              ("SELLALL", "N")])]
+
+    def security_list(self):
+        infos = []
+        for i, (kind, _, name, ticker, price) in enumerate(SECURITIES):
+            info = [secid(i), ("SECNAME", name)] + ([("TICKER", ticker)] if ticker else [])
+            info += [("FIID", "F%03d" % i), ("UNITPRICE", money(price))]
+            extra = {"STOCK": [("YIELD", "0.55"), ("ASSETCLASS", "LARGESTOCK")],
+                     "MF": [("MFTYPE", "OPENEND"), ("YIELD", "1.31"),
+                            ("MFASSETCLASS", [("PORTION", [("ASSETCLASS", "LARGESTOCK"), ("PERCENT", "80")]),
+                                              ("PORTION", [("ASSETCLASS", "SMALLSTOCK"), ("PERCENT", "20")])])],
+                     "DEBT": [("PARVALUE", "1000.00"), ("DEBTTYPE", "COUPON"), ("COUPONRT", "0.75"),
+                              ("DTMAT", "20310215"), ("YIELDTOMAT", "4.12"), ("ASSETCLASS", "GOVTBOND")],
+                     "OPT": [("OPTTYPE", "CALL"), ("STRIKEPRICE", "200.00"), ("DTEXPIRE", "20260320"),
+                             ("SHPERCTRCT", "100"), secid(0), ("ASSETCLASS", "LARGESTOCK")],
+                     "OTHER": [("TYPEDESC", "Limited partnership"), ("ASSETCLASS", "OTHER")]}[kind]
+            infos.append((kind + "INFO", [("SECINFO", info)] + extra))
+        return infos
+
+    def closing_record(self, ctx, month, last, following):
+        return [("BALOPEN", money(ctx.cash)), ("BALCLOSE", money(ctx.cash))]
+
+
 # ---------------------------------------------------------------- profile and signup
 
 SERVICE_URL = ["http://127.0.0.1/ofx"]  # main() puts the real one here
@@ -756,8 +930,7 @@ class Signup:
                                    ("Retirement", invest), ("Home loan", loan))]
 
 
-
-FAMILIES = [BankStatements(), CardStatements(), LoanStatements(), Profile(), Signup()]
+FAMILIES = [BankStatements(), CardStatements(), LoanStatements(), InvStatements(), Profile(), Signup()]
 REQUESTS = {name: family for family in FAMILIES for name in family.requests()}
 
 
@@ -816,6 +989,7 @@ class Bank:
         body = self.signon()
         for message_set in self.ofx.children[1:]:
             body.append((message_set.name.replace("RQV", "RSV"), self.message_set(message_set)))
+        body += getattr(s, "extra_message_sets", [])
         return self.ofx_answer(body)
 
     def ofx_answer(self, body):

@@ -1,4 +1,4 @@
-// The three statement components as the printer and the tool see them.
+// The statement components as the printer and the tool see them.
 #include "statement_printer.h"
 
 namespace {
@@ -60,6 +60,7 @@ const StatementKind kBankStatement = {
     BANKSTATEMENT_PROP_BANKID,
     BANKSTATEMENT_PROP_TIMEOUT,
     BANKSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED,
+    nullptr,
 };
 
 const StatementKind kCardStatement = {
@@ -97,6 +98,7 @@ const StatementKind kCardStatement = {
     0,
     CCSTATEMENT_PROP_TIMEOUT,
     CCSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED,
+    nullptr,
 };
 
 const StatementKind kLoanStatement = {
@@ -136,4 +138,72 @@ const StatementKind kLoanStatement = {
     0,
     LOANSTATEMENT_PROP_TIMEOUT,
     LOANSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED,
+    nullptr,
+};
+
+namespace {
+
+const StatementKind::Holdings kInvHoldings = {
+    INVSTATEMENT_PROP_POSCOUNT,
+    {{"Security", "security_id", INVSTATEMENT_PROP_POSSECURITYID, false},
+     {"Kind", "kind", INVSTATEMENT_PROP_POSTYPEDESCRIPTION, false},
+     {"Units", "units", INVSTATEMENT_PROP_POSUNITS, false},
+     {"Price", "unit_price", INVSTATEMENT_PROP_POSUNITPRICE, false},
+     {"Value", "market_value", INVSTATEMENT_PROP_POSMARKETVALUE, true},
+     {"Priced", "date_price_as_of", INVSTATEMENT_PROP_POSDATEPRICEASOF, false},
+     {"Held in", "held_in", INVSTATEMENT_PROP_POSACCOUNTTYPE, false}},
+    INVSTATEMENT_PROP_SECCOUNT,
+    {{"Security", "security_id", INVSTATEMENT_PROP_SECSECURITYID, false},
+     {"Kind", "kind", INVSTATEMENT_PROP_SECTYPEDESCRIPTION, false},
+     {"Ticker", "ticker", INVSTATEMENT_PROP_SECTICKER, false},
+     {"Name", "name", INVSTATEMENT_PROP_SECNAME, false},
+     {"Price", "unit_price", INVSTATEMENT_PROP_SECUNITPRICE, false},
+     {"Asset class", "asset_class", INVSTATEMENT_PROP_SECASSETCLASS, false},
+     {"Yield", "yield", INVSTATEMENT_PROP_SECYIELD, false}},
+};
+
+}  // namespace
+
+// The payee column holds a banking transaction's name; a trade names its
+// security instead.
+const StatementKind kInvStatement = {
+    "investment",
+    ORVELAN_ENTRY_POINTS(InvStatement),
+    {"Account", "account_id", INVSTATEMENT_PROP_ACCOUNTID, false},
+    0,
+    nullptr,
+    0,
+    INVSTATEMENT_PROP_CURRENCYCODE,
+    INVSTATEMENT_PROP_STARTDATE,
+    INVSTATEMENT_PROP_ENDDATE,
+    {{{"Available cash", "available_cash", INVSTATEMENT_PROP_AVAILABLECASH, true}, nullptr, 0},
+     {{"Margin balance", "margin_balance", INVSTATEMENT_PROP_MARGINBALANCE, true}, nullptr, 0},
+     {{"Short balance", "short_balance", INVSTATEMENT_PROP_SHORTBALANCE, true}, nullptr, 0},
+     {{"Buying power", "buying_power", INVSTATEMENT_PROP_BUYINGPOWER, true}, nullptr, 0}},
+    INVSTATEMENT_PROP_TXCOUNT,
+    {{"Date", "date", INVSTATEMENT_PROP_TXDATE, false},
+     {"Type", "type", INVSTATEMENT_PROP_TXTYPEDESCRIPTION, false},
+     {"Total", "total", INVSTATEMENT_PROP_TXTOTAL, true},
+     {"FITID", "fitid", INVSTATEMENT_PROP_TXFITID, false},
+     {"Name", "name", INVSTATEMENT_PROP_TXNAME, false},
+     {"Memo", "memo", INVSTATEMENT_PROP_TXMEMO, false},
+     {"Security", "security_id", INVSTATEMENT_PROP_TXSECURITYID, false},
+     {"Units", "units", INVSTATEMENT_PROP_TXUNITS, false},
+     {"Price", "unit_price", INVSTATEMENT_PROP_TXUNITPRICE, false},
+     {"Settled", "date_settle", INVSTATEMENT_PROP_TXDATESETTLE, false}},
+    INVSTATEMENT_PROP_CLOSINGINFOCOUNT,
+    {{"FITID", "fitid", INVSTATEMENT_PROP_CLOSINGINFOFITID, false},
+     {"Image", "image_ref", INVSTATEMENT_PROP_CLOSINGINFOIMAGEREF, false}},
+    INVSTATEMENT_PROP_FIURL,
+    INVSTATEMENT_PROP_FIORGANIZATION,
+    INVSTATEMENT_PROP_FIID,
+    INVSTATEMENT_PROP_OFXUSER,
+    INVSTATEMENT_PROP_OFXPASSWORD,
+    INVSTATEMENT_PROP_OFXAPPID,
+    INVSTATEMENT_PROP_OFXAPPVERSION,
+    INVSTATEMENT_PROP_OFXVERSION,
+    INVSTATEMENT_PROP_BROKERID,
+    INVSTATEMENT_PROP_TIMEOUT,
+    INVSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED,
+    &kInvHoldings,
 };

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <cstring>
+#include <map>
 #include <vector>
 
 namespace {
@@ -181,23 +182,56 @@ void StatementPrinter::PrintTable(void* st, std::FILE* out) const {
                  row[3].c_str(), Description(row).c_str());
   }
   std::fprintf(out, "%zu transaction%s\n", rows.size(), rows.size() == 1 ? "" : "s");
+  if (k.holdings != nullptr) PrintHoldingsTable(st, out);
+}
+
+// Positions by the ticker (else the name) their security has in the list.
+void StatementPrinter::PrintHoldingsTable(void* st, std::FILE* out) const {
+  const StatementKind::Holdings& h = *kind_.holdings;
+  const Rows securities = ReadRows(kind_, st, h.sec_count_id, h.sec_columns);
+  std::map<std::string, std::string> shown;
+  for (const auto& row : securities) shown.emplace(row[0], row[2].empty() ? row[3] : row[2]);
+  const Rows positions = ReadRows(kind_, st, h.pos_count_id, h.pos_columns);
+  std::fprintf(out, "\n%-28s  %-12s  %12s  %12s  %14s\n", "Position", "Kind", "Units", "Price", "Value");
+  std::fprintf(out, "%s\n", std::string(86, '-').c_str());
+  for (const auto& row : positions) {
+    const auto security = shown.find(row[0]);
+    std::fprintf(out, "%-28.28s  %-12.12s  %12s  %12s  %14s\n",
+                 (security != shown.end() ? security->second : row[0]).c_str(), row[1].c_str(), row[2].c_str(),
+                 row[3].c_str(), row[4].c_str());
+  }
+  std::fprintf(out, "%zu position%s\n\n%-28s  %-24s  %-8s  %s\n", positions.size(), positions.size() == 1 ? "" : "s",
+               "Security", "Kind", "Ticker", "Name");
+  std::fprintf(out, "%s\n", std::string(86, '-').c_str());
+  for (const auto& row : securities) {
+    std::fprintf(out, "%-28s  %-24.24s  %-8s  %s\n", row[0].c_str(), row[1].c_str(), row[2].c_str(), row[3].c_str());
+  }
+  std::fprintf(out, "%zu securit%s\n", securities.size(), securities.size() == 1 ? "y" : "ies");
 }
 
 void StatementPrinter::PrintCsv(void* st, std::FILE* out) const {
-  const bool closing = HoldsClosingInfo(kind_, st);
-  const Field* columns = closing ? kind_.closing_columns : kind_.tx_columns;
-  for (size_t c = 0; columns[c].name != nullptr; ++c) {
-    if (c > 0) std::fputc(',', out);
-    std::fputs(columns[c].name, out);
-  }
-  std::fputc('\n', out);
-  for (const auto& row : ReadRows(kind_, st, closing ? kind_.closing_count_id : kind_.tx_count_id, columns)) {
-    for (size_t c = 0; c < row.size(); ++c) {
+  // One table after another, a blank line between them.
+  auto table = [this, st, out](int count_id, const Field* columns) {
+    for (size_t c = 0; columns[c].name != nullptr; ++c) {
       if (c > 0) std::fputc(',', out);
-      PutCsvField(row[c], out);
+      std::fputs(columns[c].name, out);
     }
     std::fputc('\n', out);
-  }
+    for (const auto& row : ReadRows(kind_, st, count_id, columns)) {
+      for (size_t c = 0; c < row.size(); ++c) {
+        if (c > 0) std::fputc(',', out);
+        PutCsvField(row[c], out);
+      }
+      std::fputc('\n', out);
+    }
+  };
+  const bool closing = HoldsClosingInfo(kind_, st);
+  table(closing ? kind_.closing_count_id : kind_.tx_count_id, closing ? kind_.closing_columns : kind_.tx_columns);
+  if (kind_.holdings == nullptr || closing) return;
+  std::fputc('\n', out);
+  table(kind_.holdings->pos_count_id, kind_.holdings->pos_columns);
+  std::fputc('\n', out);
+  table(kind_.holdings->sec_count_id, kind_.holdings->sec_columns);
 }
 
 void StatementPrinter::PrintJson(void* st, std::FILE* out) const {
@@ -222,5 +256,11 @@ void StatementPrinter::PrintJson(void* st, std::FILE* out) const {
   PutJsonRecords(k.tx_columns, ReadRows(k, st, k.tx_count_id, k.tx_columns), out);
   std::fputs(",\n  \"closing_info\": [", out);
   PutJsonRecords(k.closing_columns, ReadRows(k, st, k.closing_count_id, k.closing_columns), out);
+  if (k.holdings != nullptr) {
+    std::fputs(",\n  \"positions\": [", out);
+    PutJsonRecords(k.holdings->pos_columns, ReadRows(k, st, k.holdings->pos_count_id, k.holdings->pos_columns), out);
+    std::fputs(",\n  \"securities\": [", out);
+    PutJsonRecords(k.holdings->sec_columns, ReadRows(k, st, k.holdings->sec_count_id, k.holdings->sec_columns), out);
+  }
   std::fputs("\n}\n", out);
 }

@@ -48,11 +48,23 @@ struct StatementKind {
   // Download inputs, by the component's ids (0: the component has none).
   int fi_url_id, fi_organization_id, fi_id_id, ofx_user_id, ofx_password_id, ofx_app_id_id, ofx_app_version_id,
       ofx_version_id, bank_id_id, timeout_id, ssl_accept_server_cert_id;
+
+  // What an investment account holds besides its transactions; null for the
+  // others. Each list's first column is the security id, which the table
+  // shows by the ticker or name of the security list.
+  struct Holdings {
+    int pos_count_id;
+    Field pos_columns[8];
+    int sec_count_id;
+    Field sec_columns[8];
+  };
+  const Holdings* holdings;
 };
 
 extern const StatementKind kBankStatement;
 extern const StatementKind kCardStatement;
 extern const StatementKind kLoanStatement;
+extern const StatementKind kInvStatement;
 
 // Prints the statement a component holds (balances, then one row per
 // transaction, or one per closing record when it holds closing information)
@@ -80,6 +92,7 @@ class StatementPrinter {
   void PrintTable(void* statement, std::FILE* out) const;
   void PrintCsv(void* statement, std::FILE* out) const;
   void PrintJson(void* statement, std::FILE* out) const;
+  void PrintHoldingsTable(void* statement, std::FILE* out) const;
 
   const StatementKind& kind_;
   Format format_;

@@ -5,8 +5,8 @@
 namespace orvelan {
 
 uint32_t RecordSource::Find(std::string_view path) const {
-  if (element_ == 0) return 0;
-  DocumentTree& tree = document_.Tree();
+  if (!IsAttached()) return 0;
+  DocumentTree& tree = document_->Tree();
   const uint32_t saved = tree.Cursor();
   tree.SetCursor(element_);
   uint32_t found = element_;
@@ -26,16 +26,16 @@ uint32_t RecordSource::Find(std::string_view path) const {
 
 const char* RecordSource::Text(std::string_view path) const {
   const uint32_t e = Find(path);
-  return e == 0 ? "" : document_.Tree().Text(e);
+  return e == 0 ? "" : document_->Tree().Text(e);
 }
 
 const char* RecordSource::Markup(ByteString& out) const {
   out.Clear();
-  if (element_ == 0) return out.Data();
-  DocumentTree& tree = document_.Tree();
+  if (!IsAttached()) return out.Data();
+  DocumentTree& tree = document_->Tree();
   const uint32_t saved = tree.Cursor();
   tree.SetCursor(element_);
-  out.Assign(document_.ElementSubtree());
+  out.Assign(document_->ElementSubtree());
   tree.SetCursor(saved);
   return out.Data();
 }

@@ -44,8 +44,8 @@ int SelectOrReport(OFXClient& client, std::string_view path);
 // True for "Y" in either case: how OFX writes its yes/no elements.
 inline bool IsYes(const ByteString& text) { return text.EqualsNoCase("Y"); }
 
-// Appends one record per "name[n]" below the cursor (n = 1, 2, ...) until one
-// is missing; an empty name takes every child. `parse(record)` reads a record
+// Appends one record per "name[n + skip]" below the cursor (n = 1, 2, ...)
+// until one is missing; an empty name takes every child. `parse(record)` reads a record
 // with the cursor on its element and must leave it there.
 template <class Record>
 Record* AppendRecord(ItemList<Record>& list) {
@@ -57,12 +57,12 @@ Record* AppendRecord(RecordList<Record>& list) {
 }
 
 template <class List, class Parse>
-int ReadRecords(OFXClient& client, std::string_view name, List& list, Parse parse) {
+int ReadRecords(OFXClient& client, std::string_view name, List& list, Parse parse, int32_t skip = 0) {
   ByteString step;
   for (int32_t n = 1;; ++n) {
     step.Assign(name);
     step.AppendChar('[');
-    step.AppendInt(n);
+    step.AppendInt(n + skip);
     step.AppendChar(']');
     if (!client.Document().SelectPathIfPresent(step.View())) return kOk;
     auto* record = AppendRecord(list);

@@ -85,10 +85,7 @@ int StatementServiceBase::BuildMessageSets(ByteString& out, bool wrapped) {
     rc |= AppendRequestElement(out, xml, layout_.account_tags[i], account[i]);
   }
   rc |= out.Append("</") | out.Append(layout_.account_aggregate) | out.Append(">\r\n");
-  if (!closing) rc |= out.Append("<INCTRAN>\r\n");
-  if (!start_date_.IsEmpty()) rc |= AppendRequestElement(out, xml, "DTSTART", start_date_.View());
-  if (!end_date_.IsEmpty()) rc |= AppendRequestElement(out, xml, "DTEND", end_date_.View());
-  if (!closing) rc |= AppendRequestElement(out, xml, "INCLUDE", "Y") | out.Append("</INCTRAN>\r\n");
+  rc |= closing ? AppendDateRange(out, xml) : AppendStatementOptions(out, xml);
   // The image flag reads the same in both dialects; an SGML closing request
   // has no place for it.
   if (IncludeImages() && (closing ? xml : layout_.transaction_images)) {
@@ -97,6 +94,18 @@ int StatementServiceBase::BuildMessageSets(ByteString& out, bool wrapped) {
   rc |= AppendTag(out, "</", inner) | AppendTag(out, "</", outer);
   if (wrapped) rc |= MessageSetTable::AppendClose(out, layout_.message_set);
   return rc == kOk ? kOk : ReportError(kErrOutOfMemory, nullptr);
+}
+
+int StatementServiceBase::AppendDateRange(ByteString& out, bool xml) {
+  int rc = kOk;
+  if (!start_date_.IsEmpty()) rc |= AppendRequestElement(out, xml, "DTSTART", start_date_.View());
+  if (!end_date_.IsEmpty()) rc |= AppendRequestElement(out, xml, "DTEND", end_date_.View());
+  return rc;
+}
+
+int StatementServiceBase::AppendStatementOptions(ByteString& out, bool xml) {
+  return out.Append("<INCTRAN>\r\n") | AppendDateRange(out, xml) | AppendRequestElement(out, xml, "INCLUDE", "Y") |
+         out.Append("</INCTRAN>\r\n");
 }
 
 // ---- Response ----
@@ -129,13 +138,17 @@ int StatementServiceBase::ParseResponse() {
     prefix.Append("END");
     return ParseClosingInfo(doc, prefix);
   }
-  return ParseTransactions(doc, prefix);
+  return ParseStatement(doc, prefix);
 }
 
-int StatementServiceBase::EnterResponse(MarkupDocument& doc, const ByteString& prefix) {
+int StatementServiceBase::EnterResponse(MarkupDocument& doc, const ByteString& prefix, bool status_required) {
   ByteString path(prefix);
   path.Append("TRNRS");
-  if (int rc = CheckWrapperStatus(path.View()); rc != kOk) return rc;
+  const bool checked =
+      status_required || path.View() == doc.ElementName() || doc.HasPath(path.View());
+  if (checked) {
+    if (int rc = CheckWrapperStatus(path.View()); rc != kOk) return rc;
+  }
   path.Assign(prefix);
   path.Append("RS/CURDEF");
   if (int rc = ReadResponseValue(currency_code_, doc, path.View(), true); rc != kOk) return rc;
@@ -148,17 +161,21 @@ int StatementServiceBase::ParseClosingInfo(MarkupDocument& doc, const ByteString
   return ReadRecords(*this, layout_.closing_record, closings_, [this](ClosingInfo& c) { return c.Parse(*this); });
 }
 
-int StatementServiceBase::ParseTransactions(MarkupDocument& doc, const ByteString& prefix) {
+int StatementServiceBase::ParseStatement(MarkupDocument& doc, const ByteString& prefix) {
   if (int rc = EnterResponse(doc, prefix); rc != kOk) return rc;
   if (int rc = ReadAccount(doc, false); rc != kOk) return rc;
   if (int rc = ReadBalances(doc); rc != kOk) return rc;
   if (!doc.HasPath(layout_.transaction_list)) return kOk;
   if (int rc = Select(doc, layout_.transaction_list); rc != kOk) return rc;
-  if (int rc = ReadResponseValue(start_date_, doc, "DTSTART", true); rc != kOk) return rc;
-  if (int rc = ReadResponseValue(end_date_, doc, "../DTEND", true); rc != kOk) return rc;
-  if (int rc = Select(doc, ".."); rc != kOk) return rc;
+  if (int rc = ReadDateRange(doc); rc != kOk) return rc;
   return ReadRecords(*this, layout_.transaction_record, transactions_,
                      [this](StatementTransaction& tx) { return tx.Parse(*this); });
+}
+
+int StatementServiceBase::ReadDateRange(MarkupDocument& doc) {
+  if (int rc = ReadResponseValue(start_date_, doc, "DTSTART", true); rc != kOk) return rc;
+  if (int rc = ReadResponseValue(end_date_, doc, "../DTEND", true); rc != kOk) return rc;
+  return Select(doc, "..");
 }
 
 int StatementServiceBase::ReadBalances(MarkupDocument& doc) {

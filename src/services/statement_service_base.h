@@ -144,19 +144,30 @@ class StatementServiceBase : public OFXClient {
   // element. The default reads LEDGERBAL, then AVAILBAL.
   virtual int ReadBalances(MarkupDocument& doc);
 
+  // The request between the account aggregate and the image flag of a
+  // transaction statement; the default asks for every transaction of the
+  // date range (INCTRAN).
+  virtual int AppendStatementOptions(ByteString& out, bool xml);
+  // The walk of a transaction statement from the message set (or the root).
+  virtual int ParseStatement(MarkupDocument& doc, const ByteString& prefix);
+
+  // The DTSTART and DTEND lines of the dates that are set.
+  int AppendDateRange(ByteString& out, bool xml);
   // AVAILBAL when present (both values required), else both empty.
   int ReadAvailableBalance(MarkupDocument& doc);
+  // DTSTART and DTEND (both required) of the list at the cursor, which stays there.
+  int ReadDateRange(MarkupDocument& doc);
   // Moves the cursor along `path` or reports the document's error.
   int Select(MarkupDocument& doc, std::string_view path);
   const char* ShowAmount(ByteString& shown, std::string_view raw);
+  // The status of prefix + "TRNRS", then prefix + "RS/CURDEF"; the cursor
+  // ends on the statement response (prefix + "RS"). Without
+  // `status_required` a wrapper that is absent is not looked for.
+  int EnterResponse(MarkupDocument& doc, const ByteString& prefix, bool status_required = true);
 
  private:
   int Download(int32_t type);
   int ParseClosingInfo(MarkupDocument& doc, const ByteString& prefix);
-  int ParseTransactions(MarkupDocument& doc, const ByteString& prefix);
-  // The status of prefix + "TRNRS", then prefix + "RS/CURDEF"; the cursor
-  // ends on the statement response (prefix + "RS").
-  int EnterResponse(MarkupDocument& doc, const ByteString& prefix);
   StatementTransaction& Tx(int32_t index) { return *transactions_.Item(index); }
   ClosingInfo& Closing(int32_t index) { return *closings_.Item(index); }
 

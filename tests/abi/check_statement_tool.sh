@@ -43,6 +43,13 @@ expect 0 "" "$scratch/loan.ofx" --format json
 grep -q '"account_type": "homeequity"' "$scratch/out" && grep -q '"principal": "60", "interest": "30", "escrow": "10"' "$scratch/out" ||
   { echo "FAIL: loan json"; cat "$scratch/out"; failures=$((failures + 1)); }
 expect 1 "ReadOFXDataFile failed: 208 No such child." "$scratch/card.ofx" --loan
+# An investment file: the statement wrapper alone, its trade and position
+# named by the security list's ticker in the table.
+printf '<?OFX OFXHEADER="200" VERSION="211"?><INVSTMTTRNRS><TRNUID>1</TRNUID><STATUS><CODE>0</CODE><SEVERITY>INFO</SEVERITY></STATUS><INVSTMTRS><DTASOF>20260131</DTASOF><CURDEF>USD</CURDEF><INVACCTFROM><BROKERID>b.com</BROKERID><ACCTID>X9</ACCTID></INVACCTFROM><INVTRANLIST><DTSTART>20260101</DTSTART><DTEND>20260131</DTEND><BUYSTOCK><INVBUY><INVTRAN><FITID>T1</FITID><DTTRADE>20260105</DTTRADE></INVTRAN><SECID><UNIQUEID>123</UNIQUEID><UNIQUEIDTYPE>CUSIP</UNIQUEIDTYPE></SECID><UNITS>10</UNITS><UNITPRICE>5</UNITPRICE><TOTAL>-50</TOTAL><SUBACCTSEC>CASH</SUBACCTSEC><SUBACCTFUND>CASH</SUBACCTFUND></INVBUY><BUYTYPE>BUY</BUYTYPE></BUYSTOCK></INVTRANLIST><INVPOSLIST><POSSTOCK><INVPOS><SECID><UNIQUEID>123</UNIQUEID><UNIQUEIDTYPE>CUSIP</UNIQUEIDTYPE></SECID><HELDINACCT>CASH</HELDINACCT><POSTYPE>LONG</POSTYPE><UNITS>10</UNITS><UNITPRICE>6</UNITPRICE><MKTVAL>60</MKTVAL><DTPRICEASOF>20260131</DTPRICEASOF></INVPOS></POSSTOCK></INVPOSLIST></INVSTMTRS></INVSTMTTRNRS>' >"$scratch/inv.ofx"
+expect 0 "" "$scratch/inv.ofx" --format csv
+grep -qx '01/05/2026 00:00:00,Buy stock,-50,T1,,,CUSIP:123,10,5,' "$scratch/out" &&
+  grep -qx 'CUSIP:123,Stock,10,6,60,01/31/2026 00:00:00,CASH' "$scratch/out" ||
+  { echo "FAIL: investment csv"; cat "$scratch/out"; failures=$((failures + 1)); }
 
 expect 1 "ReadOFXDataFile failed: 302 Cannot open OFX data file for reading." "$scratch/none.ofx"
 printf 'OFXHEADER:100\r\n\r\n<OFX><BANKMSGSRSV1><STMTTRNRS><STATUS><CODE>0<SEVERITY>INFO</STATUS></STMTTRNRS></BANKMSGSRSV1></OFX>' \

@@ -7,6 +7,7 @@
 
 #include "orvelan.h"
 #include "services/cc_statement_component.h"
+#include "services/inv_statement_component.h"
 #include "services/loan_statement_component.h"
 #include "support/test_bank_server.h"
 
@@ -107,6 +108,33 @@ TEST(CardLoanBankTest, LoanStatementAndClosingInBothVersions) {
       EXPECT_FALSE(loan.Get(LOANSTATEMENT_PROP_CLOSINGINFODATEDUE, i).empty());
       EXPECT_FALSE(loan.Get(LOANSTATEMENT_PROP_CLOSINGINFOTOTALINTEREST, i).empty());
     }
+  }
+}
+
+constexpr SignOn kInv = {INVSTATEMENT_PROP_FIURL,      INVSTATEMENT_PROP_OFXUSER,    INVSTATEMENT_PROP_OFXPASSWORD,
+                         INVSTATEMENT_PROP_OFXAPPID,   INVSTATEMENT_PROP_OFXAPPVERSION, INVSTATEMENT_PROP_FIORGANIZATION,
+                         INVSTATEMENT_PROP_FIID,       INVSTATEMENT_PROP_OFXVERSION, INVSTATEMENT_PROP_STARTDATE,
+                         INVSTATEMENT_PROP_ENDDATE,    INVSTATEMENT_PROP_TIMEOUT};
+
+TEST(CardLoanBankTest, InvestmentStatementInBothDialects) {
+  ORVELAN_REQUIRE_TEST_BANK(bank);
+  ORVELAN_REQUIRE_TLS_BANK(bank);
+  for (const char* version : {"102", "211"}) {
+    SCOPED_TRACE(version);
+    Host<InvStatementComponent> inv(kInv, bank.TlsUrl(), "user", version);
+    ASSERT_EQ(inv.Set(INVSTATEMENT_PROP_BROKERID, "broker.example.com") | inv.Set(INVSTATEMENT_PROP_ACCOUNTID, "X-42"),
+              0);
+    ASSERT_EQ(inv.Do(INVSTATEMENT_METHOD_GETSTATEMENT), 0) << inv.component.GetLastError();
+    InvStatementService& s = inv.component.service();
+    ASSERT_EQ(s.TxCount() * 1000 + s.PosCount() * 100 + s.SecCount() * 10 + s.BalCount(), 13553);
+    EXPECT_EQ(s.OOCount(), 2);
+    EXPECT_EQ(inv.Count(INVSTATEMENT_PROP_TXTYPE), 4);  // BUYSTOCK
+    EXPECT_EQ(inv.Get(INVSTATEMENT_PROP_TXTYPEDESCRIPTION, 12), "Banking transaction");
+    // Every trade and position names a security of the list.
+    for (int i = 0; i < 8; ++i) EXPECT_GE(s.FindSecurity(inv.Get(INVSTATEMENT_PROP_TXSECURITYID, i)), 0) << i;
+    for (int i = 0; i < 5; ++i) EXPECT_EQ(s.FindSecurity(inv.Get(INVSTATEMENT_PROP_POSSECURITYID, i)), i);
+    EXPECT_EQ(inv.Get(INVSTATEMENT_PROP_SECASSETCLASS, 1), "LARGESTOCK");
+    EXPECT_EQ(inv.Get(INVSTATEMENT_PROP_ACCOUNTID), "X-42");
   }
 }
 
