@@ -7,10 +7,11 @@ FUZZ_DIR ?= build-fuzz
 JOBS ?= 2
 MAKEFLAGS += --no-print-directory
 CMAKE_FLAGS ?=
+PREFIX ?= /usr/local
 # $(call configure,DIR,PACKAGE SETS,CMAKE ARGUMENTS)
 configure = tools/install-deps.sh $(2) && cmake -S . -B $(1) $(3) $(CMAKE_FLAGS) >/dev/null
 
-.PHONY: all build demo test test-asan fuzz fuzz-ci bench clean
+.PHONY: all build demo install test test-asan fuzz fuzz-ci bench clean
 
 all: build
 
@@ -22,6 +23,13 @@ demo:
 	@$(call configure,$(BUILD_DIR),build,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
 	@cmake --build $(BUILD_DIR) -j $(JOBS) --target orvelan-demo
 	@$(BUILD_DIR)/examples/orvelan-demo
+
+# The library, headers, pkg-config file and CMake package under PREFIX, staged
+# under DESTDIR when it is set.
+install:
+	@$(call configure,$(BUILD_DIR),build,-DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_INSTALL_PREFIX=$(PREFIX))
+	@cmake --build $(BUILD_DIR) -j $(JOBS) --target orvelan
+	@DESTDIR=$(DESTDIR) cmake --install $(BUILD_DIR)
 
 # CTest lists skipped tests without their reasons; the awk script adds them.
 test:
