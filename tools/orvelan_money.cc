@@ -256,7 +256,9 @@ int main(int argc, char** argv) {
       words.push_back(arg);
       continue;
     }
-    if (arg.rfind("--password", 0) == 0) return Usage("the password comes from ORVELAN_PASSWORD, never the command line");
+    if (arg.rfind("--password", 0) == 0) {
+      return Usage("the password comes from ORVELAN_PASSWORD, never the command line");
+    }
     if (arg == "--refresh") {
       refresh = true;
       continue;

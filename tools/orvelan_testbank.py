@@ -1189,6 +1189,7 @@ PMTINFO_FORM = [("BANKACCTFROM", True, BANK_ACCOUNT), ("TRNAMT", True, AMOUNT), 
 PAYEE_RQ_FORM = [("PAYEEID", False, ".{1,12}"), ("PAYEE", False, PAYEE_FORM), ("BANKACCTTO", False, BANK_ACCOUNT),
                  ("PAYACCT", False, ".{1,32}")]
 LISTID_FORM = [("PAYEELSTID", True, ".{1,12}")]
+PAYEE_MOD_FORM = LISTID_FORM + [("PAYEE", True, PAYEE_FORM)] + PAYEE_RQ_FORM[2:]
 
 
 class BillPay(MoneyMovement):
@@ -1207,8 +1208,7 @@ class BillPay(MoneyMovement):
                                         "PMTCANCRQ": ("cancel", "PMTCANCRS", SRVRTID_FORM)}),
         "PMTINQTRNRQ": ("BILLPAYMSGSRQV", {"PMTINQRQ": ("inquire", "PMTINQRS", SRVRTID_FORM)}),
         "PAYEETRNRQ": ("BILLPAYMSGSRQV", {"PAYEERQ": ("add_payee", "PAYEERS", PAYEE_RQ_FORM),
-                                          "PAYEEMODRQ": ("modify_payee", "PAYEEMODRS",
-                                                         LISTID_FORM + [("PAYEE", True, PAYEE_FORM)] + PAYEE_RQ_FORM[2:]),
+                                          "PAYEEMODRQ": ("modify_payee", "PAYEEMODRS", PAYEE_MOD_FORM),
                                           "PAYEEDELRQ": ("delete_payee", "PAYEEDELRS", LISTID_FORM)}),
     }
     syncs = {"PMTSYNCRQ": ("BILLPAYMSGSRQV", [("BANKACCTFROM", BANK_ACCOUNT)], "PMT"),

@@ -1,6 +1,5 @@
-// Transfers, payments and payees end to end over TLS against the sandbox
-// bank, which keeps them: what a synchronization reports after adds,
-// modifications and cancellations, through the ids a host uses.
+// Transfers, payments and payees over TLS against the sandbox bank, which
+// keeps them: what synchronizations report after adds, changes and cancels.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -17,8 +16,7 @@
 namespace orvelan {
 namespace {
 
-// Each event as "id|p|p|..." with the parameters `shown` picks (the others
-// carry aggregates and dates).
+// Each event as "id|p|p|..." with the parameters `shown` picks (not aggregates or dates).
 struct Events {
   std::vector<int> shown;
   std::vector<std::string> lines;
@@ -33,8 +31,8 @@ struct Events {
   std::vector<std::string> Take() { return std::exchange(lines, {}); }
 };
 
-// The two components share the sign-on ids; only Timeout differs.
-static_assert(BANKTRANSFER_PROP_FIURL == BILLPAYMENT_PROP_FIURL && BANKTRANSFER_PROP_OFXUSER == BILLPAYMENT_PROP_OFXUSER &&
+static_assert(BANKTRANSFER_PROP_FIURL == BILLPAYMENT_PROP_FIURL &&
+                  BANKTRANSFER_PROP_OFXUSER == BILLPAYMENT_PROP_OFXUSER &&
                   BANKTRANSFER_PROP_OFXVERSION == BILLPAYMENT_PROP_OFXVERSION,
               "sign-on ids differ");
 
@@ -90,10 +88,10 @@ TEST(MoneyBankTest, TransfersAddModifyCancelThenSynchronize) {
            {BANKTRANSFER_PROP_TRANSFERTOACCOUNTID, "B2"}, {BANKTRANSFER_PROP_TRANSFERAMOUNT, "25.00"},
            {BANKTRANSFER_PROP_TRANSFERDATEDUE, "12/31/2099 00:00:00"}});
     ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_TRANSFERFUNDS), 0) << t.component.GetLastError();
-    EXPECT_EQ(t.Get(BANKTRANSFER_PROP_TRANSFERID) + " " + t.Get(BANKTRANSFER_PROP_TRANSFERSTATUS), "XF000001 WILLPROCESSON");
+    EXPECT_EQ(t.Get(BANKTRANSFER_PROP_TRANSFERID) + t.Get(BANKTRANSFER_PROP_TRANSFERSTATUS), "XF000001WILLPROCESSON");
     t.Set({{BANKTRANSFER_PROP_TRANSFERAMOUNT, "10.00"}, {BANKTRANSFER_PROP_TRANSFERDATEDUE, ""}});
     ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_TRANSFERFUNDS), 0) << t.component.GetLastError();
-    EXPECT_EQ(t.Get(BANKTRANSFER_PROP_TRANSFERID) + " " + t.Get(BANKTRANSFER_PROP_TRANSFERSTATUS), "XF000002 POSTEDON");
+    EXPECT_EQ(t.Get(BANKTRANSFER_PROP_TRANSFERID) + t.Get(BANKTRANSFER_PROP_TRANSFERSTATUS), "XF000002POSTEDON");
     t.Set({{BANKTRANSFER_PROP_TRANSFERAMOUNT, "30.00"}, {BANKTRANSFER_PROP_TRANSFERDATEDUE, "12/30/2099 00:00:00"}});
     ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_MODIFYTRANSFER, "XF000001"), 0) << t.component.GetLastError();
     EXPECT_EQ(t.Do(BANKTRANSFER_METHOD_CANCELTRANSFER, "XF000002"), 2001);  // posted: 2016
@@ -144,8 +142,6 @@ TEST(MoneyBankTest, PayeesAndPaymentsAddModifyCancelThenSynchronize) {
     EXPECT_EQ(payees.Get(BILLPAYMENT_PROP_PAYEELISTID), "PL00001");
     payees.Set({{BILLPAYMENT_PROP_PAYEEID, "ELEC01"}, {BILLPAYMENT_PROP_PAYEEACCOUNT, "E-1"}});
     ASSERT_EQ(payees.Do(BILLPAYMENT_METHOD_ADDPAYEE), 0) << payees.component.GetLastError();
-    EXPECT_EQ(payees.Get(BILLPAYMENT_PROP_PAYEENAME) + " " + payees.Get(BILLPAYMENT_PROP_PAYEEDAYSTOPAY),
-              "Loopback Electric 2");
     address(payees, "555-0002");
     ASSERT_EQ(payees.Do(BILLPAYMENT_METHOD_MODIFYPAYEE, "PL00001"), 0) << payees.component.GetLastError();
 
@@ -164,18 +160,18 @@ TEST(MoneyBankTest, PayeesAndPaymentsAddModifyCancelThenSynchronize) {
     EXPECT_EQ(payments.Get(BILLPAYMENT_PROP_PAYMENTCHECKNUMBER), "5004");  // a payee of the user's: by check
     ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_CANCELPAYMENT, "BP000004"), 0) << payments.component.GetLastError();
     EXPECT_EQ(payments.Do(BILLPAYMENT_METHOD_CANCELPAYMENT, "BP000004"), 2001);  // already cancelled: 2017
-    ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_GETPAYMENTSTATUS, "BP000003"), 0);
-    EXPECT_EQ(payments.Get(BILLPAYMENT_PROP_PAYMENTSTATUS), "WILLPROCESSON");
+    const int inquired = payments.Do(BILLPAYMENT_METHOD_GETPAYMENTSTATUS, "BP000003");
+    EXPECT_EQ(std::to_string(inquired) + " " + payments.Get(BILLPAYMENT_PROP_PAYMENTSTATUS), "0 WILLPROCESSON");
     ASSERT_EQ(payees.Do(BILLPAYMENT_METHOD_DELETEPAYEE, "PL00001"), 0) << payees.component.GetLastError();
 
     std::string token;
     ASSERT_EQ(payees.Do(BILLPAYMENT_METHOD_SYNCHRONIZEPAYEES, "0", &token), 0) << payees.component.GetLastError();
     EXPECT_EQ(payees.events.Take(), (Strings{"5|ADDED|PL00001|Gas Co", "5|ADDED|PL00002|Loopback Electric",
                                              "5|MODIFIED|PL00001|Gas Co", "5|DELETED|PL00001|"}));
-    ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_SYNCHRONIZEPAYMENTS, "0", &token), 0)
-        << payments.component.GetLastError();
+    ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_SYNCHRONIZEPAYMENTS, "0", &token), 0);
     EXPECT_EQ(payments.events.Take(),
-              (Strings{"6|ADDED|BP000003|PL00002|40.00|WILLPROCESSON", "6|MODIFIED|BP000003|PL00002|45.00|WILLPROCESSON",
+              (Strings{"6|ADDED|BP000003|PL00002|40.00|WILLPROCESSON",
+                       "6|MODIFIED|BP000003|PL00002|45.00|WILLPROCESSON",
                        "6|ADDED|BP000004|PL00001|12.00|WILLPROCESSON", "6|CANCELLED|BP000004|||CANCELLED"}));
     EXPECT_EQ(token, "8");
     ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_SYNCHRONIZEPAYMENTS, token.c_str(), &token), 0);
