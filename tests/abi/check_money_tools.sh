@@ -1,8 +1,6 @@
 #!/bin/sh
-# orvelan-transfer and orvelan-pay against the sandbox bank, which keeps what
-# they do: the server's ids and statuses printed, the token of a
-# synchronization, and the exit codes (1 for the library or the server, 2 for
-# a bad command line).
+# orvelan-transfer and orvelan-pay against the sandbox bank: the server's ids,
+# statuses and tokens they print, and their exit codes.
 #   check_money_tools.sh TOOL_DIR TESTBANK
 tools=$1
 scratch=$(mktemp -d)
@@ -19,8 +17,7 @@ export ORVELAN_PASSWORD=secret
 on="--url http://127.0.0.1:$(cat "$scratch/port")/ofx --org O --user joe"
 from="--from-bank 111 --from-account A1"
 
-# expect STATUS OUTPUT_LINE TOOL ARGS...: the exit status, and a line of the
-# output (standard output and error) when OUTPUT_LINE is not empty.
+# expect STATUS LINE TOOL ARGS...: the exit status and, unless empty, a line of the output.
 expect() {
   want_status=$1 want_line=$2 tool=$3
   shift 3
