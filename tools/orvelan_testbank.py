@@ -29,6 +29,8 @@ status 15500. The USERID chooses what happens, for every kind of account:
   http<CODE>    HTTP status CODE (e.g. http500, http503) with an HTML page
   stall         never answers, and holds the connection open
   badofx        a truncated OFX document
+  lostsync      every synchronization by TOKEN answers LOSTSYNC Y and no
+                records (REFRESH Y still answers)
 Statements and closing information (one closing per calendar month of the
 range; without DTSTART the month of DTEND and the one before) are derived from
 the account and dates of the request: card purchases, payments, fees and
@@ -43,6 +45,24 @@ Investment statements (INVSTMTMSGSRQV1: INVSTMTRQ, INVSTMTENDRQ) hold 13 trades,
 income, reinvestment, transfer, split and cash records by default, a position in
 each kind of security, balances of each BALTYPE, two open orders and, in
 SECLISTMSGSRSV1, the securities they name.
+
+Money moves, and the bank remembers it for the run, per USERID: transfers
+within the bank (BANKMSGSRQV1: INTRATRNRQ, INTRASYNCRQ) and to other banks
+(INTERXFERMSGSRQV1: INTERTRNRQ, INTERSYNCRQ), bill payments and the payee list
+(BILLPAYMSGSRQV1: PMTTRNRQ, PMTINQTRNRQ, PMTSYNCRQ, PAYEETRNRQ, PAYEESYNCRQ).
+An add gets a server id (SRVRTID XF000001 for a transfer, BP000002 for a
+payment; PAYEELSTID PL00003 for a payee); modify, cancel and delete name it.
+A transfer without DTDUE or due today posts at once (POSTEDON) within the
+bank, in two days to another bank; later ones wait (WILLPROCESSON) until
+then. A payment due today is PROCESSEDON, a later one WILLPROCESSON; one to a
+payee of the bank's list (PAYEEID ELEC01 or WATER02) is paid electronically,
+any other by check (CHECKNUM). Posted, processed, cancelled or unknown
+records are refused with the OFX status for it (2016, 10514, 2017, 2018,
+10519), as are amounts not above zero (2012) and past due dates (2014).
+Every change counts up the user's token; a synchronization answers, for its
+account, the transaction responses sent after its TOKEN, in order, with the
+newest token; REFRESH Y answers every record once as it stands now; an
+unknown token gets LOSTSYNC Y.
 
 With --log every POST is appended to FILE as
     --- request <seq> status=<http status, 0 for stall> length=<n>\n<n body bytes>\n
@@ -302,6 +322,7 @@ def stamp(day, time="120000"):
 class Scenario:
     def __init__(self, userid):
         self.name = userid
+        self.userid = userid
         self.transactions = None  # the message set's own number
         self.trn_status = None
         self.http_status = 0
@@ -930,8 +951,388 @@ class Signup:
                                    ("Retirement", invest), ("Home loan", loan))]
 
 
-FAMILIES = [BankStatements(), CardStatements(), LoanStatements(), InvStatements(), Profile(), Signup()]
+# ---------------------------------------------------------------- moving money
+
+BANK_ACCOUNT = [("BANKID", True, r"[0-9A-Za-z]{1,9}"), ("BRANCHID", False, ".{1,22}"), ("ACCTID", True, ".{1,22}"),
+                ("ACCTTYPE", True, "CHECKING|SAVINGS|MONEYMRKT|CREDITLINE|CD"), ("ACCTKEY", False, ".{1,22}")]
+CARD_ACCOUNT = [("ACCTID", True, ".{1,22}"), ("ACCTKEY", False, ".{1,22}")]
+AMOUNT = r"[-+]?(\d+(\.\d*)?|\.\d+)"
+PAYEE_FORM = [("NAME", True, ".{1,32}"), ("ADDR1", True, ".{1,32}"), ("ADDR2", False, ".{1,32}"),
+              ("ADDR3", False, ".{1,32}"), ("CITY", True, ".{1,32}"), ("STATE", True, ".{1,5}"),
+              ("POSTALCODE", True, ".{1,11}"), ("COUNTRY", False, "[A-Z]{2,3}"), ("PHONE", True, ".{1,32}")]
+XFER_FORM = [("XFERINFO", True, [("BANKACCTFROM", False, BANK_ACCOUNT), ("CCACCTFROM", False, CARD_ACCOUNT),
+                                 ("BANKACCTTO", False, BANK_ACCOUNT), ("CCACCTTO", False, CARD_ACCOUNT),
+                                 ("TRNAMT", True, AMOUNT), ("DTDUE", False, OFX_DATE)])]
+SRVRTID_FORM = [("SRVRTID", True, ".{1,10}")]
+SYNC_FORM = [("TOKEN", False, ".{1,10}"), ("TOKENONLY", False, YES_NO), ("REFRESH", False, YES_NO),
+             ("REJECTIFMISSING", True, YES_NO)]
+# The payees the bank pays electronically, by the PAYEEID a client may name.
+STANDARD_PAYEES = {
+    "ELEC01": [("NAME", "Loopback Electric"), ("ADDR1", "PO Box 127"), ("CITY", "Localhost"), ("STATE", "CA"),
+               ("POSTALCODE", "94001"), ("COUNTRY", "USA"), ("PHONE", "555-0110")],
+    "WATER02": [("NAME", "City Water"), ("ADDR1", "2 Reservoir Rd"), ("CITY", "Localhost"), ("STATE", "CA"),
+                ("POSTALCODE", "94002"), ("COUNTRY", "USA"), ("PHONE", "555-0120")],
+}
+
+
+def tree(node):
+    """A request element in the (name, content) form render() writes."""
+    return (node.name, node.value) if node.value is not None else (node.name, [tree(c) for c in node.children])
+
+
+def one_of(node, names):
+    present = [c for c in node.children if c.name in names]
+    if len(present) != 1:
+        raise BadRequest("<%s> takes exactly one of %s" % (node.name, ",".join(names)))
+    return present[0]
+
+
+def account_key(node):
+    return tuple((c.name, c.value) for c in node.children if c.name in ("BANKID", "ACCTID", "ACCTTYPE"))
+
+
+class Refused(Exception):
+    """A request the bank understood and declines with an OFX status."""
+
+
+class Book:
+    """What one user has at the bank: records in the order they were made,
+    and every change as the transaction response that reported it."""
+
+    def __init__(self):
+        self.records = {}  # server id -> record
+        self.changes = []  # (sequence, sync key, transaction response)
+        self.sequence = 0  # the newest token
+        self.issued = 0
+
+    def new_id(self, prefix, width):
+        self.issued += 1
+        return "%s%0*d" % (prefix, width, self.issued)
+
+    def find(self, server_id, kind, gone_code):
+        record = self.records.get(server_id)
+        if record is None or record.kind != kind:
+            raise Refused(10519 if kind == "PAYEE" else 2018)
+        if record.gone:
+            raise Refused(gone_code)
+        return record
+
+
+class MoneyMovement:
+    """A family that changes what a user has: transfers or bill payments. Each
+    transaction request changes one record, kept per USERID for the run with
+    the response that reported it; a synchronization answers the responses
+    after its TOKEN (every record as it stands with REFRESH Y) and the newest
+    token. A token the bank never issued, and any token for USERID lostsync,
+    gets LOSTSYNC Y and no records."""
+    transactions = {}  # TRNRQ name -> (message set, {RQ name: (action, RS name, form)})
+    syncs = {}         # SYNCRQ name -> (message set, account forms, record kind)
+
+    def __init__(self):
+        self.lock = threading.Lock()
+        self.books = {}
+
+    def requests(self):
+        return {name: (None, None, False) for name in self.transactions}
+
+    @property
+    def sync_requests(self):
+        return self.syncs
+
+    def check(self, trnrq, message_set):
+        set_name, actions = self.transactions[trnrq.name]
+        if message_set.name[:-1] != set_name:
+            raise BadRequest("<%s> belongs in %s1, not in %s" % (trnrq.name, set_name, message_set.name))
+        check_aggregate(trnrq, [("TRNUID", True, TRNUID_FORM.pattern[1:-1]), ("CLTCOOKIE", False, ".+"),
+                                ("TAN", False, ".+")] + [(name, False, form) for name, (_, _, form) in actions.items()])
+        return one_of(trnrq, list(actions))
+
+    def parts(self, trnrq, rq, scenario):
+        action, rs_name, _ = self.transactions[trnrq.name][1][rq.name]
+        with self.lock:
+            book = self.books.setdefault(scenario.userid, Book())
+            try:
+                record, body = getattr(self, action)(book, rq)
+            except Refused as refusal:
+                return [status(refusal.args[0], "ERROR")]
+            answer = [scenario.trn_status or status(), (rs_name, body)]
+            if action != "inquire":
+                record.trnuid = trnrq.text("TRNUID")
+                book.sequence += 1
+                book.changes.append((book.sequence, record.sync_key,
+                                     (trnrq.name[:-2] + "RS", [("TRNUID", record.trnuid)] + answer)))
+        return answer
+
+    def synchronize(self, syncrq, message_set, scenario):
+        set_name, accounts, kind = self.syncs[syncrq.name]
+        if message_set.name[:-1] != set_name:
+            raise BadRequest("<%s> belongs in %s1, not in %s" % (syncrq.name, set_name, message_set.name))
+        check_aggregate(syncrq, SYNC_FORM + [(name, False, form) for name, form in accounts])
+        one_of(syncrq, ("TOKEN", "TOKENONLY", "REFRESH"))
+        account = one_of(syncrq, [name for name, _ in accounts]) if accounts else None
+        key = (kind, account_key(account)) if account is not None else (kind,)
+        with self.lock:
+            book = self.books.setdefault(scenario.userid, Book())
+            token = syncrq.text("TOKEN")
+            lost = syncrq.child("TOKEN") is not None and (
+                scenario.name == "lostsync" or not token.isdigit() or int(token) > book.sequence)
+            if lost or syncrq.text("TOKENONLY") == "Y":
+                records = []
+            elif syncrq.text("REFRESH") == "Y":
+                records = [self.current(r) for r in book.records.values() if r.sync_key == key]
+            else:
+                records = [trnrs for sequence, k, trnrs in book.changes if sequence > int(token) and k == key]
+            head = [("TOKEN", str(book.sequence)), ("LOSTSYNC", "Y" if lost else "N")]
+        return (syncrq.name[:-2] + "RS", head + ([tree(account)] if account is not None else []) + records)
+
+    def current(self, record):
+        raise NotImplementedError
+
+    @staticmethod
+    def amount(info):
+        try:
+            if float(info.text("TRNAMT")) <= 0:
+                raise Refused(2012)
+        except ValueError:
+            raise Refused(2012)
+
+    @staticmethod
+    def due_day(info):
+        """The day a due date names; before today is too soon."""
+        if info.child("DTDUE") is None:
+            return None
+        day = day_of(info.text("DTDUE"), None)
+        if day is None:
+            raise Refused(2020)
+        if day < datetime.date.today():
+            raise Refused(2014)
+        return day
+
+
+class Transfers(MoneyMovement):
+    """INTRATRNRQ (BANKMSGSRQV1) and INTERTRNRQ (INTERXFERMSGSRQV1): add,
+    modify and cancel by SRVRTID; INTRASYNCRQ and INTERSYNCRQ per account.
+    A transfer due today or without DTDUE posts at once within the bank and
+    in two days to another bank; one due later waits (WILLPROCESSON) and can be
+    modified or cancelled until then. Refusals: 2012 for an amount not above
+    zero, 2014 for a past due date, 2016 for a posted transfer, 2017 for a
+    cancelled one, 2018 for an unknown SRVRTID, 10506 for a new origin."""
+    transactions = {p + "TRNRQ": (s, {p + "RQ": ("add", p + "RS", XFER_FORM),
+                                      p + "MODRQ": ("modify", p + "MODRS", SRVRTID_FORM + XFER_FORM),
+                                      p + "CANRQ": ("cancel", p + "CANRS", SRVRTID_FORM)})
+                    for p, s in (("INTRA", "BANKMSGSRQV"), ("INTER", "INTERXFERMSGSRQV"))}
+    syncs = {p + "SYNCRQ": (s, [("BANKACCTFROM", BANK_ACCOUNT), ("CCACCTFROM", CARD_ACCOUNT)], p)
+             for p, s in (("INTRA", "BANKMSGSRQV"), ("INTER", "INTERXFERMSGSRQV"))}
+
+    def schedule(self, record, info):
+        one_of(info, ("BANKACCTFROM", "CCACCTFROM"))
+        one_of(info, ("BANKACCTTO", "CCACCTTO"))
+        self.amount(info)
+        due = self.due_day(info)
+        today = datetime.date.today()
+        if record.kind == "INTER" and (due is None or due == today):
+            due = today + datetime.timedelta(days=2)
+        record.info = tree(info)
+        if due is None or due == today:
+            record.code, record.date = "POSTEDON", now_stamp()
+        else:
+            record.code, record.date = "WILLPROCESSON", stamp(due, "000000")
+
+    def add(self, book, rq):
+        kind = rq.name[:5]
+        info = rq.child("XFERINFO")
+        origin = one_of(info, ("BANKACCTFROM", "CCACCTFROM"))
+        record = types.SimpleNamespace(id=book.new_id("XF", 6), kind=kind, gone=False,
+                                       sync_key=(kind, account_key(origin)))
+        self.schedule(record, info)
+        book.records[record.id] = record
+        return record, self.body(record)
+
+    def modify(self, book, rq):
+        record = self.changeable(book, rq)
+        info = rq.child("XFERINFO")
+        if (record.kind, account_key(one_of(info, ("BANKACCTFROM", "CCACCTFROM")))) != record.sync_key:
+            raise Refused(10506)
+        self.schedule(record, info)
+        body = self.body(record)
+        return record, [("SRVRTID", record.id), record.info, body[-1]]
+
+    def cancel(self, book, rq):
+        record = self.changeable(book, rq)
+        record.gone, record.code, record.date = True, "CANCELEDON", now_stamp()
+        return record, [("SRVRTID", record.id)]
+
+    def changeable(self, book, rq):
+        record = book.find(rq.text("SRVRTID"), rq.name[:5], 2017)
+        if record.code == "POSTEDON":
+            raise Refused(2016)
+        return record
+
+    def body(self, record):
+        when = ("DTPOSTED", record.date) if record.code == "POSTEDON" else ("DTXFERPRJ", record.date)
+        fee = [("XFERFEE", "5.00")] if record.kind == "INTER" else []
+        return [("CURDEF", "USD"), ("SRVRTID", record.id), record.info, when] + fee + [
+            ("XFERPRCSTS", [("XFERPRCCODE", record.code), ("DTXFERPRC", record.date)])]
+
+    def current(self, record):
+        if record.gone:
+            answer = (record.kind + "CANRS", [("SRVRTID", record.id)])
+        else:
+            answer = (record.kind + "RS", self.body(record))
+        return (record.kind + "TRNRS", [("TRNUID", record.trnuid), status(), answer])
+
+
+PMTINFO_FORM = [("BANKACCTFROM", True, BANK_ACCOUNT), ("TRNAMT", True, AMOUNT), ("PAYEEID", False, ".{1,12}"),
+                ("PAYEE", False, PAYEE_FORM), ("PAYEELSTID", False, ".{1,12}"), ("BANKACCTTO", False, BANK_ACCOUNT),
+                ("PAYACCT", True, ".{1,32}"), ("DTDUE", True, OFX_DATE), ("MEMO", False, ".{1,255}"),
+                ("BILLREFINFO", False, ".{1,80}")]
+PAYEE_RQ_FORM = [("PAYEEID", False, ".{1,12}"), ("PAYEE", False, PAYEE_FORM), ("BANKACCTTO", False, BANK_ACCOUNT),
+                 ("PAYACCT", False, ".{1,32}")]
+LISTID_FORM = [("PAYEELSTID", True, ".{1,12}")]
+PAYEE_MOD_FORM = LISTID_FORM + [("PAYEE", True, PAYEE_FORM)] + PAYEE_RQ_FORM[2:]
+
+
+class BillPay(MoneyMovement):
+    """BILLPAYMSGSRQV1: payments (PMTTRNRQ add, modify, cancel; PMTINQTRNRQ;
+    PMTSYNCRQ per paying account) and the payee list (PAYEETRNRQ add, modify,
+    delete; PAYEESYNCRQ). A payment due today is PROCESSEDON at once, one due
+    later WILLPROCESSON; one to a payee of the bank's own list (PAYEEID ELEC01
+    or WATER02) goes out electronically, any other as a check with a CHECKNUM.
+    Refusals besides the transfers' ones: 10510 for an unknown PAYEEID, 10514
+    for a processed payment, 10515 for modifying a payee of the bank's list,
+    10519 for an unknown or deleted PAYEELSTID."""
+    transactions = {
+        "PMTTRNRQ": ("BILLPAYMSGSRQV", {"PMTRQ": ("pay", "PMTRS", [("PMTINFO", True, PMTINFO_FORM)]),
+                                        "PMTMODRQ": ("modify", "PMTMODRS",
+                                                     SRVRTID_FORM + [("PMTINFO", True, PMTINFO_FORM)]),
+                                        "PMTCANCRQ": ("cancel", "PMTCANCRS", SRVRTID_FORM)}),
+        "PMTINQTRNRQ": ("BILLPAYMSGSRQV", {"PMTINQRQ": ("inquire", "PMTINQRS", SRVRTID_FORM)}),
+        "PAYEETRNRQ": ("BILLPAYMSGSRQV", {"PAYEERQ": ("add_payee", "PAYEERS", PAYEE_RQ_FORM),
+                                          "PAYEEMODRQ": ("modify_payee", "PAYEEMODRS", PAYEE_MOD_FORM),
+                                          "PAYEEDELRQ": ("delete_payee", "PAYEEDELRS", LISTID_FORM)}),
+    }
+    syncs = {"PMTSYNCRQ": ("BILLPAYMSGSRQV", [("BANKACCTFROM", BANK_ACCOUNT)], "PMT"),
+             "PAYEESYNCRQ": ("BILLPAYMSGSRQV", [], "PAYEE")}
+
+    # ---- payments
+
+    def schedule(self, book, record, info):
+        payee = one_of(info, ("PAYEEID", "PAYEE"))
+        if payee.name == "PAYEEID" and payee.value not in STANDARD_PAYEES:
+            raise Refused(10510)
+        list_id = info.text("PAYEELSTID")
+        if list_id:
+            book.find(list_id, "PAYEE", 10519)
+        self.amount(info)
+        due = self.due_day(info)
+        record.info, record.list_id, record.standard = tree(info), list_id, (
+            payee.value if payee.name == "PAYEEID" else None)
+        if due == datetime.date.today():
+            record.code, record.date = "PROCESSEDON", now_stamp()
+        else:
+            record.code, record.date = "WILLPROCESSON", stamp(due, "000000")
+
+    def pay(self, book, rq):
+        info = rq.child("PMTINFO")
+        record = types.SimpleNamespace(id=book.new_id("BP", 6), kind="PMT", gone=False, check=None,
+                                       sync_key=("PMT", account_key(info.child("BANKACCTFROM"))))
+        self.schedule(book, record, info)
+        if record.standard is None:
+            record.check = str(5000 + book.issued)
+        book.records[record.id] = record
+        return record, self.payment(record)
+
+    def modify(self, book, rq):
+        record = self.pending(book, rq)
+        info = rq.child("PMTINFO")
+        if ("PMT", account_key(info.child("BANKACCTFROM"))) != record.sync_key:
+            raise Refused(10506)
+        self.schedule(book, record, info)
+        return record, [("SRVRTID", record.id), record.info, self.processing(record)]
+
+    def cancel(self, book, rq):
+        record = self.pending(book, rq)
+        record.gone, record.code, record.date = True, "CANCELEDON", now_stamp()
+        return record, [("SRVRTID", record.id)]
+
+    def inquire(self, book, rq):
+        record = book.records.get(rq.text("SRVRTID"))
+        if record is None or record.kind != "PMT":
+            raise Refused(2018)
+        check = [("CHECKNUM", record.check)] if record.check else []
+        return record, [("SRVRTID", record.id), self.processing(record)] + check
+
+    def pending(self, book, rq):
+        record = book.find(rq.text("SRVRTID"), "PMT", 2017)
+        if record.code == "PROCESSEDON":
+            raise Refused(10514)
+        return record
+
+    @staticmethod
+    def processing(record):
+        return ("PMTPRCSTS", [("PMTPRCCODE", record.code), ("DTPMTPRC", record.date)])
+
+    def payment(self, record):
+        body = [("SRVRTID", record.id)] + ([("PAYEELSTID", record.list_id)] if record.list_id else [])
+        body += [("CURDEF", "USD"), record.info]
+        if record.standard:
+            body.append(self.extended(record.standard))
+        if record.check:
+            body.append(("CHECKNUM", record.check))
+        return body + [self.processing(record)]
+
+    @staticmethod
+    def extended(payee_id):
+        if payee_id is None:
+            return ("EXTDPAYEE", [("DAYSTOPAY", "5")])  # mailed as a check
+        return ("EXTDPAYEE", [("PAYEEID", payee_id), ("IDSCOPE", "GLOBAL"),
+                              ("NAME", dict(STANDARD_PAYEES[payee_id])["NAME"]), ("DAYSTOPAY", "2")])
+
+    # ---- payees
+
+    def describe(self, record, rq):
+        record.payee = ("PAYEE", STANDARD_PAYEES[record.standard]) if record.standard else tree(rq.child("PAYEE"))
+        record.extra = [tree(c) for c in rq.children if c.name in ("BANKACCTTO", "PAYACCT")]
+
+    def add_payee(self, book, rq):
+        chosen = one_of(rq, ("PAYEEID", "PAYEE"))
+        if chosen.name == "PAYEEID" and chosen.value not in STANDARD_PAYEES:
+            raise Refused(10510)
+        record = types.SimpleNamespace(id=book.new_id("PL", 5), kind="PAYEE", gone=False, sync_key=("PAYEE",),
+                                       standard=chosen.value if chosen.name == "PAYEEID" else None)
+        self.describe(record, rq)
+        book.records[record.id] = record
+        return record, self.payee(record)
+
+    def modify_payee(self, book, rq):
+        record = book.find(rq.text("PAYEELSTID"), "PAYEE", 10519)
+        if record.standard:
+            raise Refused(10515)
+        self.describe(record, rq)
+        return record, self.payee(record)
+
+    def delete_payee(self, book, rq):
+        record = book.find(rq.text("PAYEELSTID"), "PAYEE", 10519)
+        record.gone = True
+        return record, [("PAYEELSTID", record.id)]
+
+    def payee(self, record):
+        bank = [e for e in record.extra if e[0] == "BANKACCTTO"]
+        return [("PAYEELSTID", record.id), record.payee] + bank + [self.extended(record.standard)] + [
+            e for e in record.extra if e[0] == "PAYACCT"]
+
+    def current(self, record):
+        if record.kind == "PAYEE":
+            answer = ("PAYEEDELRS", [("PAYEELSTID", record.id)]) if record.gone else ("PAYEERS", self.payee(record))
+            return ("PAYEETRNRS", [("TRNUID", record.trnuid), status(), answer])
+        answer = ("PMTCANCRS", [("SRVRTID", record.id)]) if record.gone else ("PMTRS", self.payment(record))
+        return ("PMTTRNRS", [("TRNUID", record.trnuid), status(), answer])
+
+
+FAMILIES = [BankStatements(), CardStatements(), LoanStatements(), InvStatements(), Profile(), Signup(), Transfers(),
+            BillPay()]
 REQUESTS = {name: family for family in FAMILIES for name in family.requests()}
+SYNC_REQUESTS = {name: family for family in FAMILIES for name in getattr(family, "sync_requests", ())}
 
 
 class Bank:
@@ -1004,6 +1405,9 @@ class Bank:
     def message_set(self, message_set):
         out = []
         for request in message_set.children:
+            if request.name in SYNC_REQUESTS:
+                out.append(SYNC_REQUESTS[request.name].synchronize(request, message_set, self.scenario))
+                continue
             if not request.name.endswith("TRNRQ"):
                 continue
             family = REQUESTS.get(request.name)
