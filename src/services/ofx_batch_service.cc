@@ -43,8 +43,8 @@ int OFXBatchService::SetItemRequest(int32_t index, const char* text) {
   doc.SetValidate(true);
   doc.SetKeepOriginalText(true);
   if (int rc = doc.RegisterAggregates(); rc != kOk) return rc;
-  // The parser's message would name a position in the host's text, which the
-  // host cannot see here: the code alone goes back.
+  // The parser's message stays in the scratch document: the host gets the
+  // code with its default text.
   if (int rc = doc.ParseRetained(item->text[OFXBatchItem::kRequest].View()); rc != kOk) return rc;
   if (int rc = doc.SelectPath("/"); rc != kOk) return rc;
   const ByteString root(doc.ElementName());
