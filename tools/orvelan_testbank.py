@@ -21,6 +21,7 @@ status 15500. The USERID chooses what happens, for every kind of account:
                 other USERID)
   user<N>       a statement with N transactions (at most 200000)
   error<CODE>   every transaction answered with status CODE, severity ERROR
+                (an ACCTID error<CODE> does that to its own transaction only)
   warn          status 2028, severity WARN, with the statement
   mfa           sign-on status 3000 until MFA13 "blue" and MFA107 "rex" are
                 answered; an MFACHALLENGETRNRQ gets the two questions; the
@@ -1413,8 +1414,13 @@ class Bank:
             family = REQUESTS.get(request.name)
             rq = family.check(request, message_set) if family is not None else None
             parts = [("TRNUID", request.text("TRNUID"))]
+            # An account id error<CODE> fails its own transaction only, so a batch can mix outcomes.
+            refused = next((n.value for n in request.walk() if n.name == "ACCTID" and n.value
+                            and re.fullmatch(r"error\d+", n.value)), None)
             if self.scenario.name == "error":
                 parts.append(self.scenario.trn_status)
+            elif refused:
+                parts.append(status(int(refused[5:]), "ERROR", "Account %s is refused." % refused))
             elif hasattr(family, "parts"):
                 parts += family.parts(request, rq, self.scenario)
             elif family is not None:

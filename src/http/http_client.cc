@@ -58,17 +58,9 @@ int HttpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
       R::Text<&HttpClient::proxy_server_>("ProxyServer"),
       // The proxy credentials make the proxy's Basic header anew.
       {"ProxyUser", R::QueryText<&HttpClient::proxy_user_>,
-       [](HttpClient& c, A argument) {
-         const int rc = c.proxy_user_.Assign(argument.Value());
-         if (rc == kOk) c.ComputeProxyAuthorization();
-         return rc;
-       }},
+       [](HttpClient& c, A argument) { return c.SetProxyUser(argument.Value()); }},
       {"ProxyPassword", R::QueryText<&HttpClient::proxy_password_>,
-       [](HttpClient& c, A argument) {
-         const int rc = c.proxy_password_.Assign(argument.Value());
-         if (rc == kOk) c.ComputeProxyAuthorization();
-         return rc;
-       }},
+       [](HttpClient& c, A argument) { return c.SetProxyPassword(argument.Value()); }},
       R::Text<&HttpClient::proxy_authorization_>("ProxyAuthorization"),
       R::Text<&HttpClient::if_modified_since_>("IfModifiedSince"),
       R::Text<&HttpClient::local_file_path_>("LocalFile"),
@@ -102,7 +94,19 @@ int HttpClient::HandleConfig(ConfigArgument& argument, const char*& out) {
   return TransferChannel::HandleConfig(argument, out);
 }
 
-int HttpClient::SetProxyAuthScheme(int scheme) {
+int HttpClient::SetProxyUser(const char* value) {
+  const int rc = proxy_user_.Assign(value);
+  if (rc == kOk) ComputeProxyAuthorization();
+  return rc;
+}
+
+int HttpClient::SetProxyPassword(const char* value) {
+  const int rc = proxy_password_.Assign(value);
+  if (rc == kOk) ComputeProxyAuthorization();
+  return rc;
+}
+
+int HttpClient::SetProxyAuthScheme(int32_t scheme) {
   const auto value = static_cast<uint8_t>(scheme);
   proxy_challenge_.Clear();
   if (value != proxy_auth_scheme_) {

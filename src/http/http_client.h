@@ -59,6 +59,32 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   const CookieList& Cookies() const { return cookies_; }
   const UrlParts& Url() const { return url_; }
 
+  // The HTTP proxy (also the settings of the same names). ProxySSL: 0 the
+  // URL's scheme decides TLS, 1 always, 2 never, 3 a CONNECT tunnel through
+  // the proxy. New credentials make the proxy's header anew; a new scheme
+  // drops them (see SetProxyAuthScheme).
+  const char* ProxyServer() const { return proxy_server_.Data(); }
+  int SetProxyServer(const char* value) { return proxy_server_.Assign(value); }
+  int32_t ProxyPort() const { return proxy_port_; }
+  int SetProxyPort(int32_t port) {
+    proxy_port_ = port;
+    return kOk;
+  }
+  const char* ProxyUser() const { return proxy_user_.Data(); }
+  int SetProxyUser(const char* value);
+  const char* ProxyPassword() const { return proxy_password_.Data(); }
+  int SetProxyPassword(const char* value);
+  int32_t ProxySSL() const { return proxy_ssl_; }
+  int SetProxySSL(int32_t mode) {
+    proxy_ssl_ = static_cast<uint8_t>(mode);
+    return kOk;
+  }
+  int32_t ProxyAuthScheme() const { return proxy_auth_scheme_; }
+  // 0 Basic, 4 NTLM, 5 Negotiate, 2 the ProxyAuthorization setting as is.
+  // Always forgets the proxy's challenge; a different scheme also empties
+  // user, password and header, and NTLM switches KeepAlive on.
+  int SetProxyAuthScheme(int32_t scheme);
+
  protected:
   // Sets scheme "https" and port 443 as the defaults (HttpsClient).
   void SetDefaults(const char* scheme, int32_t port);
@@ -107,7 +133,6 @@ class HttpClient : public TransferChannel, private HttpResponseSink {
   // Base64 NTLM token for `target` into `out`; an empty challenge asks for
   // the Negotiate message.
   int CreateAuthToken(ByteString& out, const char* mechanism, const char* target, const ByteString& challenge);
-  int SetProxyAuthScheme(int scheme);
   void Reset();
   void FailResponse(int code, const char* text);
 

@@ -22,7 +22,7 @@ if [ -n "$unexpected" ]; then
   status=1
 fi
 
-for component in Account BankStatement BankTransfer BillPayment CCStatement FIProfile InvStatement LoanStatement; do
+for component in Account BankStatement BankTransfer BillPayment CCStatement FIProfile InvStatement LoanStatement OFXBatch; do
   for op in StaticInit StaticDestroy Create Destroy CheckIndex Get Set GetLastError GetLastErrorCode Do; do
     "$nm_tool" -D --defined-only "$lib" | awk '{print $NF}' | grep -q -x "${component}_$op" \
       || { echo "missing export ${component}_$op"; status=1; }
