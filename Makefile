@@ -20,8 +20,10 @@ build:
 
 demo:
 	@$(call configure,$(BUILD_DIR),build,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
-	@cmake --build $(BUILD_DIR) -j $(JOBS) --target orvelan-demo
+	@cmake --build $(BUILD_DIR) -j $(JOBS) --target orvelan-demo orvelan-wrapper-example
 	@$(BUILD_DIR)/examples/orvelan-demo
+	@echo "== The same file through the C++ wrapper (examples/wrapper_host.cc)"
+	@$(BUILD_DIR)/examples/orvelan-wrapper-example examples/statement.ofx
 
 # CTest lists skipped tests without their reasons; the awk script adds them.
 test:
