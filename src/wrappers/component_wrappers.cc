@@ -41,6 +41,9 @@ namespace w = orvelan::wrappers;
   }                                                                                                 \
   ORVELAN_##PREFIX##_MEMBERS(ORVELAN_DEFINE_MEMBER, C)
 
+// A new wrapper is its member table, records and class in orvelan.hpp, a line
+// here, and its class in cmake/orvelan.map; own events also need a
+// FireOwnEvent overload in wrapper_glue.h.
 ORVELAN_DEFINE_WRAPPER(Account, ACCOUNT)
 ORVELAN_DEFINE_WRAPPER(BankStatement, BANKSTATEMENT)
 ORVELAN_DEFINE_WRAPPER(BankTransfer, BANKTRANSFER)
