@@ -21,8 +21,10 @@ build:
 
 demo:
 	@$(call configure,$(BUILD_DIR),build,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
-	@cmake --build $(BUILD_DIR) -j $(JOBS) --target orvelan-demo
+	@cmake --build $(BUILD_DIR) -j $(JOBS) --target orvelan-demo orvelan-wrapper-example
 	@$(BUILD_DIR)/examples/orvelan-demo
+	@echo "== The same file through the C++ wrapper (examples/wrapper_host.cc)"
+	@$(BUILD_DIR)/examples/orvelan-wrapper-example examples/statement.ofx
 
 # The library, headers, pkg-config file and CMake package under PREFIX, staged
 # under DESTDIR when it is set.

@@ -893,6 +893,177 @@ ORVELAN_API int OFXBatch_Do(void* obj, int method_id, int param_count, void** pa
 #define OFXBATCH_METHOD_RESET 5
 #define OFXBATCH_METHOD_WRITEOFXDATAFILE 6
 
+/* Single-instance facade: plain functions over six process-wide wrapper
+ * objects (orvelan.hpp), for hosts that want one call per request. A runner
+ * sets the properties it takes, in its parameter order, runs the method and
+ * returns its code; every other property keeps its value from earlier calls
+ * until Initialize() resets all six objects. Setter failures show only
+ * through the method's own checks and X_GetLastError2.
+ *
+ * WARNING: THE FACADE ACCEPTS EVERY SERVER CERTIFICATE, including self-signed,
+ * expired and mismatched ones. It is for sandboxes and tests; never point it at
+ * a real institution. Calls from different threads must be serialised. */
+#ifndef __cplusplus
+#include <stdbool.h>
+#endif
+ORVELAN_API int Initialize(void);
+ORVELAN_API int FiProfile_GetProfile(const char* user, const char* password, const char* fi_url, const char* fi_id,
+                                     const char* fi_organization, const char* last_update, const char* app_id,
+                                     const char* app_version, const char* ofx_version);
+ORVELAN_API int Account_GetInfo(const char* user, const char* password, const char* fi_url, const char* fi_id,
+                                const char* fi_organization, const char* last_update, const char* app_id,
+                                const char* app_version, const char* ofx_version);
+ORVELAN_API int BankStatement_GetStatement(const char* user, const char* password, const char* account_id,
+                                           const char* bank_id, const char* fi_url, const char* fi_id,
+                                           const char* fi_organization, const char* start_date, const char* end_date,
+                                           int account_type, const char* app_id, const char* app_version,
+                                           const char* ofx_version);
+ORVELAN_API int CCStatement_GetStatement(const char* user, const char* password, const char* card_number,
+                                         const char* fi_url, const char* fi_id, const char* fi_organization,
+                                         const char* start_date, const char* end_date, const char* app_id,
+                                         const char* app_version, const char* ofx_version);
+ORVELAN_API int InvStatement_GetStatement(const char* user, const char* password, const char* account_id,
+                                          const char* fi_url, const char* fi_id, const char* fi_organization,
+                                          const char* broker_id, const char* start_date, const char* end_date,
+                                          const char* app_id, const char* app_version, const char* ofx_version);
+ORVELAN_API int BillPayment_PayBill(const char* user, const char* password, const char* from_account_id,
+                                    const char* from_bank_id, const char* fi_url, const char* fi_id,
+                                    const char* fi_organization, int from_account_type, const char* app_id,
+                                    const char* app_version, const char* payee_name, const char* payee_addr1,
+                                    const char* payee_addr2, const char* payee_addr3, const char* payee_city,
+                                    const char* payee_state, const char* payee_postal_code, const char* payee_country,
+                                    const char* payee_phone, const char* payee_account, const char* amount,
+                                    const char* date_due, const char* memo, const char* payee_list_id,
+                                    const char* ofx_version);
+ORVELAN_API int BillPayment_ModifyBill(const char* user, const char* password, const char* from_account_id,
+                                       const char* from_bank_id, const char* fi_url, const char* fi_id,
+                                       const char* fi_organization, int from_account_type, const char* app_id,
+                                       const char* app_version, const char* payee_name, const char* payee_addr1,
+                                       const char* payee_addr2, const char* payee_addr3, const char* payee_city,
+                                       const char* payee_state, const char* payee_postal_code,
+                                       const char* payee_country, const char* payee_phone, const char* payee_account,
+                                       const char* amount, const char* date_due, const char* memo,
+                                       const char* payment_id, const char* payee_list_id, const char* ofx_version);
+ORVELAN_API int BillPayment_SyncPayments(const char* user, const char* password, const char* from_account_id,
+                                         const char* from_bank_id, const char* fi_url, const char* fi_id,
+                                         const char* fi_organization, int from_account_type, const char* app_id,
+                                         const char* app_version, const char* token, const char* ofx_version);
+ORVELAN_API int BillPayment_CancelPayment(const char* user, const char* password, const char* fi_url,
+                                          const char* fi_id, const char* fi_organization, const char* app_id,
+                                          const char* app_version, const char* payment_id, const char* ofx_version);
+ORVELAN_API int BillPayment_SyncPayees(const char* user, const char* password, const char* fi_url, const char* fi_id,
+                                       const char* fi_organization, const char* app_id, const char* app_version,
+                                       const char* token, const char* ofx_version);
+ORVELAN_API int BillPayment_AddPayee(const char* user, const char* password, const char* fi_url, const char* fi_id,
+                                     const char* fi_organization, const char* app_id, const char* app_version,
+                                     const char* payee_name, const char* payee_addr1, const char* payee_addr2,
+                                     const char* payee_addr3, const char* payee_city, const char* payee_state,
+                                     const char* payee_postal_code, const char* payee_country,
+                                     const char* payee_phone, const char* ofx_version, const char* payee_account);
+ORVELAN_API int BillPayment_DeletePayee(const char* user, const char* password, const char* fi_url,
+                                        const char* fi_id, const char* fi_organization, const char* app_id,
+                                        const char* app_version, const char* payee_list_id, const char* ofx_version);
+ORVELAN_API int BillPayment_ModifyPayee(const char* user, const char* password, const char* fi_url,
+                                        const char* fi_id, const char* fi_organization, const char* app_id,
+                                        const char* app_version, const char* payee_list_id, const char* payee_name,
+                                        const char* payee_addr1, const char* payee_addr2, const char* payee_addr3,
+                                        const char* payee_city, const char* payee_state,
+                                        const char* payee_postal_code, const char* payee_country,
+                                        const char* payee_phone, const char* ofx_version, const char* payee_account);
+
+/* Per global object: Config returns the answer text (read X_GetLastError2 to
+ * tell a failure from an empty answer); GetLastError2 is the last error text. */
+#define ORVELAN_FACADE_OBJECTS(X)                         \
+  X(FiProfile, fiProfile1) X(Account, account1) X(BankStatement, bankStatement1) \
+  X(CCStatement, ccStatement1) X(InvStatement, invStatement1) X(BillPayment, billPayment1)
+#define ORVELAN_DECLARE_FACADE_OBJECT(prefix, global)              \
+  ORVELAN_API const char* prefix##_Config(const char* text); \
+  ORVELAN_API const char* prefix##_GetLastError2(void);
+ORVELAN_FACADE_OBJECTS(ORVELAN_DECLARE_FACADE_OBJECT)
+ORVELAN_API int BankStatement_ReadOFXDataFile(const char* file);
+ORVELAN_API int CCStatement_ReadOFXDataFile(const char* file);
+ORVELAN_API int InvStatement_ReadOFXDataFile(const char* file);
+
+/* Result accessors: X(type, function, global object, wrapper getter). Indexed
+ * ones take the index (from 0) as their only parameter. */
+#define ORVELAN_FACADE_RESULTS(X)                                                   \
+  X(int, FiProfile_MessageSetCount, fiProfile1, GetMessageSetCount)                 \
+  X(int, Account_GetAccCount, account1, GetAccCount)                                \
+  X(const char*, BankStatement_AccountId, bankStatement1, GetAccountId)             \
+  X(int, BankStatement_TxCount, bankStatement1, GetTxCount)                         \
+  X(const char*, BankStatement_LedgerBalance, bankStatement1, GetLedgerBalance)     \
+  X(const char*, CCStatement_CardNumber, ccStatement1, GetCardNumber)               \
+  X(int, CCStatement_TxCount, ccStatement1, GetTxCount)                             \
+  X(const char*, CCStatement_LedgerBalance, ccStatement1, GetLedgerBalance)         \
+  X(const char*, InvStatement_AccountId, invStatement1, GetAccountId)               \
+  X(int, InvStatement_TxCount, invStatement1, GetTxCount)                           \
+  X(const char*, InvStatement_AvailableCash, invStatement1, GetAvailableCash)       \
+  X(int, InvStatement_SecCount, invStatement1, GetSecCount)                         \
+  X(int, BillPayment_GetSyncPaymentCount, billPayment1, GetSyncPaymentCount)        \
+  X(int, BillPayment_GetSyncPayeeCount, billPayment1, GetSyncPayeeCount)            \
+  X(const char*, BillPayment_GetPayeeListId, billPayment1, GetPayeeListId)
+#define ORVELAN_FACADE_INDEXED_RESULTS(X)                                                      \
+  X(const char*, FiProfile_MessageSetName, fiProfile1, GetMessageSetName)                      \
+  X(const char*, FiProfile_MessageSetAggregate, fiProfile1, GetMessageSetAggregate)            \
+  X(const char*, FiProfile_MessageSetUrl, fiProfile1, GetMessageSetURL)                        \
+  X(bool, FiProfile_SignonPinChangeFirst, fiProfile1, GetSignOnPINChangeFirst)                 \
+  X(bool, FiProfile_SignonClientUIdReq, fiProfile1, GetSignOnClientUIdReq)                     \
+  X(const char*, Account_GetAccBankId, account1, GetAccBankId)                                 \
+  X(const char*, Account_GetAccId, account1, GetAccId)                                         \
+  X(const char*, Account_GetAccDescription, account1, GetAccDescription)                       \
+  X(const char*, Account_GetAccType, account1, GetAccType)                                     \
+  X(const char*, Account_GetAccServiceType, account1, GetAccServiceType)                       \
+  X(const char*, Account_AccAggregate, account1, GetAccAggregate)                              \
+  X(const char*, BankStatement_TxCheckNumber, bankStatement1, GetTxCheckNumber)                \
+  X(const char*, BankStatement_TxTypeDescription, bankStatement1, GetTxTypeDescription)        \
+  X(const char*, BankStatement_TxDatePosted, bankStatement1, GetTxDatePosted)                  \
+  X(const char*, BankStatement_TxPayeeName, bankStatement1, GetTxPayeeName)                    \
+  X(const char*, BankStatement_TxAmount, bankStatement1, GetTxAmount)                          \
+  X(const char*, BankStatement_TxMemo, bankStatement1, GetTxMemo)                              \
+  X(const char*, BankStatement_TxFITID, bankStatement1, GetTxFITID)                            \
+  X(const char*, CCStatement_TxTypeDescription, ccStatement1, GetTxTypeDescription)            \
+  X(const char*, CCStatement_TxDatePosted, ccStatement1, GetTxDatePosted)                      \
+  X(const char*, CCStatement_TxPayeeName, ccStatement1, GetTxPayeeName)                        \
+  X(const char*, CCStatement_TxAmount, ccStatement1, GetTxAmount)                              \
+  X(const char*, CCStatement_TxMemo, ccStatement1, GetTxMemo)                                  \
+  X(const char*, CCStatement_TxFITID, ccStatement1, GetTxFITID)                                \
+  X(int, InvStatement_TxType, invStatement1, GetTxType)                                        \
+  X(const char*, InvStatement_TxDate, invStatement1, GetTxDate)                                \
+  X(const char*, InvStatement_TxTotal, invStatement1, GetTxTotal)                              \
+  X(const char*, InvStatement_TxUnits, invStatement1, GetTxUnits)                              \
+  X(const char*, InvStatement_TxUnitPrice, invStatement1, GetTxUnitPrice)                      \
+  X(const char*, InvStatement_TxMemo, invStatement1, GetTxMemo)                                \
+  X(const char*, InvStatement_TxSecurityId, invStatement1, GetTxSecurityId)                    \
+  X(const char*, InvStatement_SecSecurityId, invStatement1, GetSecSecurityId)                  \
+  X(const char*, InvStatement_SecTicker, invStatement1, GetSecTicker)                          \
+  X(const char*, InvStatement_TxFITID, invStatement1, GetTxFITID)                              \
+  X(const char*, InvStatement_TxSubAccountFund, invStatement1, GetTxSubAccountFund)            \
+  X(const char*, InvStatement_TxSubAccountSec, invStatement1, GetTxSubAccountSec)              \
+  X(const char*, InvStatement_TxAggregate, invStatement1, GetTxAggregate)                      \
+  X(const char*, InvStatement_TxName, invStatement1, GetTxName)                                \
+  X(const char*, BillPayment_GetSyncPaymentPayeeListId, billPayment1, GetSyncPaymentPayeeListId) \
+  X(const char*, BillPayment_GetSyncPaymentAmount, billPayment1, GetSyncPaymentAmount)         \
+  X(const char*, BillPayment_GetSyncPaymentDateDue, billPayment1, GetSyncPaymentDateDue)       \
+  X(const char*, BillPayment_GetSyncPaymentStatus, billPayment1, GetSyncPaymentStatus)         \
+  X(const char*, BillPayment_GetSyncPaymentId, billPayment1, GetSyncPaymentId)                 \
+  X(const char*, BillPayment_GetSyncPaymentMemo, billPayment1, GetSyncPaymentMemo)             \
+  X(const char*, BillPayment_GetSyncPaymentPayeeAccount, billPayment1, GetSyncPaymentPayeeAccount) \
+  X(const char*, BillPayment_GetSyncPayeeListId, billPayment1, GetSyncPayeeListId)             \
+  X(const char*, BillPayment_GetSyncPayeeName, billPayment1, GetSyncPayeeName)                 \
+  X(const char*, BillPayment_GetSyncPayeeAddress1, billPayment1, GetSyncPayeeAddr1)            \
+  X(const char*, BillPayment_GetSyncPayeeAddress2, billPayment1, GetSyncPayeeAddr2)            \
+  X(const char*, BillPayment_GetSyncPayeeAddress3, billPayment1, GetSyncPayeeAddr3)            \
+  X(const char*, BillPayment_GetSyncPayeeCity, billPayment1, GetSyncPayeeCity)                 \
+  X(const char*, BillPayment_GetSyncPayeeState, billPayment1, GetSyncPayeeState)               \
+  X(const char*, BillPayment_GetSyncPayeePostalCode, billPayment1, GetSyncPayeePostalCode)     \
+  X(const char*, BillPayment_GetSyncPayeeCountry, billPayment1, GetSyncPayeeCountry)           \
+  X(const char*, BillPayment_GetSyncPayeePhone, billPayment1, GetSyncPayeePhone)               \
+  X(const char*, BillPayment_GetSyncPayeeAccountNum, billPayment1, GetSyncPayeeAccount)
+#define ORVELAN_DECLARE_FACADE_RESULT(type, function, global, getter) ORVELAN_API type function(void);
+#define ORVELAN_DECLARE_FACADE_INDEXED_RESULT(type, function, global, getter) ORVELAN_API type function(int index);
+ORVELAN_FACADE_RESULTS(ORVELAN_DECLARE_FACADE_RESULT)
+ORVELAN_FACADE_INDEXED_RESULTS(ORVELAN_DECLARE_FACADE_INDEXED_RESULT)
+
 /* The library also exports atof (declared in <stdlib.h>): its own version reads
  * the decimal point as "." whatever the C locale says. */
 

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Includes point down only: base <- core <- net <- http <- ofx <- services,
-# with markup on base and core. A file may include its own level or below.
+# Includes point down only: base <- core <- net <- http <- ofx <- services <-
+# wrappers, with markup on base and core. A file may include its own level or below.
 set -eu
 src="$1/src"
 status=0
@@ -13,9 +13,10 @@ allowed() {
     http) echo "base core net http" ;;
     ofx) echo "base core markup net http ofx" ;;
     services) echo "base core markup net http ofx services" ;;
+    wrappers) echo "base core markup net http ofx services wrappers" ;;
   esac
 }
-for dir in base core markup net http ofx services; do
+for dir in base core markup net http ofx services wrappers; do
   [ -d "$src/$dir" ] || continue
   ok=$(allowed "$dir")
   for file in "$src/$dir"/*; do

@@ -75,10 +75,14 @@ std::string TestBankServer::TlsUrl(const std::string& path) const {
 
 // A second bank serves TLS itself with the test CA's server certificate and
 // logs to the same file, so Requests() sees both in order.
-bool TestBankServer::StartBehindTls() {
+bool TestBankServer::StartBehindTls(bool self_signed) {
   if (tls_tried_) return tls_port_ > 0;
   tls_tried_ = true;
   if (!ok()) return false;
+  if (self_signed) {
+    tls_port_ = Launch(tls_bank_, "tls", {"--tls"});
+    return tls_port_ > 0;
+  }
   const TestPki& pki = TestPki::Get();
   if (!pki.ok()) {
     why_ = "could not make test certificates with openssl";

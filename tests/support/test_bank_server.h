@@ -23,7 +23,9 @@ class TestBankServer {
 
   // Starts the bank's TLS twin with the test CA's server certificate (once);
   // false, with why() set, when it cannot.
-  bool StartBehindTls();
+  // With `self_signed` the twin makes its own certificate, which no client
+  // trusts unless told to.
+  bool StartBehindTls(bool self_signed = false);
   std::string TlsUrl(const std::string& path = "/ofx") const;
   static std::string CaFile() { return TestPki::Get().Path("ca.pem"); }
 
