@@ -41,14 +41,14 @@ constexpr const char* kXml[4][2] = {
 };
 
 constexpr FieldRead kResponseHead[] = {
-    {"SRVRTID", T::kTransferId, true},
-    {"DTPOSTED", T::kDatePosted, false},
-    {"DTXFERPRJ", T::kDateProjected, false},
-    {"CURDEF", T::kCurrency, false},
+    {T::kTransferId, "SRVRTID", true},
+    {T::kDatePosted, "DTPOSTED", false},
+    {T::kDateProjected, "DTXFERPRJ", false},
+    {T::kCurrency, "CURDEF", false},
 };
-constexpr FieldRead kTransferAmount[] = {{"TRNAMT", T::kAmount, true}, {"DTDUE", T::kDateDue, false}};
-constexpr FieldRead kProcessing[] = {{"XFERPRCCODE", T::kProcessingStatus, false},
-                                     {"DTXFERPRC", T::kDateProcessed, false}};
+constexpr FieldRead kTransferAmount[] = {{T::kAmount, "TRNAMT", true}, {T::kDateDue, "DTDUE", false}};
+constexpr FieldRead kProcessing[] = {{T::kProcessingStatus, "XFERPRCCODE", false},
+                                     {T::kDateProcessed, "DTXFERPRC", false}};
 
 }  // namespace
 
@@ -231,9 +231,9 @@ int BankTransferService::ReadTransfer(TransferInfo& t) {
   if (response != nullptr) {
     if (int rc = Select(response); rc != kOk) return rc;
     t.text[T::kStatus].Assign(added != nullptr ? "ADDED" : "MODIFIED");
-    if (int rc = ReadFields(t.text, kResponseHead, 4); rc != kOk) return rc;
+    if (int rc = ReadFields(t.text, kResponseHead); rc != kOk) return rc;
     if (int rc = Select("XFERINFO"); rc != kOk) return rc;
-    if (int rc = ReadFields(t.text, kTransferAmount, 2); rc != kOk) return rc;
+    if (int rc = ReadFields(t.text, kTransferAmount); rc != kOk) return rc;
     ByteString shown;
     t.text[T::kDateDue].Assign(FormatDate(shown, t.text[T::kDateDue].View()));
     if (int rc = ReadAccount(t, true); rc != kOk) return rc;
@@ -241,7 +241,7 @@ int BankTransferService::ReadTransfer(TransferInfo& t) {
     if (int rc = Select(".."); rc != kOk) return rc;
     if (doc.HasPath("XFERPRCSTS")) {
       if (int rc = Select("XFERPRCSTS"); rc != kOk) return rc;
-      if (int rc = ReadFields(t.text, kProcessing, 2); rc != kOk) return rc;
+      if (int rc = ReadFields(t.text, kProcessing); rc != kOk) return rc;
       if (int rc = Select(".."); rc != kOk) return rc;
     }
     return Select("..");

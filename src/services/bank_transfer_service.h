@@ -15,7 +15,7 @@ namespace orvelan {
 // One transfer: the one being requested (the response overwrites it) or one
 // record of a synchronization. Account types index the names of
 // MoneyServiceBase; 4 selects the credit-card aggregates.
-struct TransferInfo : TextRecord<18> {
+struct TransferInfo : TextRecord<TransferInfo, 18> {
   enum Field : int32_t {
     // Origin and destination in the same order, so one offset picks either.
     kFromBankId,

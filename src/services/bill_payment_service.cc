@@ -70,29 +70,29 @@ constexpr char kTextEitherPayee[] =
     "provided in the request.";
 
 constexpr FieldRead kPaymentHead[] = {
-    {"SRVRTID", M::kPaymentId, true},
-    {"PAYEELSTID", M::kPayeeListId, false},
-    {"CURDEF", M::kCurrency, false},
-    {"CHECKNUM", M::kCheckNumber, false},
+    {M::kPaymentId, "SRVRTID", true},
+    {M::kPayeeListId, "PAYEELSTID", false},
+    {M::kCurrency, "CURDEF", false},
+    {M::kCheckNumber, "CHECKNUM", false},
 };
 constexpr FieldRead kPaymentInfo[] = {
-    {"PAYACCT", M::kPayeeAccount, true},
-    {"TRNAMT", M::kAmount, true},
-    {"DTDUE", M::kDateDue, true},
-    {"MEMO", M::kMemo, false},
-    {"BILLREFINFO", M::kBillRefInfo, false},
+    {M::kPayeeAccount, "PAYACCT", true},
+    {M::kAmount, "TRNAMT", true},
+    {M::kDateDue, "DTDUE", true},
+    {M::kMemo, "MEMO", false},
+    {M::kBillRefInfo, "BILLREFINFO", false},
 };
-constexpr FieldRead kProcessing[] = {{"PMTPRCCODE", M::kProcessingStatus, true}, {"DTPMTPRC", M::kDateProcessed, true}};
+constexpr FieldRead kProcessing[] = {{M::kProcessingStatus, "PMTPRCCODE", true}, {M::kDateProcessed, "DTPMTPRC", true}};
 constexpr FieldRead kPayeeAddress[] = {
-    {"NAME", E::kName, true},
-    {"ADDR1", E::kAddr1, true},
-    {"ADDR2", E::kAddr2, false},
-    {"ADDR3", E::kAddr3, false},
-    {"CITY", E::kCity, true},
-    {"STATE", E::kState, true},
-    {"POSTALCODE", E::kPostalCode, true},
-    {"COUNTRY", E::kCountry, false},
-    {"PHONE", E::kPhone, true},
+    {E::kName, "NAME", true},
+    {E::kAddr1, "ADDR1", true},
+    {E::kAddr2, "ADDR2", false},
+    {E::kAddr3, "ADDR3", false},
+    {E::kCity, "CITY", true},
+    {E::kState, "STATE", true},
+    {E::kPostalCode, "POSTALCODE", true},
+    {E::kCountry, "COUNTRY", false},
+    {E::kPhone, "PHONE", true},
 };
 
 }  // namespace
@@ -347,7 +347,7 @@ int BillPaymentService::ReadPayment(PaymentInfo& p) {
   if (const char* response = FirstChild({"PMTRS", "PMTMODRS"})) {
     if (int rc = Select(response); rc != kOk) return rc;
     p.text[M::kStatus].Assign(std::string_view(response) == "PMTRS" ? "ADDED" : "MODIFIED");
-    if (int rc = ReadFields(p.text, kPaymentHead, 4); rc != kOk) return rc;
+    if (int rc = ReadFields(p.text, kPaymentHead); rc != kOk) return rc;
     if (int rc = Select("PMTINFO"); rc != kOk) return rc;
     if (doc.HasPath("PAYEE")) {
       if (int rc = Select("PAYEE"); rc != kOk) return rc;
@@ -359,7 +359,7 @@ int BillPaymentService::ReadPayment(PaymentInfo& p) {
     if (p.text[M::kPayeeListId].IsEmpty()) {
       if (int rc = ReadField(doc, "PAYEELSTID", p.text[M::kPayeeListId], false); rc != kOk) return rc;
     }
-    if (int rc = ReadFields(p.text, kPaymentInfo, 5); rc != kOk) return rc;
+    if (int rc = ReadFields(p.text, kPaymentInfo); rc != kOk) return rc;
     ByteString shown;
     p.text[M::kDateDue].Assign(FormatDate(shown, p.text[M::kDateDue].View()));
     if (int rc = ReadBankAccount(p, false); rc != kOk) return rc;
@@ -367,7 +367,7 @@ int BillPaymentService::ReadPayment(PaymentInfo& p) {
       if (int rc = ReadBankAccount(p, true); rc != kOk) return rc;
     }
     if (int rc = Select("../PMTPRCSTS"); rc != kOk) return rc;
-    if (int rc = ReadFields(p.text, kProcessing, 2); rc != kOk) return rc;
+    if (int rc = ReadFields(p.text, kProcessing); rc != kOk) return rc;
     if (int rc = Select("../.."); rc != kOk) return rc;
     return kOk;
   }
@@ -383,7 +383,7 @@ int BillPaymentService::ReadPayment(PaymentInfo& p) {
     if (int rc = ReadField(doc, "SRVRTID", p.text[M::kPaymentId]); rc != kOk) return rc;
     if (int rc = ReadField(doc, "CHECKNUM", p.text[M::kCheckNumber], false); rc != kOk) return rc;
     if (int rc = Select("PMTPRCSTS"); rc != kOk) return rc;
-    if (int rc = ReadFields(p.text, kProcessing, 2); rc != kOk) return rc;
+    if (int rc = ReadFields(p.text, kProcessing); rc != kOk) return rc;
     return Select("../..");
   }
   return kOk;
@@ -420,8 +420,8 @@ int BillPaymentService::ReadPayeeFields(PayeeInfo& p, bool in_payment) {
   if (doc.HasPath("EXTDPAYEE")) {
     if (int rc = Select("EXTDPAYEE"); rc != kOk) return rc;
     static constexpr FieldRead kExtended[] = {
-        {"PAYEEID", E::kPayeeId, false}, {"IDSCOPE", E::kIdScope, false}, {"DAYSTOPAY", E::kDaysToPay, true}};
-    if (int rc = ReadFields(p.text, kExtended, 3); rc != kOk) return rc;
+        {E::kPayeeId, "PAYEEID", false}, {E::kIdScope, "IDSCOPE", false}, {E::kDaysToPay, "DAYSTOPAY", true}};
+    if (int rc = ReadFields(p.text, kExtended); rc != kOk) return rc;
     if (doc.HasPath("NAME")) {
       if (int rc = ReadField(doc, "NAME", p.text[E::kName]); rc != kOk) return rc;
     }
@@ -448,7 +448,7 @@ int BillPaymentService::ReadPayeeFields(PayeeInfo& p, bool in_payment) {
   return info ? Select("..") : kOk;
 }
 
-int BillPaymentService::ReadPayeeAddress(PayeeInfo& p) { return ReadFields(p.text, kPayeeAddress, 9); }
+int BillPaymentService::ReadPayeeAddress(PayeeInfo& p) { return ReadFields(p.text, kPayeeAddress); }
 
 int BillPaymentService::SetPayeeAggregate(const char* value) {
   if (int rc = payee_.text[E::kAggregate].Assign(value); rc != kOk) return rc;

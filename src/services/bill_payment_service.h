@@ -16,7 +16,7 @@ namespace orvelan {
 // One payment: the one requested (the response overwrites it) or one record
 // of a synchronization. Account types index the first four names of
 // MoneyServiceBase.
-struct PaymentInfo : TextRecord<19> {
+struct PaymentInfo : TextRecord<PaymentInfo, 19> {
   enum Field : int32_t {
     kFromBankId,
     kFromAccountId,
@@ -50,7 +50,7 @@ struct PaymentInfo : TextRecord<19> {
   int32_t to_account_type = 1;
 };
 
-struct PayeeInfo : TextRecord<16> {
+struct PayeeInfo : TextRecord<PayeeInfo, 16> {
   enum Field : int32_t {
     kAggregate,
     kName,

@@ -74,13 +74,6 @@ int MoneyServiceBase::Select(std::string_view path) {
   return kOk;
 }
 
-int MoneyServiceBase::ReadFields(ByteString* record, const FieldRead* rows, int32_t count) {
-  for (int32_t i = 0; i < count; ++i) {
-    if (int rc = ReadField(Walked(), rows[i].name, record[rows[i].field], rows[i].required); rc != kOk) return rc;
-  }
-  return kOk;
-}
-
 const char* MoneyServiceBase::FirstChild(std::initializer_list<const char*> names) {
   for (const char* name : names) {
     if (Walked().HasPath(name)) return name;

@@ -6,6 +6,7 @@
 #include "base/item_list.h"
 #include "ofx/ofx_client.h"
 #include "ofx/request_template.h"
+#include "services/service_steps.h"
 
 // What the services that move money share: a request type chosen by each
 // method, a template per request type and OFX dialect, required-field checks
@@ -21,24 +22,6 @@
 // response is read through tables of element names and the properties are
 // one template per kind of field.
 namespace orvelan {
-
-template <int32_t kCount>
-struct TextRecord {
-  static constexpr int32_t kFieldCount = kCount;
-  ByteString text[kCount];
-
-  const char* Text(int32_t field) const { return text[field].Data(); }
-  void ClearTexts() {
-    for (ByteString& t : text) t.Clear();
-  }
-};
-
-// One element read into a record field: a child of the cursor.
-struct FieldRead {
-  const char* name;
-  int32_t field;
-  bool required;
-};
 
 class MoneyServiceBase : public OFXClient {
  public:
@@ -103,7 +86,7 @@ class MoneyServiceBase : public OFXClient {
   int Select(std::string_view path);
   // Reads each row's child of the cursor into `record` (absent optional
   // ones are emptied; a missing required one is 202).
-  int ReadFields(ByteString* record, const FieldRead* rows, int32_t count);
+  int ReadFields(ByteString* record, FieldReads reads) { return orvelan::ReadFields(*this, Walked(), record, reads); }
   // The first of `names` that is a child of the cursor, or null.
   const char* FirstChild(std::initializer_list<const char*> names);
   // Checks the status of the synchronization response `wrapper` below the

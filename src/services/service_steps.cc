@@ -33,9 +33,13 @@ int SelectOrReport(OFXClient& client, std::string_view path) {
 }
 
 int ReadFields(OFXClient& client, ByteString* texts, FieldReads reads) {
+  return ReadFields(client, client.Document(), texts, reads);
+}
+
+int ReadFields(OFXClient& client, MarkupDocument& document, ByteString* texts, FieldReads reads) {
   for (int32_t i = 0; i < reads.count; ++i) {
     const FieldRead& row = reads.rows[i];
-    if (int rc = client.ReadField(client.Document(), row.name, texts[row.field], row.required); rc != kOk) return rc;
+    if (int rc = client.ReadField(document, row.name, texts[row.field], row.required); rc != kOk) return rc;
   }
   return kOk;
 }

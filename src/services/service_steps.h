@@ -89,6 +89,8 @@ struct FieldReads {
 // Reads each row's child of the cursor's element into texts[row.field], in
 // table order, so the first missing required one names the failure.
 int ReadFields(OFXClient& client, ByteString* texts, FieldReads reads);
+// The same below the cursor of `document`, which need not be the client's.
+int ReadFields(OFXClient& client, MarkupDocument& document, ByteString* texts, FieldReads reads);
 
 // A record that is nothing but texts, indexed by the record's own Field enum.
 template <class Derived, int32_t kCount>
@@ -98,6 +100,9 @@ struct TextRecord {
 
   const char* Text(int32_t field) const { return text[field].Data(); }
   bool Flag(int32_t field) const { return IsYes(text[field]); }
+  void ClearTexts() {
+    for (ByteString& t : text) t.Clear();
+  }
 
   // A heap copy for ItemList; null when memory runs out.
   Derived* Clone() const {
