@@ -4,7 +4,7 @@
 #include <unordered_map>
 
 #include "base/byte_string.h"
-#include "base/item_list.h"
+#include "base/record_list.h"
 #include "services/investment_records.h"
 #include "services/statement_service_base.h"
 
@@ -128,8 +128,8 @@ class InvStatementService : public StatementServiceBase {
   // SecurityId is `id` ("CUSIP:123456789"), or -1.
   int32_t FindSecurity(std::string_view id);
 
-  ItemList<InvestmentTransaction>& InvTransactions() { return transactions_; }
-  ItemList<SecurityInfo>& Securities() { return securities_; }
+  RecordList<InvestmentTransaction>& InvTransactions() { return transactions_; }
+  RecordList<SecurityInfo>& Securities() { return securities_; }
 
  protected:
   void RestoreDefaults() override;
@@ -188,11 +188,11 @@ class InvStatementService : public StatementServiceBase {
   ByteString statement_date_;
   ByteString cash_balances_[kCashBalanceCount];
   uint8_t balances_received_ = 0;  // one bit per CashBalanceKind
-  ItemList<InvestmentTransaction> transactions_;
-  ItemList<InvestmentPosition> positions_;
-  ItemList<OpenOrder> open_orders_;
-  ItemList<InvestmentBalance> balances_;
-  ItemList<SecurityInfo> securities_;
+  RecordList<InvestmentTransaction> transactions_;
+  RecordList<InvestmentPosition> positions_;
+  RecordList<OpenOrder> open_orders_;
+  RecordList<InvestmentBalance> balances_;
+  RecordList<SecurityInfo> securities_;
   // Built on the first FindSecurity after a parse.
   std::unordered_map<std::string, int32_t> security_index_;
   ByteString shown_as_of_, shown_statement_date_, shown_cash_balances_[kCashBalanceCount];
