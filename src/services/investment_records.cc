@@ -90,6 +90,7 @@ void InvestmentRecord::Begin(OFXClient& client) {
   engine = &client;
   record.Attach(&doc, doc.Tree().Cursor());
   detail = RecordSource();
+  secid = RecordSource();
   type_index = RecordTypeTable::kTypeOther;
   reached = 0;
 }
@@ -109,19 +110,23 @@ int InvestmentRecord::Enter(OFXClient& client, const char* name, RecordSource& s
 // A SECID whose UNIQUEID is missing keeps the "UNIQUEIDTYPE:" read before it.
 int InvestmentRecord::RequireSecId(OFXClient& client) {
   if (int rc = Move(client, "SECID/UNIQUEIDTYPE"); rc != kOk) return rc;
-  reached |= kSecurityIdBit;
-  if (int rc = Move(client, "../UNIQUEID"); rc != kOk) return rc;
+  if (int rc = Enter(client, "..", secid); rc != kOk) return rc;
+  if (int rc = Move(client, "UNIQUEID"); rc != kOk) return rc;
   return Move(client, "../..");
 }
 
 int InvestmentRecord::ReadSecId(OFXClient& client) {
   if (!detail.Has("SECID")) return kOk;
-  if (!detail.Has("SECID/UNIQUEIDTYPE")) return Missing(client, "SECID/UNIQUEIDTYPE");
-  reached |= kSecurityIdBit;
-  if (detail.Has("SECID/UNIQUEID")) return kOk;
+  RecordSource found;
+  if (int rc = Enter(client, "SECID", found); rc != kOk) return rc;
+  if (!found.Has("UNIQUEIDTYPE")) {
+    if (int rc = Move(client, ".."); rc != kOk) return rc;
+    return Missing(client, "SECID/UNIQUEIDTYPE");
+  }
+  secid = found;
   // Named as from inside the SECID, where the part is read.
-  if (int rc = Move(client, "SECID"); rc != kOk) return rc;
-  return Missing(client, "UNIQUEID");
+  if (!secid.Has("UNIQUEID")) return Missing(client, "UNIQUEID");
+  return Move(client, "..");
 }
 
 int InvestmentRecord::Read(OFXClient& client, const RecordSource& at, std::initializer_list<Step> steps) {
@@ -134,10 +139,10 @@ int InvestmentRecord::Read(OFXClient& client, const RecordSource& at, std::initi
 
 const char* InvestmentRecord::SecurityId(ByteString& out) const {
   out.Clear();
-  if ((reached & kSecurityIdBit) != 0 && detail.Has("SECID")) {
-    out.Append(detail.Text("SECID/UNIQUEIDTYPE"));
+  if (secid.IsAttached()) {
+    out.Append(secid.Text("UNIQUEIDTYPE"));
     out.AppendChar(':');
-    out.Append(detail.Text("SECID/UNIQUEID"));
+    out.Append(secid.Text("UNIQUEID"));
   }
   return out.Data();
 }

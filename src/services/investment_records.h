@@ -52,12 +52,13 @@ struct InvestmentRecord {
   // Where most fields live: INVBUY/INVSELL, INVPOS, OO or SECINFO; the
   // record's element for the kinds without such a child.
   RecordSource detail;
+  // The SECID below `detail`, once the parse has read its UNIQUEIDTYPE.
+  RecordSource secid;
   int32_t type_index = RecordTypeTable::kTypeOther;
-  // One bit per Field the parse got to, kSecurityIdBit for the SECID.
+  // One bit per Field the parse got to.
   uint16_t reached = 0;
 
  protected:
-  static constexpr uint16_t kSecurityIdBit = 1u << 15;
   bool Reached(int8_t field) const { return (reached & (1u << field)) != 0; }
 
   // Starts a parse at the document's cursor: engine, element, no detail yet.
