@@ -380,11 +380,19 @@ int main(int argc, char** argv) {
                   seconds[s][c][1], Median(peaks) / 1024.0, Median(peaks) * 1024.0 / bytes[s]);
     }
   }
+  // Also the median of each round's own ratio, whose cases ran back to back
+  // and so under much the same load.
   for (int warm = 0; warm < 2; ++warm) {
-    std::printf("%s: InvStatement / pugixml at 50k %.2f (target <= 3); InvStatement time(50k) / time(5k) %.2f "
-                "(target <= 11)\n",
-                warm ? "warm" : "cold", seconds[1][1][warm] / seconds[1][0][warm],
-                seconds[1][1][warm] / seconds[0][1][warm]);
+    const auto time = [warm](const Run& run) { return warm ? run.warm_seconds : run.seconds; };
+    std::vector<double> versus, growth;
+    for (int r = 0; r < runs; ++r) {
+      versus.push_back(time(results[1][1][r]) / time(results[1][0][r]));
+      growth.push_back(time(results[1][1][r]) / time(results[0][1][r]));
+    }
+    std::printf("%s: InvStatement / pugixml at 50k %.2f (per round %.2f; target <= 3); InvStatement time(50k) / "
+                "time(5k) %.2f (per round %.2f; target <= 11)\n",
+                warm ? "warm" : "cold", seconds[1][1][warm] / seconds[1][0][warm], Median(versus),
+                seconds[1][1][warm] / seconds[0][1][warm], Median(growth));
   }
   return 0;
 }
