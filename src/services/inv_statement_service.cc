@@ -42,10 +42,8 @@ void InvStatementService::RestoreDefaults() {
 int InvStatementService::ClearResponse() {
   marketing_info_.Clear();
   statement_date_.Clear();
-  available_cash_.Assign("0");
-  margin_balance_.Assign("0");
-  short_balance_.Assign("0");
-  buying_power_.Assign("0");
+  for (ByteString& balance : cash_balances_) balance.Assign("0");
+  balances_received_ = 0;
   transactions_.Clear();
   positions_.Clear();
   open_orders_.Clear();
@@ -114,10 +112,13 @@ int InvStatementService::ParseStatement(MarkupDocument& doc, const ByteString& p
 
 // From INVBAL back to INVSTMTRS.
 int InvStatementService::ReadBalanceAggregate(MarkupDocument& doc) {
-  if (int rc = ReadResponseValue(available_cash_, doc, "AVAILCASH", true); rc != kOk) return rc;
-  if (int rc = ReadResponseValue(margin_balance_, doc, "../MARGINBALANCE", true); rc != kOk) return rc;
-  if (int rc = ReadResponseValue(short_balance_, doc, "../SHORTBALANCE", true); rc != kOk) return rc;
-  if (int rc = ReadResponseValue(buying_power_, doc, "../BUYPOWER", false); rc != kOk) return rc;
+  constexpr const char* kPaths[kCashBalanceCount] = {"AVAILCASH", "../MARGINBALANCE", "../SHORTBALANCE",
+                                                     "../BUYPOWER"};
+  for (int b = 0; b < kCashBalanceCount; ++b) {
+    // BUYPOWER alone is optional; an absent one reads as an empty amount.
+    if (int rc = ReadResponseValue(cash_balances_[b], doc, kPaths[b], b != kBuyingPower); rc != kOk) return rc;
+    balances_received_ |= static_cast<uint8_t>(1u << b);
+  }
   if (int rc = Select(doc, ".."); rc != kOk) return rc;
   if (doc.SelectPathIfPresent("BALLIST")) {
     if (int rc = ReadAll(*this, balances_); rc != kOk) return rc;

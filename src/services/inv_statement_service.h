@@ -4,7 +4,7 @@
 #include <unordered_map>
 
 #include "base/byte_string.h"
-#include "base/item_list.h"
+#include "base/record_list.h"
 #include "services/investment_records.h"
 #include "services/statement_service_base.h"
 
@@ -42,16 +42,19 @@ class InvStatementService : public StatementServiceBase {
 
   // ---- Statement results ----
 
-  const char* AvailableCash() { return ShowAmount(shown_cash_, available_cash_.View()); }
-  const char* MarginBalance() { return ShowAmount(shown_margin_, margin_balance_.View()); }
-  const char* ShortBalance() { return ShowAmount(shown_short_, short_balance_.View()); }
-  const char* BuyingPower() { return ShowAmount(shown_buying_power_, buying_power_.View()); }
+  // The INVBAL amounts in display form; one the response did not give reads
+  // its cleared value, "0" (which the amount display would turn into "").
+  const char* AvailableCash() { return CashBalance(kAvailableCash); }
+  const char* MarginBalance() { return CashBalance(kMarginBalance); }
+  const char* ShortBalance() { return CashBalance(kShortBalance); }
+  const char* BuyingPower() { return CashBalance(kBuyingPower); }
   const char* MarketingInfo() const { return marketing_info_.Data(); }
   const char* StatementDate() { return FormatDate(shown_statement_date_, statement_date_.View()); }
 
   // ---- The lists: count, index check (432 with the list's text), fields ----
   // Getters of one field each; amounts and dates read "" on a record that was
-  // never parsed (a clone). REQUIRES: the index passed its check.
+  // never parsed (a clone), and a field its parse did not reach reads as
+  // empty. REQUIRES: the index passed its check.
 
   int32_t TxCount() const { return transactions_.Count(); }
   int CheckTxIndex(int32_t index);
@@ -125,8 +128,8 @@ class InvStatementService : public StatementServiceBase {
   // SecurityId is `id` ("CUSIP:123456789"), or -1.
   int32_t FindSecurity(std::string_view id);
 
-  ItemList<InvestmentTransaction>& InvTransactions() { return transactions_; }
-  ItemList<SecurityInfo>& Securities() { return securities_; }
+  RecordList<InvestmentTransaction>& InvTransactions() { return transactions_; }
+  RecordList<SecurityInfo>& Securities() { return securities_; }
 
  protected:
   void RestoreDefaults() override;
@@ -149,6 +152,12 @@ class InvStatementService : public StatementServiceBase {
     kShownCount
   };
 
+  enum CashBalanceKind { kAvailableCash, kMarginBalance, kShortBalance, kBuyingPower, kCashBalanceCount };
+
+  const char* CashBalance(CashBalanceKind b) {
+    if ((balances_received_ & (1u << b)) == 0) return cash_balances_[b].Data();
+    return ShowAmount(shown_cash_balances_[b], cash_balances_[b].View());
+  }
   static int Store(int32_t& flag, int32_t value) {
     flag = value;
     return 0;
@@ -177,15 +186,16 @@ class InvStatementService : public StatementServiceBase {
   ByteString as_of_date_;
   ByteString marketing_info_;
   ByteString statement_date_;
-  ByteString available_cash_, margin_balance_, short_balance_, buying_power_;
-  ItemList<InvestmentTransaction> transactions_;
-  ItemList<InvestmentPosition> positions_;
-  ItemList<OpenOrder> open_orders_;
-  ItemList<InvestmentBalance> balances_;
-  ItemList<SecurityInfo> securities_;
+  ByteString cash_balances_[kCashBalanceCount];
+  uint8_t balances_received_ = 0;  // one bit per CashBalanceKind
+  RecordList<InvestmentTransaction> transactions_;
+  RecordList<InvestmentPosition> positions_;
+  RecordList<OpenOrder> open_orders_;
+  RecordList<InvestmentBalance> balances_;
+  RecordList<SecurityInfo> securities_;
   // Built on the first FindSecurity after a parse.
   std::unordered_map<std::string, int32_t> security_index_;
-  ByteString shown_as_of_, shown_statement_date_, shown_cash_, shown_margin_, shown_short_, shown_buying_power_;
+  ByteString shown_as_of_, shown_statement_date_, shown_cash_balances_[kCashBalanceCount];
   ByteString shown_[kShownCount];
 };
 

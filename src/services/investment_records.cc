@@ -90,7 +90,9 @@ void InvestmentRecord::Begin(OFXClient& client) {
   engine = &client;
   record.Attach(&doc, doc.Tree().Cursor());
   detail = RecordSource();
+  secid = RecordSource();
   type_index = RecordTypeTable::kTypeOther;
+  reached = 0;
 }
 
 int InvestmentRecord::Move(OFXClient& client, const char* path) {
@@ -105,34 +107,42 @@ int InvestmentRecord::Enter(OFXClient& client, const char* name, RecordSource& s
   return kOk;
 }
 
+// A SECID whose UNIQUEID is missing keeps the "UNIQUEIDTYPE:" read before it.
 int InvestmentRecord::RequireSecId(OFXClient& client) {
   if (int rc = Move(client, "SECID/UNIQUEIDTYPE"); rc != kOk) return rc;
-  if (int rc = Move(client, "../UNIQUEID"); rc != kOk) return rc;
+  if (int rc = Enter(client, "..", secid); rc != kOk) return rc;
+  if (int rc = Move(client, "UNIQUEID"); rc != kOk) return rc;
   return Move(client, "../..");
 }
 
-int InvestmentRecord::ReadSecId(OFXClient& client) const {
+int InvestmentRecord::ReadSecId(OFXClient& client) {
   if (!detail.Has("SECID")) return kOk;
-  if (!detail.Has("SECID/UNIQUEIDTYPE")) return Missing(client, "SECID/UNIQUEIDTYPE");
-  if (detail.Has("SECID/UNIQUEID")) return kOk;
+  RecordSource found;
+  if (int rc = Enter(client, "SECID", found); rc != kOk) return rc;
+  if (!found.Has("UNIQUEIDTYPE")) {
+    if (int rc = Move(client, ".."); rc != kOk) return rc;
+    return Missing(client, "SECID/UNIQUEIDTYPE");
+  }
+  secid = found;
   // Named as from inside the SECID, where the part is read.
-  if (int rc = Move(client, "SECID"); rc != kOk) return rc;
-  return Missing(client, "UNIQUEID");
+  if (!secid.Has("UNIQUEID")) return Missing(client, "UNIQUEID");
+  return Move(client, "..");
 }
 
-int InvestmentRecord::Require(OFXClient& client, const RecordSource& at, std::initializer_list<const char*> names) {
-  for (const char* name : names) {
-    if (!at.Has(name)) return Missing(client, name);
+int InvestmentRecord::Read(OFXClient& client, const RecordSource& at, std::initializer_list<Step> steps) {
+  for (const Step& step : steps) {
+    if (step.required && !at.Has(step.name)) return Missing(client, step.name);
+    reached |= static_cast<uint16_t>(1u << step.field);
   }
   return kOk;
 }
 
 const char* InvestmentRecord::SecurityId(ByteString& out) const {
   out.Clear();
-  if (detail.Has("SECID")) {
-    out.Append(detail.Text("SECID/UNIQUEIDTYPE"));
+  if (secid.IsAttached()) {
+    out.Append(secid.Text("UNIQUEIDTYPE"));
     out.AppendChar(':');
-    out.Append(detail.Text("SECID/UNIQUEID"));
+    out.Append(secid.Text("UNIQUEID"));
   }
   return out.Data();
 }
@@ -146,35 +156,60 @@ int InvestmentTransaction::Parse(OFXClient& client) {
   detail = record;
   kind = kPlain;
   const char* side = record.Has("INVBUY") ? "INVBUY" : record.Has("INVSELL") ? "INVSELL" : nullptr;
+  // The trade's own dates and identity, in INVTRAN.
+  const std::initializer_list<Step> trade = {
+      {kFITID, "FITID", true}, {kDate, "DTTRADE", true}, {kDateSettle, "DTSETTLE", false}, {kMemo, "MEMO", false}};
   if (side != nullptr) {
     kind = kBuySell;
     if (int rc = Enter(client, side, detail); rc != kOk) return rc;
     if (int rc = ReadSecId(client); rc != kOk) return rc;
-    if (int rc = Require(client, detail, {"UNITS", "UNITPRICE", "TOTAL", "SUBACCTFUND", "SUBACCTSEC"}); rc != kOk) {
+    if (int rc = Read(client, detail,
+                      {{kUnits, "UNITS", true},
+                       {kUnitPrice, "UNITPRICE", true},
+                       {kTotal, "TOTAL", true},
+                       {kSubAccountFund, "SUBACCTFUND", true},
+                       {kSubAccountSec, "SUBACCTSEC", true}});
+        rc != kOk) {
       return rc;
     }
     if (int rc = Enter(client, "INVTRAN", tran); rc != kOk) return rc;
-    if (int rc = Require(client, tran, {"FITID", "DTTRADE"}); rc != kOk) return rc;
+    if (int rc = Read(client, tran, trade); rc != kOk) return rc;
     return Move(client, "../..");
   }
+  const std::initializer_list<Step> amounts = {{kUnits, "UNITS", false},
+                                               {kSubAccountSec, "SUBACCTSEC", false},
+                                               {kTotal, "TOTAL", false},
+                                               {kUnitPrice, "UNITPRICE", false},
+                                               {kSubAccountFund, "SUBACCTFUND", false}};
   if (record.Has("INVTRAN")) {
     kind = kWithInvTran;
     if (int rc = Enter(client, "INVTRAN", tran); rc != kOk) return rc;
-    if (int rc = Require(client, tran, {"FITID", "DTTRADE"}); rc != kOk) return rc;
+    if (int rc = Read(client, tran, trade); rc != kOk) return rc;
     if (int rc = Move(client, ".."); rc != kOk) return rc;
+    Read(client, record, amounts);  // all optional: cannot fail
     return ReadSecId(client);
   }
   if (record.Has("STMTTRN")) {
     kind = kBanking;
     if (int rc = Enter(client, "STMTTRN", tran); rc != kOk) return rc;
-    if (int rc = Require(client, tran, {"DTPOSTED", "FITID", "TRNAMT"}); rc != kOk) return rc;
+    if (int rc = Read(client, tran,
+                      {{kDate, "DTPOSTED", true},
+                       {kFITID, "FITID", true},
+                       {kMemo, "MEMO", false},
+                       {kName, "NAME", false},
+                       {kTotal, "TRNAMT", true}});
+        rc != kOk) {
+      return rc;
+    }
     if (int rc = Move(client, ".."); rc != kOk) return rc;
-    return Require(client, record, {"SUBACCTFUND"});
+    return Read(client, record, {{kSubAccountFund, "SUBACCTFUND", true}});
   }
-  return ReadSecId(client);
+  if (int rc = ReadSecId(client); rc != kOk) return rc;
+  return Read(client, record, amounts);
 }
 
 const char* InvestmentTransaction::Text(Field field) const {
+  if (!Reached(field)) return "";
   const bool banking = kind == kBanking;
   switch (field) {
     case kDate: return tran.Text(banking ? "DTPOSTED" : "DTTRADE");
@@ -198,7 +233,14 @@ int InvestmentPosition::Parse(OFXClient& client) {
   type_index = kTypes.IndexOf(client.Document().ElementName());
   if (!record.Has("INVPOS")) return kOk;
   if (int rc = Enter(client, "INVPOS", detail); rc != kOk) return rc;
-  if (int rc = Require(client, detail, {"HELDINACCT", "MKTVAL", "POSTYPE", "UNITPRICE", "UNITS", "DTPRICEASOF"});
+  if (int rc = Read(client, detail,
+                    {{kAccountType, "HELDINACCT", true},
+                     {kMarketValue, "MKTVAL", true},
+                     {kPositionType, "POSTYPE", true},
+                     {kUnitPrice, "UNITPRICE", true},
+                     {kUnits, "UNITS", true},
+                     {kDatePriceAsOf, "DTPRICEASOF", true},
+                     {kMemo, "MEMO", false}});
       rc != kOk) {
     return rc;
   }
@@ -208,14 +250,23 @@ int InvestmentPosition::Parse(OFXClient& client) {
 
 const char* InvestmentPosition::Text(Field field) const {
   constexpr const char* kPaths[] = {"HELDINACCT", "DTPRICEASOF", "MKTVAL", "MEMO", "POSTYPE", "UNITPRICE", "UNITS"};
-  return detail.Text(kPaths[field]);
+  return Reached(field) ? detail.Text(kPaths[field]) : "";
 }
 
 int OpenOrder::Parse(OFXClient& client) {
   Begin(client);
   type_index = kTypes.IndexOf(client.Document().ElementName());
+  // All optional: cannot fail.
+  Read(client, record, {{kBuyType, "BUYTYPE", false}, {kSellType, "SELLTYPE", false}, {kUnitType, "UNITTYPE", false}});
   if (int rc = Enter(client, "OO", detail); rc != kOk) return rc;
-  if (int rc = Require(client, detail, {"DTPLACED", "DURATION", "FITID", "RESTRICTION", "SUBACCT", "UNITS"});
+  if (int rc = Read(client, detail,
+                    {{kDatePlaced, "DTPLACED", true},
+                     {kDuration, "DURATION", true},
+                     {kFITID, "FITID", true},
+                     {kRestriction, "RESTRICTION", true},
+                     {kSubAccount, "SUBACCT", true},
+                     {kUnits, "UNITS", true},
+                     {kMemo, "MEMO", false}});
       rc != kOk) {
     return rc;
   }
@@ -224,6 +275,7 @@ int OpenOrder::Parse(OFXClient& client) {
 }
 
 const char* OpenOrder::Text(Field field) const {
+  if (!Reached(field)) return "";
   switch (field) {
     case kBuyType: return record.Text("BUYTYPE");
     case kSellType: return record.Text("SELLTYPE");
@@ -241,14 +293,18 @@ const char* OpenOrder::Text(Field field) const {
 
 int InvestmentBalance::Parse(OFXClient& client) {
   Begin(client);
-  if (int rc = Require(client, record, {"NAME", "DESC", "VALUE", "BALTYPE"}); rc != kOk) return rc;
+  if (int rc = Read(client, record, {{kName, "NAME", true}, {kDescription, "DESC", true}, {kValue, "VALUE", true}});
+      rc != kOk) {
+    return rc;
+  }
+  if (!record.Has("BALTYPE")) return Missing(client, "BALTYPE");
   type_index = kTypes.IndexOf(record.Text("BALTYPE"));
   return kOk;
 }
 
 const char* InvestmentBalance::Text(Field field) const {
   constexpr const char* kPaths[] = {"DESC", "NAME", "VALUE"};
-  return record.Text(kPaths[field]);
+  return Reached(field) ? record.Text(kPaths[field]) : "";
 }
 
 int SecurityInfo::Parse(OFXClient& client) {
@@ -256,8 +312,17 @@ int SecurityInfo::Parse(OFXClient& client) {
   engine = nullptr;  // every field reads as received
   type_index = kTypes.IndexOf(client.Document().ElementName());
   if (int rc = Enter(client, "SECINFO", detail); rc != kOk) return rc;
-  if (int rc = Require(client, detail, {"SECNAME"}); rc != kOk) return rc;
+  if (int rc = Read(client, detail,
+                    {{kFIId, "FIID", false},
+                     {kMemo, "MEMO", false},
+                     {kTicker, "TICKER", false},
+                     {kUnitPrice, "UNITPRICE", false},
+                     {kName, "SECNAME", true}});
+      rc != kOk) {
+    return rc;
+  }
   if (int rc = RequireSecId(client); rc != kOk) return rc;
+  reached |= (1u << kAssetClass) | (1u << kYield);
   return Move(client, "..");
 }
 
@@ -268,6 +333,7 @@ const char* SecurityInfo::Text(Field field) const {
     const char* text = record.Text(path);
     return *text != '\0' ? text : record.Text(fallback);
   };
+  if (!Reached(field)) return "";
   switch (field) {
     case kAssetClass: return first("ASSETCLASS", "MFASSETCLASS/PORTION/ASSETCLASS");
     case kYield: return first("YIELD", "YIELDTOMAT");

@@ -11,6 +11,8 @@
 // orders, balances and the securities they name. Like StatementTransaction,
 // each keeps references to its elements in the parsed response and reads its
 // raw texts from there when asked; the service converts amounts and dates.
+// A record whose parse failed stays in its list with the fields read before
+// the failure; the others read "".
 namespace orvelan {
 
 // Codes and descriptions of one record kind. An index selects a row;
@@ -30,8 +32,17 @@ struct RecordTypeTable {
   const char* Description(int32_t index) const;
 };
 
-// What all five records share: where they live and their type.
+// What all five records share: where they live, their type, and which
+// fields the parse reached.
 struct InvestmentRecord {
+  // One field read in parse order; a missing required one fails with
+  // ReadField's 202.
+  struct Step {
+    int8_t field;
+    const char* name;
+    bool required;
+  };
+
   // "UNIQUEIDTYPE:UNIQUEID" of the SECID below `detail`; "" without one.
   const char* SecurityId(ByteString& out) const;
   const char* Aggregate(ByteString& out) const { return record.Markup(out); }
@@ -41,9 +52,15 @@ struct InvestmentRecord {
   // Where most fields live: INVBUY/INVSELL, INVPOS, OO or SECINFO; the
   // record's element for the kinds without such a child.
   RecordSource detail;
+  // The SECID below `detail`, once the parse has read its UNIQUEIDTYPE.
+  RecordSource secid;
   int32_t type_index = RecordTypeTable::kTypeOther;
+  // One bit per Field the parse got to.
+  uint16_t reached = 0;
 
  protected:
+  bool Reached(int8_t field) const { return (reached & (1u << field)) != 0; }
+
   // Starts a parse at the document's cursor: engine, element, no detail yet.
   void Begin(OFXClient& client);
   // Moves the cursor along `path`; the document's navigation error if it cannot.
@@ -53,13 +70,12 @@ struct InvestmentRecord {
   static int Enter(OFXClient& client, const char* name, RecordSource& source);
   // UNIQUEIDTYPE and UNIQUEID of the SECID below the cursor must exist; the
   // document's navigation error names the first missing step.
-  static int RequireSecId(OFXClient& client);
+  int RequireSecId(OFXClient& client);
   // A SECID below the cursor, when there is one, must hold both parts;
   // ReadField's 202 otherwise.
-  int ReadSecId(OFXClient& client) const;
-  // ReadField's 202 for the first of `names` missing below `at`, which is
-  // where the cursor is.
-  static int Require(OFXClient& client, const RecordSource& at, std::initializer_list<const char*> names);
+  int ReadSecId(OFXClient& client);
+  // `steps` below `at`, which is where the cursor is, until a required one is missing.
+  int Read(OFXClient& client, const RecordSource& at, std::initializer_list<Step> steps);
 };
 
 template <class Record>

@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 #include <tuple>
+#include <vector>
 
 #include "services/inv_statement_component.h"
 #include "support/test_ofx_service.h"
@@ -185,10 +186,10 @@ TEST(InvStatementTest, ShapesOfTheResponse) {
   ASSERT_EQ(inv.Respond(kSignOn + ("<INVSTMTMSGSRSV1>" + kStatementBody + "</INVSTMTMSGSRSV1></OFX>")), 0)
       << inv.GetLastError();
   EXPECT_EQ(inv.Int(INVSTATEMENT_PROP_POSCOUNT), 2);
-  // No INVBAL: the cleared balances, "0", whose display drops the zero.
+  // No INVBAL: the cleared balances, "0", not their amount display "".
   const size_t from = kStatement.find("<INVBAL>"), to = kStatement.find("</INVBAL>") + 9;
   ASSERT_EQ(inv.Respond(kStatement.substr(0, from) + kStatement.substr(to)), 0) << inv.GetLastError();
-  EXPECT_EQ(inv.Text(INVSTATEMENT_PROP_AVAILABLECASH) + inv.Text(INVSTATEMENT_PROP_SHORTBALANCE), "");
+  EXPECT_EQ(inv.Text(INVSTATEMENT_PROP_AVAILABLECASH) + inv.Text(INVSTATEMENT_PROP_BUYINGPOWER), "00");
   EXPECT_EQ(inv.Int(INVSTATEMENT_PROP_BALCOUNT), 0);
 
   ASSERT_EQ(inv.Respond(kClosing), 0) << inv.GetLastError();
@@ -284,10 +285,33 @@ TEST(InvStatementTest, Failures) {
     EXPECT_EQ(run(), code) << text;
     EXPECT_STREQ(inv.service().GetLastError(), text);
   }
-  // A failed walk keeps what it read before the failure.
+  // A failed walk keeps what it read before the failure, the failed record
+  // too, but none of that record's fields from the failure on.
   ASSERT_NE(inv.Respond(Replace(kStatement, "<MKTVAL>350", "")), 0);
   EXPECT_EQ(inv.Int(INVSTATEMENT_PROP_TXCOUNT), 3);
   EXPECT_EQ(inv.Int(INVSTATEMENT_PROP_POSCOUNT), 2);
+  // What is replaced and by what, then the failed record's fields, "|"-joined.
+  const std::tuple<const char*, const char*, std::vector<int>, int, const char*> cut[] = {
+      {"<TOTAL>-506", "",
+       {INVSTATEMENT_PROP_TXSECURITYID, INVSTATEMENT_PROP_TXUNITPRICE, INVSTATEMENT_PROP_TXTOTAL,
+        INVSTATEMENT_PROP_TXFITID, INVSTATEMENT_PROP_TXMEMO},
+       0, "CUSIP:123|50.5|0.00||"},
+      {"<MKTVAL>510", "", {INVSTATEMENT_PROP_POSACCOUNTTYPE, INVSTATEMENT_PROP_POSUNITS, INVSTATEMENT_PROP_POSSECURITYID},
+       0, "CASH||"},
+      // The type read before the missing UNIQUEID stays.
+      {"<INVPOS><SECID><UNIQUEID>123", "<INVPOS><SECID>", {INVSTATEMENT_PROP_POSUNITS, INVSTATEMENT_PROP_POSSECURITYID},
+       0, "10|CUSIP:"},
+      {"<DESC>Settled cash", "", {INVSTATEMENT_PROP_BALNAME, INVSTATEMENT_PROP_BALAMOUNT}, 0, "Cash|"},
+      {"<DURATION>GOODTILCANCEL", "", {INVSTATEMENT_PROP_OOSELLTYPE, INVSTATEMENT_PROP_OOUNITS}, 0, "SELL|"},
+      {"<SECNAME>Acme Corp", "",
+       {INVSTATEMENT_PROP_SECTICKER, INVSTATEMENT_PROP_SECSECURITYID, INVSTATEMENT_PROP_SECYIELD}, 0, "ACME||"},
+  };
+  for (const auto& [part, with, ids, index, expected] : cut) {
+    ASSERT_NE(inv.Respond(Replace(kStatement, part, with)), 0) << part;
+    std::string fields;
+    for (int id : ids) fields += (fields.empty() ? "" : "|") + inv.Text(id, index);
+    EXPECT_EQ(fields, expected) << part;
+  }
 }
 
 TEST(InvStatementTest, EveryIndexedPropertyChecksItsIndex) {
