@@ -100,8 +100,10 @@ int LenientReader::Prepare(std::string_view input, MarkupParser& parser, std::st
   list_length_ = parser.ContainerList().Length();
   const size_t start = SkipPrologue(input);
   const std::string_view body = input.substr(start);
-  if (int rc = LearnAggregates(body, static_cast<uint32_t>(start), parser); rc != kOk) return rc;
-  return CloseOpenAggregates(body, static_cast<uint32_t>(start), parser, text);
+  int rc = LearnAggregates(body, static_cast<uint32_t>(start), parser);
+  if (rc == kOk) rc = CloseOpenAggregates(body, static_cast<uint32_t>(start), parser, text);
+  if (rc != kOk) Forget(parser);
+  return rc;
 }
 
 void LenientReader::Forget(MarkupParser& parser) {
@@ -173,7 +175,9 @@ size_t LenientReader::SkipPrologue(std::string_view input) {
     Add(kRepairXmlDeclaration, xml_declaration, "XML declaration before an SGML header ignored");
   }
   if (junk_at != kNone) {
-    const std::string_view line = input.substr(junk_at, std::min<size_t>(40, input.find_first_of("\r\n", junk_at) - junk_at));
+    // Quoted up to 40 bytes of its first line, so the host sees what went.
+    const size_t line_end = input.find_first_of("\r\n", junk_at);
+    const std::string_view line = input.substr(junk_at, std::min<size_t>(40, line_end - junk_at));
     Add(kRepairTextBeforeHeader, junk_at,
         std::to_string(junk_bytes) + " bytes of text before <OFX> skipped: \"" + std::string(line) + "\"");
   }

@@ -45,7 +45,8 @@ class LenientReader {
   LenientReader& operator=(const LenientReader&) = delete;
 
   // Lists the repairs `input` needs, registers the aggregates it learns with
-  // `parser`, and sets `text` to what the parser should read. 0 or 200.
+  // `parser`, and sets `text` to what the parser should read. 0, or 200 with
+  // nothing left registered.
   int Prepare(std::string_view input, MarkupParser& parser, std::string_view& text);
   // Unregisters what the last Prepare registered; the list is as before.
   void Forget(MarkupParser& parser);

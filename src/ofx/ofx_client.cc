@@ -419,7 +419,9 @@ int OFXClient::ProcessResponse(std::string_view text) {
   if (int rc = document_.RegisterAggregates(); rc != kOk) return ReportError(rc, document_.GetLastError());
   std::string_view text_to_parse = parsed_;
   if (lenient_reading_) {
-    if (int rc = lenient_.Prepare(parsed_, document_.Parser(), text_to_parse); rc != kOk) return ReportError(rc, nullptr);
+    if (int rc = lenient_.Prepare(parsed_, document_.Parser(), text_to_parse); rc != kOk) {
+      return ReportError(rc, nullptr);
+    }
     for (const LenientReader::Repair& repair : lenient_.Repairs()) FireError(repair.code, repair.text.c_str());
   }
   const int parsed = document_.ParseRetained(text_to_parse);

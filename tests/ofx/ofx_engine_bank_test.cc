@@ -36,20 +36,6 @@ TEST(EngineBankTest, AccessKeyGoesBackAndBrokenAnswersFail) {
   EXPECT_EQ(bad.Exchange(), 2003) << bad.GetLastError();
 }
 
-// The bank checks TRNUIDs and headers as strictly as the servers this form is for.
-TEST(EngineBankTest, StrictServerRequestsAreAccepted) {
-  ORVELAN_REQUIRE_TEST_BANK(bank);
-  for (const char* version : {"102", "211"}) {
-    SCOPED_TRACE(version);
-    TestOFXService s;
-    Prepare(s, bank.Url(), "user", version);
-    const char* out = nullptr;
-    ASSERT_EQ(s.Config("StrictServerRequests=True", out), 0);
-    ASSERT_EQ(s.Exchange(), 0) << s.GetLastError();
-    EXPECT_EQ(bank.Requests().back().body.rfind("<?xml ", 0) == 0, version[0] == '2');
-  }
-}
-
 TEST(EngineBankTest, MultiFactorChallengeRoundTrip) {
   ORVELAN_REQUIRE_TEST_BANK(bank);
   TestOFXService s;
