@@ -4,8 +4,8 @@ r"""orvelan-testbank: a sandbox OFX bank to try an OFX client against.
 It answers OFX 1.x (SGML) and 2.x (XML) requests posted to any path, in the
 request's dialect, like a strict bank: anything but an application/x-ofx POST
 with a well-formed header block, every end tag in the 2.x dialect, SONRQ first
-with its children in order, TRNUIDs of the form 8-4-4-4-4-8 lowercase hex,
-only ...MSGSRQV1/2 message sets, and statement requests whose elements are in
+with its children in order, TRNUIDs of the form 8-4-4-4-4-8 or 8-4-4-4-12 (a
+UUID) lowercase hex, only ...MSGSRQV1/2 message sets, and statement requests whose elements are in
 order, present when required and well formed (dates, Y/N flags, account type)
 gets HTTP 400 with the reason.
 
@@ -110,7 +110,8 @@ SGML_HEADER = [("OFXHEADER", "100"), ("DATA", "OFXSGML"), ("VERSION", r"1\d\d"),
 XML_HEADER_FIELDS = [("OFXHEADER", "200"), ("VERSION", r"2\d\d"), ("SECURITY", "NONE"), ("OLDFILEUID", ".*"),
                      ("NEWFILEUID", ".*")]
 
-TRNUID_FORM = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{8}$")
+# The client's own 37-character form, or a UUID as strict servers want it.
+TRNUID_FORM = re.compile(r"^[0-9a-f]{8}-[0-9a-f]{4}-[0-9a-f]{4}-[0-9a-f]{4}-(?:[0-9a-f]{4}-[0-9a-f]{8}|[0-9a-f]{12})$")
 OFX_DATE_FORM = re.compile(r"^\d{8}(\d{4}(\d{2}(\.\d{3})?)?)?(\[[+-]?\d+(\.\d+)?(:[A-Za-z ]*)?\])?$")
 XML_HEADER = re.compile(r'^(<\?xml[^>]*\?>\s*)?<\?OFX((?:\s+[A-Z]+="[^"]*")*)\s*\?>\s*')
 XML_ATTRIBUTE = re.compile(r'([A-Z]+)="([^"]*)"')
@@ -251,7 +252,7 @@ def check_signon(ofx):
             raise BadRequest("MFACHALLENGEA must hold MFAPHRASEID and MFAPHRASEA")
     for node in ofx.walk():
         if node.name == "TRNUID" and not TRNUID_FORM.match(node.value or ""):
-            raise BadRequest("TRNUID %r is not 8-4-4-4-4-8 lowercase hex digits" % node.value)
+            raise BadRequest("TRNUID %r is neither 8-4-4-4-4-8 nor 8-4-4-4-12 lowercase hex digits" % node.value)
     for node in ofx.children[1:]:
         if not re.match(r"^[A-Z0-9]+MSGSRQV[12]$", node.name):
             raise BadRequest("<%s> is not a request message set" % node.name)

@@ -117,5 +117,13 @@ inline constexpr int kErrInvalidOFXResponse = 2002;
 inline constexpr char kTextInvalidOFXResponse[] = "Invalid OFX response.";
 inline constexpr int kErrUnknownOFXTags = 2003;
 inline constexpr char kTextUnknownOFXTags[] = "OFX response contains unknown element tags.";
+// Repairs of lenient reading, fired as Error events while the document is
+// read on; never a result. No OFX status code lies in 2100 to 2105.
+inline constexpr int kRepairLearnedAggregate = 2100;
+inline constexpr int kRepairClosedAggregate = 2101;
+inline constexpr int kRepairHeaderAsTags = 2102;
+inline constexpr int kRepairHeaderInComment = 2103;
+inline constexpr int kRepairXmlDeclaration = 2104;
+inline constexpr int kRepairTextBeforeHeader = 2105;
 
 }  // namespace orvelan

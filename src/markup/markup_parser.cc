@@ -1,5 +1,6 @@
 #include "markup/markup_parser.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <new>
@@ -213,6 +214,20 @@ void MarkupParser::IndexContainer(uint32_t offset, uint32_t length) {
   while (container_slots_[slot] != 0) slot = (slot + 1) & mask;
   container_slots_[slot] = offset + 1;
   ++container_count_;
+}
+
+void MarkupParser::TruncateContainerList(int32_t length) {
+  if (length < 0 || length >= containers_.Length()) return;
+  containers_.SetLength(length <= 1 ? 0 : length);
+  std::fill(container_slots_.begin(), container_slots_.end(), 0u);
+  container_count_ = 0;
+  uint32_t piece = 0;
+  for (uint32_t i = 0; i < static_cast<uint32_t>(containers_.Length()); ++i) {
+    if (containers_.Data()[i] != ' ') continue;
+    if (i > piece) IndexContainer(piece, i - piece);
+    piece = i + 1;
+  }
+  candidate_is_container_ = IsContainer(leaf_candidate_.View());
 }
 
 bool MarkupParser::IsContainer(std::string_view name) const {

@@ -56,6 +56,11 @@ class MarkupParser {
   int AddSGMLTag(std::string_view name);
   // " NAME1 NAME2 ... " in registration order.
   const ByteString& ContainerList() const { return containers_; }
+  // Whether `name` is registered (exact, case-sensitive).
+  bool IsContainer(std::string_view name) const;
+  // Forgets the names registered since the list was `length` bytes long
+  // (ContainerList().Length() then), for names registered for one parse.
+  void TruncateContainerList(int32_t length);
   void SetListener(MarkupListener* listener) { listener_ = listener; }
   // "UTF-8", "UTF-16LE" and "UTF-16BE" (any case); anything else is ASCII.
   int SetEncoding(const char* name);
@@ -138,7 +143,6 @@ class MarkupParser {
   int ResolvePrefix(std::string_view qualified, bool is_attribute, int32_t& entry, std::string_view& local);
   int ResolveReference(uint8_t ch, ByteString& target);
   int FinishSection();
-  bool IsContainer(std::string_view name) const;
   void IndexContainer(uint32_t offset, uint32_t length);
   int TakeRun(const uint8_t* run, size_t length);
   bool TakeTag(const uint8_t*& p, const uint8_t* end, int& rc);

@@ -1,6 +1,7 @@
 #include "ofx/ofx_client.h"
 
 #include <fcntl.h>
+#include <sys/random.h>
 #include <sys/stat.h>
 #include <sys/time.h>
 #include <unistd.h>
@@ -43,6 +44,9 @@ constexpr char kImage211[] =
 // Servers accept only this SGML form, for 2.x requests as well.
 constexpr char kPasswordChange[] =
     "<PINCHTRNRQ>\r\n<TRNUID>~0~\r\n<PINCHRQ>\r\n<USERID>~1~\r\n<NEWUSERPASS>~2~\r\n</PINCHRQ>\r\n</PINCHTRNRQ>\r\n";
+
+// Servers that read 2.x requests as XML documents want a declaration first.
+constexpr char kXmlDeclaration[] = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>\r\n";
 
 constexpr char kTextStatementType[] = "Statement type is invalid.";
 constexpr char kDefaultCurrencyFormat[] = "";
@@ -109,6 +113,8 @@ int OFXClient::InitDefaults() {
   formats_.SetOFXDateFormat(kDefaultOFXDateFormat);
   max_transferred_data_ = 0;  // an OFX response is kept whole
   debug_trace_ = false;
+  lenient_reading_ = false;
+  strict_server_requests_ = false;
   return 1;
 }
 
@@ -192,6 +198,21 @@ int OFXClient::LoadTemplates() {
 }
 
 int OFXClient::NewTransactionId(ByteString& out) {
+  if (strict_server_requests_) {
+    // A version 4 UUID: servers that check the form accept only 8-4-4-4-12.
+    uint8_t bytes[16];
+    if (getrandom(bytes, sizeof bytes, 0) != static_cast<ssize_t>(sizeof bytes)) {
+      for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(std::rand() >> 7);
+    }
+    bytes[6] = static_cast<uint8_t>((bytes[6] & 0x0f) | 0x40);
+    bytes[8] = static_cast<uint8_t>((bytes[8] & 0x3f) | 0x80);
+    out.Clear();
+    for (int i = 0; i < 16; ++i) {
+      if ((i == 4 || i == 6 || i == 8 || i == 10) && out.AppendChar('-') != kOk) return kErrOutOfMemory;
+      if (AppendHexGroup(out, bytes[i], 1) != kOk) return kErrOutOfMemory;
+    }
+    return transaction_id_.Assign(out);
+  }
   ++seed_counter_;
   std::srand(static_cast<unsigned>(seed_counter_ * MillisecondClock()));
   static constexpr int kGroups[] = {4, 2, 2, 2, 2, 4};
@@ -282,7 +303,9 @@ int OFXClient::BuildRequest(ByteString& out, bool with_credentials) {
                                                answers.View(),
                                                password_change.View(),
                                                challenge_request.View()};
-  rc = header_template_.Expand(out, header_arguments, 3, true) | out.Append("<OFX>\r\n") |
+  out.Clear();
+  if (v2 && strict_server_requests_) rc |= out.Append(kXmlDeclaration);
+  rc |= header_template_.Expand(out, header_arguments, 3, false) | out.Append("<OFX>\r\n") |
        signon_template_.Expand(out, signon_arguments, 16, false);
   if (rc != kOk) return kErrOutOfMemory;
   if (has_image_request) {
@@ -394,7 +417,17 @@ int OFXClient::ProcessResponse(std::string_view text) {
     parsed_ = retained_.View();
   }
   if (int rc = document_.RegisterAggregates(); rc != kOk) return ReportError(rc, document_.GetLastError());
-  if (int rc = document_.ParseRetained(parsed_); rc != kOk) return ReportError(rc, document_.GetLastError());
+  std::string_view text_to_parse = parsed_;
+  if (lenient_reading_) {
+    if (int rc = lenient_.Prepare(parsed_, document_.Parser(), text_to_parse); rc != kOk) {
+      return ReportError(rc, nullptr);
+    }
+    for (const LenientReader::Repair& repair : lenient_.Repairs()) FireError(repair.code, repair.text.c_str());
+  }
+  const int parsed = document_.ParseRetained(text_to_parse);
+  // Names learned from this document do not carry over to the next.
+  if (lenient_reading_) lenient_.Forget(document_.Parser());
+  if (parsed != kOk) return ReportError(parsed, document_.GetLastError());
   if (int rc = document_.SelectPath("/"); rc != kOk) return ReportError(rc, document_.GetLastError());
   document_parsed_ = true;
 
@@ -703,6 +736,8 @@ int OFXClient::HandleConfig(ConfigArgument& argument, const char*& out) {
       R::Text<&OFXClient::user_cred2_>("UserCred2A"),
       R::Text<&OFXClient::auth_token_>("AuthToken"),
       {"ServerMessage", R::QueryText<&OFXClient::server_message_>},
+      R::OneZero<&OFXClient::lenient_reading_>("LenientReading"),
+      R::OneZero<&OFXClient::strict_server_requests_>("StrictServerRequests"),
   };
   if (const R* row = FindSetting(kSettings, argument)) return row->Run(*this, argument, out);
   return HttpsClient::HandleConfig(argument, out);

@@ -7,6 +7,7 @@
 #include "http/https_client.h"
 #include "markup/text_buffer.h"
 #include "ofx/date_amount_format.h"
+#include "ofx/lenient_reader.h"
 #include "ofx/mfa_challenge.h"
 #include "ofx/ofx_date_time.h"
 #include "ofx/ofx_tag_table.h"
@@ -45,7 +46,8 @@ class OFXClient : public HttpsClient {
   // The engine's settings (OFXVersion, OFXLog, DebugTrace, IncludeImages,
   // OFXDateFormat, DateFormat, CurrencyFormat, OFXData, ExtraTags,
   // NewPassword, ClientUId, UserCred1A, UserCred2A, AuthToken,
-  // ServerMessage), then the HTTP layer's.
+  // ServerMessage, LenientReading, StrictServerRequests), then the HTTP
+  // layer's.
   int HandleConfig(ConfigArgument& argument, const char*& out) override;
 
   // Hooks a service overrides; each override runs the engine's version too
@@ -73,8 +75,8 @@ class OFXClient : public HttpsClient {
   // The whole request. Without `with_credentials` USERID, USERPASS and
   // NEWUSERPASS read "******anon" (the rendering for the log). 0 or 200.
   int BuildRequest(ByteString& out, bool with_credentials);
-  // A fresh TRNUID (8-4-4-4-4-8 lowercase hex digits), also kept as
-  // TransactionId(). 0 or 200.
+  // A fresh TRNUID (8-4-4-4-4-8 lowercase hex digits, or a random UUID with
+  // StrictServerRequests), also kept as TransactionId(). 0 or 200.
   int NewTransactionId(ByteString& out);
   // 0, 2000 "Missing required field: ..." for the first empty credential or
   // institution field, or 202 for images with OFX 1.x.
@@ -262,6 +264,13 @@ class OFXClient : public HttpsClient {
   ByteString server_message_;
   ByteString image_file_;
   ByteString image_data_;
+
+  // Opt-in: responses and files that break the strict rules are repaired
+  // (each repair fires Error), and requests take the forms strict servers
+  // want (a UUID TRNUID, an XML declaration before the 2.x header).
+  bool lenient_reading_ = false;
+  bool strict_server_requests_ = false;
+  LenientReader lenient_;
 };
 
 }  // namespace orvelan

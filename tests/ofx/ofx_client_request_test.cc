@@ -148,5 +148,22 @@ TEST_F(RequestTest, RequiredFieldsAreCheckedInOrder) {
   EXPECT_STREQ(service_.GetLastError(), "Statement type is invalid.");
 }
 
+// Strict servers get a UUID for every TRNUID and, in 2.x, an XML declaration
+// first; nothing else changes.
+TEST_F(RequestTest, StrictServerRequestsChangeOnlyTheTRNUIDsAndTheDeclaration) {
+  const std::regex uuid("<TRNUID>[0-9a-f]{8}-[0-9a-f]{4}-4[0-9a-f]{3}-[89ab][0-9a-f]{3}-[0-9a-f]{12}");
+  Config("NewPassword=new");  // a second TRNUID
+  for (const char* version : {"102", "211"}) {
+    service_.SetOFXVersion(version);
+    const std::string plain = std::regex_replace(Build(), std::regex("\\{ID\\}"), "{U}");
+    Config("StrictServerRequests=1");
+    const std::string strict = std::regex_replace(Build(), uuid, "<TRNUID>{U}");
+    Config("StrictServerRequests=0");
+    const std::string declaration =
+        version[0] == '2' ? "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\"?>\r\n" : "";
+    EXPECT_EQ(strict, declaration + plain) << version;
+  }
+}
+
 }  // namespace
 }  // namespace orvelan
