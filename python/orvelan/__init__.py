@@ -177,10 +177,13 @@ class Component:
         self._handle: Optional[int] = None
         self._pending: Optional[BaseException] = None
         this = weakref.ref(self)
-        # The trampoline holds no strong reference, so a dropped component is
-        # still collected and destroyed.
-        self._callback = _CALLBACK(
-            lambda _user, event, count, params, lengths: (this() or _Gone)._event(event, count, params, lengths))
+
+        # Holds no strong reference, so a dropped component is still
+        # collected and destroyed.
+        def trampoline(_user: Any, event: int, count: int, params: Any, lengths: Any) -> int:
+            component = this()
+            return 0 if component is None else component._event(event, count, params, lengths)
+        self._callback = _CALLBACK(trampoline)
         self._handle = self._api.create(self._callback, None, None)
         if not self._handle:
             raise MemoryError("the component could not be created")
@@ -220,6 +223,7 @@ class Component:
     def _get(self, pid: int, kind: str, index: int = 0) -> Value:
         length = ctypes.c_int(0)
         result = self._api.get(self._live(), pid, index, ctypes.byref(length))
+        self._raise_pending()
         if kind == "bytes":
             if not result:
                 if length.value:
@@ -276,14 +280,6 @@ class Component:
         except BaseException as e:
             if self._pending is None:
                 self._pending = e
-        return 0
-
-
-class _Gone:
-    """Answers events that reach a component already collected."""
-
-    @staticmethod
-    def _event(*_: Any) -> int:
         return 0
 
 
