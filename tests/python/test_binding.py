@@ -62,17 +62,16 @@ class DownloadTest(unittest.TestCase):
             st.on_connection_status = events.append
             st.get_statement()
             self.assertEqual(len(st.transactions), 3)
-            first, last = st.transactions[0], st.transactions[-1]
             self.assertEqual(st.transactions[:], list(st.transactions))
-            self.assertNotEqual(first.fitid, last.fitid)
-            self.assertIn("<STMTTRN>", first.aggregate)
+            self.assertIn("<STMTTRN>", st.transactions[-1].aggregate)
             with self.assertRaises(AttributeError):
-                first.amount = "1.00"
+                st.transactions[0].amount = "1.00"
             with self.assertRaises(IndexError):
                 st.transactions[3]
-            self.assertTrue(st.ledger_balance)
-        self.assertTrue(events)
-        self.assertIsInstance(events[0], orvelan.ConnectionStatusEvent)
+            self.assertIsInstance(events[0], orvelan.ConnectionStatusEvent)
+            # A handler's exception cannot cross the C callback: the call raises it.
+            st.on_connection_status = lambda event: {}["from the handler"]
+            self.assertRaises(KeyError, st.get_statement)
 
     def test_untrusted_certificate_is_the_handlers_decision(self):
         for verdict, fails in [(None, True), (False, True), (True, False)]:
@@ -102,14 +101,6 @@ class DownloadTest(unittest.TestCase):
                     st.get_statement()
                 self.assertEqual(raised.exception.code, code)
                 self.assertTrue(raised.exception.text.startswith(text), raised.exception.text)
-
-    def test_handler_exception_is_raised_by_the_call(self):
-        def broken(event):
-            raise KeyError("from the handler")
-        with self.statement() as st:
-            st.on_connection_status = broken
-            with self.assertRaises(KeyError):
-                st.get_statement()
 
 
 @unittest.skipUnless(os.path.isdir(CORPUS), "no corpus directory beside the repository")
