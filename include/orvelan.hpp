@@ -105,6 +105,7 @@
  *   GetInt      int GetName()                GetIntAt   int GetName(int index)
  *   GetBool     bool GetName()               GetBoolAt  bool GetName(int index)
  *   SetText     int SetName(const char*)     SetInt     int SetName(int)
+ *   SetTextAt   int SetName(int index, const char*)
  *   Method      int Name()                   MethodText int Name(const char* text)
  * An index outside the list reads "" (or 0) with last error 432. */
 #define ORVELAN_DECLARE_MEMBER(C, kind, name, id) ORVELAN_DECLARE_##kind(name)
@@ -115,6 +116,7 @@
 #define ORVELAN_DECLARE_GetBool(name) bool Get##name();
 #define ORVELAN_DECLARE_GetBoolAt(name) bool Get##name(int index);
 #define ORVELAN_DECLARE_SetText(name) int Set##name(const char* value);
+#define ORVELAN_DECLARE_SetTextAt(name) int Set##name(int index, const char* value);
 #define ORVELAN_DECLARE_SetInt(name) int Set##name(int value);
 #define ORVELAN_DECLARE_Method(name) int name();
 #define ORVELAN_DECLARE_MethodText(name) int name(const char* text);
@@ -334,6 +336,30 @@
   X(C, SetText, ElementPath, OFXAGGREGATE_PROP_ELEMENTPATH)  \
   X(C, GetText, ElementText, OFXAGGREGATE_PROP_ELEMENTTEXT)
 
+#define ORVELAN_OFXBATCH_MEMBERS(X, C)                                             \
+  X(C, SetText, FIId, OFXBATCH_PROP_FIID)                                          \
+  X(C, SetText, FIOrganization, OFXBATCH_PROP_FIORGANIZATION)                      \
+  X(C, SetText, FIUrl, OFXBATCH_PROP_FIURL)                                        \
+  X(C, SetText, OFXAppId, OFXBATCH_PROP_OFXAPPID)                                  \
+  X(C, SetText, OFXAppVersion, OFXBATCH_PROP_OFXAPPVERSION)                        \
+  X(C, SetText, OFXPassword, OFXBATCH_PROP_OFXPASSWORD)                            \
+  X(C, SetText, OFXUser, OFXBATCH_PROP_OFXUSER)                                    \
+  X(C, GetInt, OFXBatchItemCount, OFXBATCH_PROP_OFXBATCHITEMCOUNT)                 \
+  X(C, SetInt, OFXBatchItemCount, OFXBATCH_PROP_OFXBATCHITEMCOUNT)                 \
+  X(C, GetTextAt, OFXBatchItemRequest, OFXBATCH_PROP_OFXBATCHITEMREQUEST)          \
+  X(C, SetTextAt, OFXBatchItemRequest, OFXBATCH_PROP_OFXBATCHITEMREQUEST)          \
+  X(C, GetTextAt, OFXBatchItemRequestType, OFXBATCH_PROP_OFXBATCHITEMREQUESTTYPE)  \
+  X(C, GetTextAt, OFXBatchItemRequestUId, OFXBATCH_PROP_OFXBATCHITEMREQUESTUID)    \
+  X(C, GetTextAt, OFXBatchItemResponse, OFXBATCH_PROP_OFXBATCHITEMRESPONSE)        \
+  X(C, SetInt, ProxyAuthScheme, OFXBATCH_PROP_PROXYAUTHSCHEME)                     \
+  X(C, SetText, ProxyPassword, OFXBATCH_PROP_PROXYPASSWORD)                        \
+  X(C, SetInt, ProxyPort, OFXBATCH_PROP_PROXYPORT)                                 \
+  X(C, SetText, ProxyServer, OFXBATCH_PROP_PROXYSERVER)                            \
+  X(C, SetInt, ProxySSL, OFXBATCH_PROP_PROXYSSL)                                   \
+  X(C, SetText, ProxyUser, OFXBATCH_PROP_PROXYUSER)                                \
+  X(C, Method, PostBatch, OFXBATCH_METHOD_POSTBATCH)                               \
+  X(C, Method, Reset, OFXBATCH_METHOD_RESET)
+
 ORVELAN_EVENT_RECORDS(Account)
 ORVELAN_EVENT_RECORDS(BankStatement)
 ORVELAN_EVENT_RECORDS(BankTransfer)
@@ -343,6 +369,7 @@ ORVELAN_EVENT_RECORDS(FIProfile)
 ORVELAN_EVENT_RECORDS(InvStatement)
 ORVELAN_EVENT_RECORDS(LoanStatement)
 ORVELAN_EVENT_RECORDS(OFXAggregate)
+ORVELAN_EVENT_RECORDS(OFXBatch)
 
 /* The records of the money components' own events: one text per parameter,
  * in the event's order. Type is the record's status (ADDED, MODIFIED, ...),
@@ -416,6 +443,12 @@ class ORVELAN_API OFXAggregate {
   ORVELAN_OFXAGGREGATE_MEMBERS(ORVELAN_DECLARE_MEMBER, OFXAggregate)
   // True when the path (in the document's path syntax) leads to an element.
   bool PathExists(const char* path);
+};
+
+class ORVELAN_API OFXBatch {
+  ORVELAN_WRAPPER_EVENTS(OFXBatch)
+  ORVELAN_WRAPPER_COMMON(OFXBatch)
+  ORVELAN_OFXBATCH_MEMBERS(ORVELAN_DECLARE_MEMBER, OFXBatch)
 };
 
 /* The facade's objects. Each My class accepts every server certificate, so

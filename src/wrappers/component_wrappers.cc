@@ -18,6 +18,8 @@ namespace w = orvelan::wrappers;
   bool C::Get##name(int index) { return w::Integer(C##_Get, component_, id, index) != 0; }
 #define ORVELAN_DEFINE_SetText(C, name, id) \
   int C::Set##name(const char* value) { return w::SetText(C##_Set, component_, id, value); }
+#define ORVELAN_DEFINE_SetTextAt(C, name, id) \
+  int C::Set##name(int index, const char* value) { return C##_Set(component_, id, index, value, 0); }
 #define ORVELAN_DEFINE_SetInt(C, name, id) \
   int C::Set##name(int value) { return w::SetInteger(C##_Set, component_, id, value); }
 #define ORVELAN_DEFINE_Method(C, name, id) \
@@ -53,6 +55,7 @@ ORVELAN_DEFINE_WRAPPER(FIProfile, FIPROFILE)
 ORVELAN_DEFINE_WRAPPER(InvStatement, INVSTATEMENT)
 ORVELAN_DEFINE_WRAPPER(LoanStatement, LOANSTATEMENT)
 ORVELAN_DEFINE_WRAPPER(OFXAggregate, OFXAGGREGATE)
+ORVELAN_DEFINE_WRAPPER(OFXBatch, OFXBATCH)
 
 int BankTransfer::FireSyncTransfers(BankTransferSyncTransfersEventParams*) { return 0; }
 int BillPayment::FireSyncPayees(BillPaymentSyncPayeesEventParams*) { return 0; }

@@ -216,6 +216,15 @@ TEST(WrapperTest, OwnEventsAndConfigAnswers) {
   EXPECT_EQ(payees.GetSyncPayeeCount(), 1);
   EXPECT_STREQ(payees.GetSyncPayeePostalCode(0), "10001");
   EXPECT_STREQ(payees.GetSyncPayeeName(1), "");
+
+  // An indexed setter: the item takes the request, one past the end is refused.
+  OFXBatch batch;
+  ASSERT_EQ(batch.SetOFXBatchItemCount(1), 0);
+  const char* request = "<STMTTRNRQ><TRNUID>u-1<STMTRQ><BANKACCTFROM><BANKID>1<ACCTID>2<ACCTTYPE>CHECKING"
+                        "</BANKACCTFROM></STMTRQ></STMTTRNRQ>";
+  EXPECT_EQ(batch.SetOFXBatchItemRequest(0, request), 0) << batch.GetLastError();
+  EXPECT_STREQ(batch.GetOFXBatchItemRequestUId(0), "u-1");
+  EXPECT_EQ(batch.SetOFXBatchItemRequest(1, request), 432);
 }
 
 }  // namespace
