@@ -43,7 +43,6 @@ int InvStatementService::ClearResponse() {
   marketing_info_.Clear();
   statement_date_.Clear();
   for (ByteString& balance : cash_balances_) balance.Assign("0");
-  balances_received_ = 0;
   transactions_.Clear();
   positions_.Clear();
   open_orders_.Clear();
@@ -117,7 +116,6 @@ int InvStatementService::ReadBalanceAggregate(MarkupDocument& doc) {
   for (int b = 0; b < kCashBalanceCount; ++b) {
     // BUYPOWER alone is optional; an absent one reads as an empty amount.
     if (int rc = ReadResponseValue(cash_balances_[b], doc, kPaths[b], b != kBuyingPower); rc != kOk) return rc;
-    balances_received_ |= static_cast<uint8_t>(1u << b);
   }
   if (int rc = Select(doc, ".."); rc != kOk) return rc;
   if (doc.SelectPathIfPresent("BALLIST")) {

@@ -155,7 +155,6 @@ class InvStatementService : public StatementServiceBase {
   enum CashBalanceKind { kAvailableCash, kMarginBalance, kShortBalance, kBuyingPower, kCashBalanceCount };
 
   const char* CashBalance(CashBalanceKind b) {
-    if ((balances_received_ & (1u << b)) == 0) return cash_balances_[b].Data();
     return ShowAmount(shown_cash_balances_[b], cash_balances_[b].View());
   }
   static int Store(int32_t& flag, int32_t value) {
@@ -187,7 +186,6 @@ class InvStatementService : public StatementServiceBase {
   ByteString marketing_info_;
   ByteString statement_date_;
   ByteString cash_balances_[kCashBalanceCount];
-  uint8_t balances_received_ = 0;  // one bit per CashBalanceKind
   RecordList<InvestmentTransaction> transactions_;
   RecordList<InvestmentPosition> positions_;
   RecordList<OpenOrder> open_orders_;
