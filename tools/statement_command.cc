@@ -173,6 +173,31 @@ class Sequence {
   int count_ = 0;
 };
 
+// OFX 1.x leaves a value's end tag out; the aggregate reader wants it, so it
+// is written in after each value that lacks one.
+std::string WithLeafEndTags(const std::string& sgml) {
+  std::string out;
+  out.reserve(sgml.size() + sgml.size() / 4);
+  size_t at = 0;
+  while (at < sgml.size()) {
+    const size_t open = sgml.find('<', at);
+    const size_t close = open == std::string::npos ? std::string::npos : sgml.find('>', open);
+    if (close == std::string::npos) break;
+    out.append(sgml, at, close + 1 - at);
+    at = close + 1;
+    const std::string name = sgml.substr(open + 1, close - open - 1);
+    if (name.empty() || name[0] == '/' || name[0] == '?' || name[0] == '!') continue;
+    const size_t next = sgml.find('<', at);
+    const std::string text = sgml.substr(at, next == std::string::npos ? std::string::npos : next - at);
+    const size_t end = text.find_last_not_of(" \t\r\n");
+    if (end == std::string::npos || next == std::string::npos || sgml.compare(next, name.size() + 3, "</" + name + ">") == 0) continue;
+    out.append(text, 0, end + 1).append("</" + name + ">").append(text, end + 1, std::string::npos);
+    at += text.size();
+  }
+  out.append(sgml, std::min(at, sgml.size()), std::string::npos);
+  return out;
+}
+
 Format FormatOf(const Args& args) {
   Format format = Format::kTable;
   ParseFormat(args.Get("format").empty() ? "table" : args.Get("format"), &format);
@@ -408,6 +433,7 @@ int RunAggregateCommand(Cli& cli, int argc, char** argv, int first) {
   }
   // The aggregate is the markup alone, without the header before it.
   if (const size_t body = document.find("<OFX>"); body != std::string::npos) document.erase(0, body);
+  document = WithLeafEndTags(document);
   static const Component kAggregate = {ORVELAN_ENTRY_POINTS(OFXAggregate), OFXAGGREGATE_METHOD_CONFIG};
   Session session(cli, kAggregate);
   if (session.SetText(OFXAGGREGATE_PROP_AGGREGATE, document, "Aggregate") != 0) return 1;
