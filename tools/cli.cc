@@ -464,8 +464,11 @@ int Session::OnEvent(void* self, int event_id, int count, void** params, int* le
     case ORVELAN_EVENT_CONNECTION_STATUS:
       // The description is the whole exchange, password included: its size only.
       if (verbose && count >= 3) {
-        std::fprintf(stderr, "%s: connection: %s %ld (%zu bytes)\n", name, EventText(params, 0),
-                     static_cast<long>(reinterpret_cast<intptr_t>(params[1])), std::strlen(EventText(params, 2)));
+        const long status = static_cast<long>(reinterpret_cast<intptr_t>(params[1]));
+        const size_t bytes = std::strlen(EventText(params, 2));
+        std::fprintf(stderr, "%s: connection: %s", name, EventText(params, 0));
+        if (status != 0) std::fprintf(stderr, " (status %ld)", status);
+        std::fprintf(stderr, bytes != 0 ? " (%zu bytes)\n" : "\n", bytes);
       }
       break;
     case ORVELAN_EVENT_SSL_STATUS:
