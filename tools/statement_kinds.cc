@@ -9,8 +9,6 @@ const char* const kLoanTypes[] = {"auto",     "consumer", "mortgage", "commercia
 
 }  // namespace
 
-#define ORVELAN_ENTRY_POINTS(C) C##_Create, C##_Destroy, C##_Get, C##_Set, C##_Do, C##_GetLastError, C##_GetLastErrorCode
-
 // The columns every kind shares first: the table prints these five and the memo.
 #define ORVELAN_TX_COLUMNS(P)                                                                               \
   {"Posted", "date_posted", P##_PROP_TXDATEPOSTED, false}, {"Type", "type", P##_PROP_TXTYPEDESCRIPTION, false}, \
@@ -29,7 +27,7 @@ const char* const kLoanTypes[] = {"auto",     "consumer", "mortgage", "commercia
 
 const StatementKind kBankStatement = {
     "bank",
-    ORVELAN_ENTRY_POINTS(BankStatement),
+    ORVELAN_COMPONENT(BankStatement, BANKSTATEMENT),
     {"Account", "account_id", BANKSTATEMENT_PROP_ACCOUNTID, false},
     BANKSTATEMENT_PROP_ACCOUNTTYPE,
     kBankTypes,
@@ -49,23 +47,13 @@ const StatementKind kBankStatement = {
      {"Total debits", "total_debits", BANKSTATEMENT_PROP_CLOSINGINFOTOTALDEBITS, true},
      {"Total fees", "total_fees", BANKSTATEMENT_PROP_CLOSINGINFOTOTALFEES, true},
      {"Total interest", "total_interest", BANKSTATEMENT_PROP_CLOSINGINFOTOTALINTEREST, true}},
-    BANKSTATEMENT_PROP_FIURL,
-    BANKSTATEMENT_PROP_FIORGANIZATION,
-    BANKSTATEMENT_PROP_FIID,
-    BANKSTATEMENT_PROP_OFXUSER,
-    BANKSTATEMENT_PROP_OFXPASSWORD,
-    BANKSTATEMENT_PROP_OFXAPPID,
-    BANKSTATEMENT_PROP_OFXAPPVERSION,
-    BANKSTATEMENT_PROP_OFXVERSION,
     BANKSTATEMENT_PROP_BANKID,
-    BANKSTATEMENT_PROP_TIMEOUT,
-    BANKSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED,
     nullptr,
 };
 
 const StatementKind kCardStatement = {
     "card",
-    ORVELAN_ENTRY_POINTS(CCStatement),
+    ORVELAN_COMPONENT(CCStatement, CCSTATEMENT),
     {"Card", "card_number", CCSTATEMENT_PROP_CARDNUMBER, false},
     0,
     nullptr,
@@ -87,23 +75,13 @@ const StatementKind kCardStatement = {
      {"Total credits", "total_credits", CCSTATEMENT_PROP_CLOSINGINFOTOTALCREDITS, true},
      {"Total debits", "total_debits", CCSTATEMENT_PROP_CLOSINGINFOTOTALDEBITS, true},
      {"Total fees", "total_fees", CCSTATEMENT_PROP_CLOSINGINFOTOTALFEES, true}},
-    CCSTATEMENT_PROP_FIURL,
-    CCSTATEMENT_PROP_FIORGANIZATION,
-    CCSTATEMENT_PROP_FIID,
-    CCSTATEMENT_PROP_OFXUSER,
-    CCSTATEMENT_PROP_OFXPASSWORD,
-    CCSTATEMENT_PROP_OFXAPPID,
-    CCSTATEMENT_PROP_OFXAPPVERSION,
-    CCSTATEMENT_PROP_OFXVERSION,
     0,
-    CCSTATEMENT_PROP_TIMEOUT,
-    CCSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED,
     nullptr,
 };
 
 const StatementKind kLoanStatement = {
     "loan",
-    ORVELAN_ENTRY_POINTS(LoanStatement),
+    ORVELAN_COMPONENT(LoanStatement, LOANSTATEMENT),
     {"Account", "account_id", LOANSTATEMENT_PROP_ACCOUNTID, false},
     LOANSTATEMENT_PROP_ACCOUNTTYPE,
     kLoanTypes,
@@ -127,17 +105,7 @@ const StatementKind kLoanStatement = {
      {"Opening balance", "balance_open", LOANSTATEMENT_PROP_CLOSINGINFOBALANCEOPEN, true},
      {"Payment due", "payment_due", LOANSTATEMENT_PROP_CLOSINGINFOPAYMENTDUE, true},
      {"Total interest", "total_interest", LOANSTATEMENT_PROP_CLOSINGINFOTOTALINTEREST, true}},
-    LOANSTATEMENT_PROP_FIURL,
-    LOANSTATEMENT_PROP_FIORGANIZATION,
-    LOANSTATEMENT_PROP_FIID,
-    LOANSTATEMENT_PROP_OFXUSER,
-    LOANSTATEMENT_PROP_OFXPASSWORD,
-    LOANSTATEMENT_PROP_OFXAPPID,
-    LOANSTATEMENT_PROP_OFXAPPVERSION,
-    LOANSTATEMENT_PROP_OFXVERSION,
     0,
-    LOANSTATEMENT_PROP_TIMEOUT,
-    LOANSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED,
     nullptr,
 };
 
@@ -168,7 +136,7 @@ const StatementKind::Holdings kInvHoldings = {
 // security instead.
 const StatementKind kInvStatement = {
     "investment",
-    ORVELAN_ENTRY_POINTS(InvStatement),
+    ORVELAN_COMPONENT(InvStatement, INVSTATEMENT),
     {"Account", "account_id", INVSTATEMENT_PROP_ACCOUNTID, false},
     0,
     nullptr,
@@ -194,16 +162,6 @@ const StatementKind kInvStatement = {
     INVSTATEMENT_PROP_CLOSINGINFOCOUNT,
     {{"FITID", "fitid", INVSTATEMENT_PROP_CLOSINGINFOFITID, false},
      {"Image", "image_ref", INVSTATEMENT_PROP_CLOSINGINFOIMAGEREF, false}},
-    INVSTATEMENT_PROP_FIURL,
-    INVSTATEMENT_PROP_FIORGANIZATION,
-    INVSTATEMENT_PROP_FIID,
-    INVSTATEMENT_PROP_OFXUSER,
-    INVSTATEMENT_PROP_OFXPASSWORD,
-    INVSTATEMENT_PROP_OFXAPPID,
-    INVSTATEMENT_PROP_OFXAPPVERSION,
-    INVSTATEMENT_PROP_OFXVERSION,
     INVSTATEMENT_PROP_BROKERID,
-    INVSTATEMENT_PROP_TIMEOUT,
-    INVSTATEMENT_PROP_SSLACCEPTSERVERCERTENCODED,
     &kInvHoldings,
 };

@@ -1,5 +1,6 @@
 #include "statement_printer.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <map>
@@ -12,12 +13,12 @@ using Field = StatementKind::Field;
 std::string Text(const StatementKind& kind, void* st, int id, int index = 0) {
   if (id == 0) return std::string();
   int length = 0;
-  const char* text = static_cast<const char*>(kind.get(st, id, index, &length));
+  const char* text = static_cast<const char*>(kind.component.get(st, id, index, &length));
   return text == nullptr ? std::string() : std::string(text);
 }
 
 long Integer(const StatementKind& kind, void* st, int id) {
-  return static_cast<long>(reinterpret_cast<intptr_t>(kind.get(st, id, 0, nullptr)));
+  return static_cast<long>(reinterpret_cast<intptr_t>(kind.component.get(st, id, 0, nullptr)));
 }
 
 std::string Amount(const StatementKind& kind, void* st, int id, int index = 0) {
@@ -122,25 +123,11 @@ void PutJsonRecords(const Field* columns, const Rows& rows, std::FILE* out) {
 
 }  // namespace
 
-bool StatementPrinter::ParseFormat(const char* name, Format* format) {
-  static const struct {
-    const char* name;
-    Format format;
-  } kFormats[] = {{"table", Format::kTable}, {"csv", Format::kCsv}, {"json", Format::kJson}};
-  for (const auto& entry : kFormats) {
-    if (std::strcmp(name, entry.name) == 0) {
-      *format = entry.format;
-      return true;
-    }
-  }
-  return false;
-}
-
-void StatementPrinter::Print(void* statement, std::FILE* out) const {
+void StatementPrinter::Print(void* statement, std::FILE* out, const char* json_kind) const {
   switch (format_) {
     case Format::kTable: PrintTable(statement, out); break;
     case Format::kCsv: PrintCsv(statement, out); break;
-    case Format::kJson: PrintJson(statement, out); break;
+    case Format::kJson: PrintJson(statement, out, json_kind); break;
   }
 }
 
@@ -234,7 +221,7 @@ void StatementPrinter::PrintCsv(void* st, std::FILE* out) const {
   table(kind_.holdings->sec_count_id, kind_.holdings->sec_columns);
 }
 
-void StatementPrinter::PrintJson(void* st, std::FILE* out) const {
+void StatementPrinter::PrintJson(void* st, std::FILE* out, const char* json_kind) const {
   const StatementKind& k = kind_;
   auto member = [out](const char* name, const std::string& value) {
     std::fprintf(out, "  \"%s\": ", name);
@@ -242,6 +229,7 @@ void StatementPrinter::PrintJson(void* st, std::FILE* out) const {
     std::fputs(",\n", out);
   };
   std::fputs("{\n", out);
+  if (json_kind != nullptr) member("kind", json_kind);
   member(k.account.name, Text(k, st, k.account.id));
   if (k.account_type_id != 0) member("account_type", AccountTypeName(k, st));
   member("currency", Text(k, st, k.currency_id));
@@ -263,4 +251,71 @@ void StatementPrinter::PrintJson(void* st, std::FILE* out) const {
     PutJsonRecords(k.holdings->sec_columns, ReadRows(k, st, k.holdings->sec_count_id, k.holdings->sec_columns), out);
   }
   std::fputs("\n}\n", out);
+}
+
+void PrintSections(const Component& component, void* handle, const std::vector<Section>& sections,
+                   const std::string& answer, Format format, std::FILE* out, const char* json_kind) {
+  const auto value = [&](const Column& column, int row) -> std::string {
+    if (column.kind == Column::Kind::kAnswer) return answer;
+    void* v = component.get(handle, column.id, row, nullptr);
+    if (column.kind == Column::Kind::kInt) return std::to_string(static_cast<long>(reinterpret_cast<intptr_t>(v)));
+    return v == nullptr ? "" : static_cast<const char*>(v);
+  };
+  // CSV quotes every field, so that a spreadsheet keeps ids such as "00012" as text.
+  const auto put_quoted = [out](const std::string& text, bool json) {
+    if (json) return PutJsonString(text, out);
+    std::fputc('"', out);
+    for (char c : text) {
+      if (c == '"') std::fputc('"', out);
+      std::fputc(c, out);
+    }
+    std::fputc('"', out);
+  };
+  size_t width = 0;
+  for (const Section& section : sections) {
+    for (const Column& column : section.columns) width = std::max(width, std::strlen(column.name) + 1);
+  }
+  if (format == Format::kJson) {
+    std::fputc('{', out);
+    if (json_kind != nullptr) std::fprintf(out, "\n  \"kind\": \"%s\",", json_kind);
+  }
+  for (size_t s = 0; s < sections.size(); ++s) {
+    const Section& section = sections[s];
+    const bool list = section.count_id != 0;
+    const int rows = list ? static_cast<int>(reinterpret_cast<intptr_t>(component.get(handle, section.count_id, 0, nullptr))) : 1;
+    if (format == Format::kJson) {
+      std::fprintf(out, "%s\n  \"%s\": %s", s == 0 ? "" : ",", section.name, list ? "[" : "");
+    } else {
+      std::fprintf(out, "%s%s\n", s == 0 ? "" : "\n", section.name);
+    }
+    if (format == Format::kCsv) {
+      for (size_t i = 0; i < section.columns.size(); ++i) std::fprintf(out, "%s%s", i ? "," : "", section.columns[i].name);
+      std::fputc('\n', out);
+    }
+    for (int row = 0; row < rows; ++row) {
+      if (format == Format::kJson) std::fputs(row == 0 ? "{" : ", {", out);
+      for (size_t i = 0; i < section.columns.size(); ++i) {
+        const Column& column = section.columns[i];
+        const std::string text = value(column, row);
+        if (format == Format::kTable) {
+          std::fprintf(out, "  %-*s %s\n", static_cast<int>(width), column.name, text.c_str());
+        } else if (format == Format::kCsv) {
+          if (i > 0) std::fputc(',', out);
+          put_quoted(text, false);
+        } else {
+          std::fprintf(out, "%s\"%s\": ", i ? ", " : "", column.name);
+          if (column.kind == Column::Kind::kInt) {
+            std::fputs(text.c_str(), out);
+          } else {
+            put_quoted(text, true);
+          }
+        }
+      }
+      if (format == Format::kJson) std::fputc('}', out);
+      if (format == Format::kCsv) std::fputc('\n', out);
+      if (format == Format::kTable && row + 1 < rows) std::fputs("  --\n", out);
+    }
+    if (format == Format::kJson && list) std::fputc(']', out);
+  }
+  std::fputs(format == Format::kJson ? "\n}\n" : "\n", out);
 }

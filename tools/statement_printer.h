@@ -1,8 +1,11 @@
 #pragma once
 #include <cstdio>
 #include <string>
+#include <vector>
 
-#include "orvelan.h"
+#include "component.h"
+
+enum class Format { kTable, kCsv, kJson };
 
 // What the printer needs to know of one statement component: its entry
 // points and the ids of the properties it shows. The bank, card and loan
@@ -16,14 +19,8 @@ struct StatementKind {
     bool amount;
   };
 
-  const char* name;  // "bank", "card", "loan"
-  void* (*create)(EventCallback, void*, char*);
-  int (*destroy)(void*);
-  void* (*get)(void*, int, int, int*);
-  int (*set)(void*, int, int, const void*, int);
-  int (*run)(void*, int, int, void**, int*);
-  const char* (*last_error)(void*);
-  int (*last_error_code)(void*);
+  const char* name;  // "bank", "card", "loan", "investment"
+  Component component;
 
   // The account line: its id and, where the component has one, its type.
   Field account;
@@ -45,9 +42,7 @@ struct StatementKind {
   int closing_count_id;
   Field closing_columns[16];
 
-  // Download inputs, by the component's ids (0: the component has none).
-  int fi_url_id, fi_organization_id, fi_id_id, ofx_user_id, ofx_password_id, ofx_app_id_id, ofx_app_version_id,
-      ofx_version_id, bank_id_id, timeout_id, ssl_accept_server_cert_id;
+  int bank_id_id;  // the bank or broker id of a download; 0 for none
 
   // What an investment account holds besides its transactions; null for the
   // others. Each list's first column is the security id, which the table
@@ -78,22 +73,41 @@ extern const StatementKind kInvStatement;
 // fraction gains its leading zero (".50" prints as "0.50").
 class StatementPrinter {
  public:
-  enum class Format { kTable, kCsv, kJson };
+  using Format = ::Format;
 
   StatementPrinter(const StatementKind& kind, Format format) : kind_(kind), format_(format) {}
 
-  // Reads "table", "csv" or "json"; false for anything else.
-  static bool ParseFormat(const char* name, Format* format);
-
-  // `statement` is a handle from `kind.create`.
-  void Print(void* statement, std::FILE* out) const;
+  // `statement` is a handle from `kind.component.create`. A `json_kind`
+  // becomes the JSON object's first member, "kind".
+  void Print(void* statement, std::FILE* out, const char* json_kind = nullptr) const;
 
  private:
   void PrintTable(void* statement, std::FILE* out) const;
   void PrintCsv(void* statement, std::FILE* out) const;
-  void PrintJson(void* statement, std::FILE* out) const;
+  void PrintJson(void* statement, std::FILE* out, const char* json_kind) const;
   void PrintHoldingsTable(void* statement, std::FILE* out) const;
 
   const StatementKind& kind_;
   Format format_;
 };
+
+// The other components' results, for the printer of record sections: a
+// section is one row of plain properties or one row per item of an indexed
+// list, each column a property.
+struct Column {
+  enum class Kind { kText, kInt, kAnswer };  // kAnswer: the method's answer, not a property
+  const char* name;
+  int id;
+  Kind kind = Kind::kText;
+};
+struct Section {
+  const char* name;
+  int count_id;  // 0: one row of the plain properties
+  std::vector<Column> columns;
+};
+
+// Prints the sections: in a table, "name value" lines; in CSV, a header and
+// quoted fields per section; in JSON, one object with a member per section.
+// `answer` fills the kAnswer columns.
+void PrintSections(const Component& component, void* handle, const std::vector<Section>& sections,
+                   const std::string& answer, Format format, std::FILE* out, const char* json_kind = nullptr);

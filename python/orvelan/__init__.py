@@ -187,6 +187,8 @@ class Component:
         self._handle = self._api.create(self._callback, None, None)
         if not self._handle:
             raise MemoryError("the component could not be created")
+        # Files as banks send them open by default; config("LenientReading=False") restores the strict rules.
+        if type(self).__name__ != "OFXAggregate": self.config("LenientReading=True")
         for name, value in properties.items():
             setattr(self, name, value)
 

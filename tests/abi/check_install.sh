@@ -18,6 +18,8 @@ lib=$(find "$prefix" -name 'liborvelan.so.3' | head -1)
 libdir=$(dirname "$lib")
 [ -L "$libdir/liborvelan.so" ] || fail "no development link liborvelan.so"
 [ -f "$prefix/include/orvelan.h" ] || fail "no orvelan.h installed"
+[ -x "$prefix/bin/orvelan" ] && [ -L "$prefix/bin/orvelan-statement" ] || fail "no orvelan tool with its older names"
+LD_LIBRARY_PATH=$libdir "$prefix/bin/orvelan-statement" "$statement" >/dev/null || fail "the installed orvelan-statement"
 
 command -v pkg-config >/dev/null || fail "pkg-config is not installed"
 flags=$(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs orvelan) || fail "pkg-config does not know orvelan"
