@@ -1,16 +1,23 @@
 #!/usr/bin/env python3
 """HTTP answers real servers will not give on purpose, for the client's tests.
 
-Usage: fault_server.py PORT
+Usage: fault_server.py PORT [--tls PORT CERT KEY]... [--silent PORT] [--unaccepted PORT]
 
 Listens on 127.0.0.1:PORT until killed. Each connection's request is read
 (head and Content-Length body) and answered by the fault its path names;
 a connection that sends nothing (a readiness probe) is simply closed.
+--tls serves the same faults over TLS with the given certificate; --silent
+accepts and never writes (a stalled TLS handshake); --unaccepted never
+accepts and keeps its accept queue full, so connecting there stalls.
 Python 3 standard library only.
 """
+import gzip
+import socket
 import socketserver
+import ssl
 import struct
 import sys
+import threading
 import zlib
 
 OK = b"HTTP/1.1 200 OK\r\n"
@@ -43,7 +50,39 @@ def bomb(conn):
     conn.sendall(OK + b"Content-Encoding: gzip\r\nContent-Length: %d\r\n\r\n" % len(body) + body)
 
 
-FAULTS = {"/flood": flood, "/gzip-bomb": bomb}
+def hold(conn):
+    """Keeps the connection until the client gives up."""
+    try:
+        while conn.recv(4096):
+            pass
+    except OSError:
+        pass
+
+
+def answer(head, body=b"", then=None):
+    def fault(conn):
+        conn.sendall(head + body)
+        if then:
+            then(conn)
+    return fault
+
+
+PACKED = gzip.compress(b"<OFX>" + b"x" * 4000 + b"</OFX>")
+GZIP = b"Content-Encoding: gzip\r\n"
+
+FAULTS = {
+    "/flood": flood,
+    "/gzip-bomb": bomb,
+    "/ok": answer(OK + b"Content-Length: 2\r\n\r\nok"),
+    "/stall-status": hold,
+    "/stall-headers": answer(OK + b"Content-Type: text/plain\r\n", then=hold),
+    "/stall-body": answer(OK + b"Content-Length: 10\r\n\r\nabc", then=hold),
+    "/cut-chunk": answer(OK + b"Transfer-Encoding: chunked\r\n\r\n3\r\nabc\r\na\r\nde"),
+    "/gzip-truncated": answer(OK + GZIP + b"\r\n", PACKED[: len(PACKED) // 2]),
+    "/gzip-corrupt": answer(OK + GZIP + b"\r\n", PACKED[:10] + b"\xff" * 64),
+    "/long-header": answer(OK + b"X-Long: " + b"y" * (1 << 20) + b"\r\nContent-Length: 2\r\n\r\nok"),
+    "/many-headers": answer(OK + b"".join(b"X-H%d: v\r\n" % i for i in range(10000)) + b"Content-Length: 2\r\n\r\nok"),
+}
 
 
 class Handler(socketserver.StreamRequestHandler):
@@ -65,11 +104,53 @@ class Handler(socketserver.StreamRequestHandler):
             fault(self.request)
 
 
+class TlsHandler(Handler):
+    def setup(self):
+        self.request = self.server.context.wrap_socket(self.request, server_side=True)
+        super().setup()
+
+
+class SilentHandler(socketserver.BaseRequestHandler):
+    def handle(self):
+        hold(self.request)
+
+
 class Server(socketserver.ThreadingTCPServer):
     allow_reuse_address = True
     daemon_threads = True
 
+    def handle_error(self, request, client_address):
+        pass  # a client refusing the certificate, or leaving mid-answer: the client's test reports it
+
+
+def unaccepted(port):
+    listener = socket.create_server(("127.0.0.1", port), backlog=0)
+    fillers = []
+    for _ in range(2):  # the first fills the queue, the second waits for room
+        filler = socket.socket()
+        filler.setblocking(False)
+        filler.connect_ex(("127.0.0.1", port))
+        fillers.append(filler)
+    threading.Event().wait()  # holds listener and fillers
+
+
+def main(args):
+    servers = [Server(("127.0.0.1", int(args.pop(0))), Handler)]
+    while args:
+        option, port = args.pop(0), int(args.pop(0))
+        if option == "--tls":
+            server = Server(("127.0.0.1", port), TlsHandler)
+            server.context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+            server.context.load_cert_chain(args.pop(0), args.pop(0))
+            servers.append(server)
+        elif option == "--silent":
+            servers.append(Server(("127.0.0.1", port), SilentHandler))
+        elif option == "--unaccepted":
+            threading.Thread(target=unaccepted, args=(port,), daemon=True).start()
+    for server in servers[1:]:
+        threading.Thread(target=server.serve_forever, daemon=True).start()
+    servers[0].serve_forever()
+
 
 if __name__ == "__main__":
-    with Server(("127.0.0.1", int(sys.argv[1])), Handler) as server:
-        server.serve_forever()
+    main(sys.argv[1:])

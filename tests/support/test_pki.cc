@@ -49,6 +49,8 @@ TestPki::TestPki() {
               ".csr -CA ca.pem -CAkey ca.key -CAcreateserial -days " + c.days +
               (c.ext.empty() ? "" : " -extfile " + c.ext + ".ext") + " -out " + c.name + ".pem";
   }
+  script += " && openssl req -x509 -newkey rsa:2048 -nodes -keyout selfsigned.key -out selfsigned.pem -days 30 "
+            "-subj '/CN=localhost' -addext 'subjectAltName=IP:127.0.0.1'";
   ok_ = RunQuietly(script + " && cat client.key client.pem > client_both.pem && openssl pkcs12 -export "
                             "-inkey client.key -in client.pem -passout pass:secret -out client.p12");
 }

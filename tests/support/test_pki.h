@@ -5,7 +5,7 @@ namespace orvelan {
 
 // Test certificates made with the openssl command line in a fresh temporary
 // directory: a CA, a server certificate for 127.0.0.1/localhost signed by it,
-// an expired one, one for another host, and a client certificate with its
+// an expired one, one for another host, a self-signed one, and a client certificate with its
 // key as PEM and PKCS#12 (password "secret"). Made once per process; the
 // directory is removed at exit. ok() is false when openssl is missing.
 class TestPki {

@@ -1,0 +1,24 @@
+#pragma once
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+namespace orvelan {
+
+// The long runs (ORVELAN_LONG=1, `make test-long`) take full size; every
+// other run a scaled-down variant.
+inline bool LongRun() {
+  const char* value = std::getenv("ORVELAN_LONG");
+  return value != nullptr && std::string(value) == "1";
+}
+
+// A field of /proc/self/status, in KiB.
+inline long StatusKiB(const std::string& field) {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.compare(0, field.size(), field) == 0) return std::stol(line.substr(field.size()));
+  }
+  return -1;
+}
+
+}  // namespace orvelan
