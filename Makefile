@@ -21,10 +21,10 @@ build:
 
 demo:
 	@$(call configure,$(BUILD_DIR),build,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
-	@cmake --build $(BUILD_DIR) -j $(JOBS) --target orvelan-demo orvelan-wrapper-example
+	@cmake --build $(BUILD_DIR) -j $(JOBS) --target orvelan-demo orvelan-cpp-example
 	@$(BUILD_DIR)/examples/orvelan-demo
-	@echo "== The same file through the C++ wrapper (examples/wrapper_host.cc)"
-	@$(BUILD_DIR)/examples/orvelan-wrapper-example examples/statement.ofx
+	@echo "== The same file through the C++ wrapper (examples/cpp_host.cc)"
+	@$(BUILD_DIR)/examples/orvelan-cpp-example examples/statement.ofx
 
 # The library, headers, pkg-config file and CMake package under PREFIX, staged
 # under DESTDIR when it is set.
