@@ -8,7 +8,7 @@ set -euo pipefail
 
 build=(build-essential cmake g++ libssl-dev zlib1g-dev openssl python3)
 test=(googletest libgtest-dev libgmock-dev binutils locales nginx-light curl dante-server tinyproxy microsocks
-      libpugixml-dev pkgconf)
+      libpugixml-dev pkgconf groff-base)
 bench=(libbenchmark-dev libpugixml-dev)
 fuzz=(clang libclang-rt-14-dev)
 

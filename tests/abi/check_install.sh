@@ -18,6 +18,7 @@ lib=$(find "$prefix" -name 'liborvelan.so.3' | head -1)
 libdir=$(dirname "$lib")
 [ -L "$libdir/liborvelan.so" ] || fail "no development link liborvelan.so"
 [ -f "$prefix/include/orvelan.h" ] || fail "no orvelan.h installed"
+[ -f "$prefix/share/man/man1/orvelan.1" ] || fail "no manual page installed"
 
 command -v pkg-config >/dev/null || fail "pkg-config is not installed"
 flags=$(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs orvelan) || fail "pkg-config does not know orvelan"
