@@ -11,7 +11,7 @@ PREFIX ?= /usr/local
 # $(call configure,DIR,PACKAGE SETS,CMAKE ARGUMENTS)
 configure = tools/install-deps.sh $(2) && cmake -S . -B $(1) $(3) $(CMAKE_FLAGS) >/dev/null
 
-.PHONY: all build demo install test test-asan fuzz fuzz-ci bench clean
+.PHONY: all build demo install test test-asan fuzz fuzz-ci bench docs clean
 
 all: build
 
@@ -69,6 +69,15 @@ bench:
 	@$(call configure,$(BUILD_DIR),bench,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
 	@cmake --build $(BUILD_DIR) -j $(JOBS)
 	@for b in $(BUILD_DIR)/bench/*_bench $(BUILD_DIR)/bench/*_timing; do echo "== $$b"; $$b; done
+
+# The API reference from the public headers' comments, in $(BUILD_DIR)/docs/html;
+# a Doxygen warning fails it (docs/Doxyfile).
+docs:
+	@tools/install-deps.sh docs
+	@mkdir -p $(BUILD_DIR)/docs
+	@(cat docs/Doxyfile; echo "OUTPUT_DIRECTORY = $(BUILD_DIR)/docs"; \
+		sed -n 's/^project(orvelan VERSION \([0-9.]*\).*/PROJECT_NUMBER = \1/p' CMakeLists.txt) | doxygen -
+	@echo "API reference: $(BUILD_DIR)/docs/html/index.html"
 
 clean:
 	rm -rf $(BUILD_DIR) $(ASAN_DIR) $(FUZZ_DIR)

@@ -1,30 +1,25 @@
 #!/bin/sh
-# A README example as a reader meets it: README.md must quote FILE unchanged
-# (the fenced block after the line `<!-- FILE -->`), and COMMAND, run from the
-# source directory with the sandbox bank's URL and certificate appended, must
-# succeed and print EXPECTED.
-#   check_example.sh SOURCE_DIR FILE TESTBANK EXPECTED COMMAND...
-source_dir=$1 file=$2 bank=$3 expected=$4
+# A README example as a reader meets it: README.md quotes FILE unchanged (the
+# fenced block after the line `<!-- FILE -->`), and COMMAND, run from the
+# source directory with the sandbox bank's URL and certificate appended,
+# succeeds and prints EXPECTED.
+#   check_example.sh SOURCE_DIR TESTBANK FILE EXPECTED COMMAND...
+source_dir=$1 bank=$2 file=$3 expected=$4
 shift 4
 scratch=$(mktemp -d)
-bank_pid=
 trap '[ -n "$bank_pid" ] && kill "$bank_pid"; rm -rf "$scratch"' EXIT
 fail() { echo "FAIL: $*"; exit 1; }
 
 awk -v marker="<!-- $file -->" '$0 == marker { found = 1; next }
-  found && /^```/ { if (inside) exit; inside = 1; next }
-  inside' "$source_dir/README.md" >"$scratch/quoted"
+  found && /^```/ { if (inside) exit; inside = 1; next } inside' "$source_dir/README.md" >"$scratch/quoted"
 diff -u "$source_dir/$file" "$scratch/quoted" || fail "README.md does not quote $file as it is"
 
 "$bank" --tls --cert-out "$scratch/bank.pem" --port-file "$scratch/port" >/dev/null 2>&1 &
 bank_pid=$!
-for _ in $(seq 100); do
-  [ "$(wc -l 2>/dev/null <"$scratch/port")" = 1 ] && break
-  sleep 0.1
-done
+for _ in $(seq 100); do [ "$(wc -l 2>/dev/null <"$scratch/port")" = 1 ] && break; sleep 0.1; done
 [ -s "$scratch/port" ] || fail "orvelan-testbank did not start"
-url="https://127.0.0.1:$(cat "$scratch/port")/ofx"
-(cd "$source_dir" && ORVELAN_PASSWORD=secret "$@" "$url" "$scratch/bank.pem") >"$scratch/out" 2>&1
+(cd "$source_dir" && ORVELAN_PASSWORD=secret "$@" "https://127.0.0.1:$(cat "$scratch/port")/ofx" "$scratch/bank.pem") \
+  >"$scratch/out" 2>&1
 status=$?
 cat "$scratch/out"
 [ "$status" -eq 0 ] || fail "exited $status"
