@@ -11,7 +11,7 @@ PREFIX ?= /usr/local
 # $(call configure,DIR,PACKAGE SETS,CMAKE ARGUMENTS)
 configure = tools/install-deps.sh $(2) && cmake -S . -B $(1) $(3) $(CMAKE_FLAGS) >/dev/null
 
-.PHONY: all build demo install test test-long test-asan fuzz fuzz-ci bench clean
+.PHONY: all build demo install test test-long test-asan fuzz fuzz-ci bench docs clean
 
 all: build
 
@@ -21,10 +21,10 @@ build:
 
 demo:
 	@$(call configure,$(BUILD_DIR),build,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
-	@cmake --build $(BUILD_DIR) -j $(JOBS) --target orvelan-demo orvelan-wrapper-example
+	@cmake --build $(BUILD_DIR) -j $(JOBS) --target orvelan-demo orvelan-cpp-example
 	@$(BUILD_DIR)/examples/orvelan-demo
-	@echo "== The same file through the C++ wrapper (examples/wrapper_host.cc)"
-	@$(BUILD_DIR)/examples/orvelan-wrapper-example examples/statement.ofx
+	@echo "== The same file through the C++ wrapper (examples/cpp_host.cc)"
+	@$(BUILD_DIR)/examples/orvelan-cpp-example examples/statement.ofx
 
 # The library, headers, pkg-config file and CMake package under PREFIX, staged
 # under DESTDIR when it is set.
@@ -77,6 +77,15 @@ bench:
 	@$(call configure,$(BUILD_DIR),bench,-DCMAKE_BUILD_TYPE=RelWithDebInfo)
 	@cmake --build $(BUILD_DIR) -j $(JOBS)
 	@for b in $(BUILD_DIR)/bench/*_bench $(BUILD_DIR)/bench/*_timing; do echo "== $$b"; $$b; done
+
+# The API reference from the public headers' comments, in $(BUILD_DIR)/docs/html;
+# a Doxygen warning fails it (docs/Doxyfile).
+docs:
+	@tools/install-deps.sh docs
+	@mkdir -p $(BUILD_DIR)/docs
+	@(cat docs/Doxyfile; echo "OUTPUT_DIRECTORY = $(BUILD_DIR)/docs"; \
+		sed -n 's/^project(orvelan VERSION \([0-9.]*\).*/PROJECT_NUMBER = \1/p' CMakeLists.txt) | doxygen -
+	@echo "API reference: $(BUILD_DIR)/docs/html/index.html"
 
 clean:
 	rm -rf $(BUILD_DIR) $(ASAN_DIR) $(FUZZ_DIR)

@@ -23,3 +23,6 @@ install(FILES ${CMAKE_BINARY_DIR}/OrvelanConfig.cmake ${CMAKE_BINARY_DIR}/Orvela
 file(RELATIVE_PATH ORVELAN_PC_TO_PREFIX ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(${CMAKE_SOURCE_DIR}/cmake/orvelan.pc.in ${CMAKE_BINARY_DIR}/orvelan.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/orvelan.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+# The command-line tools' manual page.
+install(FILES ${CMAKE_SOURCE_DIR}/docs/orvelan.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)

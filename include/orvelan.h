@@ -1,25 +1,26 @@
 #ifndef ORVELAN_H
 #define ORVELAN_H
 
-/*
+/**
+ * @file
  * liborvelan.so.3: an Open Financial Exchange (OFX) client library.
  *
  * A host drives ten components through the same ten functions each:
- *
+ * @code
  *   void* st = BankStatement_Create(on_event, my_data, 0);
  *   BankStatement_Set(st, BANKSTATEMENT_PROP_OFXVERSION, 0, "211", 0);
  *   if (BankStatement_Do(st, BANKSTATEMENT_METHOD_GETSTATEMENT, 0, 0, 0) != 0)
  *     fprintf(stderr, "%d %s\n", BankStatement_GetLastErrorCode(st), BankStatement_GetLastError(st));
  *   BankStatement_Destroy(st);
- *
+ * @endcode
  * Values cross the interface by kind:
- *   text     X_Set: value points to NUL-terminated bytes (null = empty), length ignored.
- *            X_Get: a pointer owned by the component, valid until the next call that
- *            changes that property.
- *   integer  passed and returned in the pointer-sized value itself (cut to 32 bits on
- *            the way in, sign-extended on the way out); booleans are 0 or 1.
- *   bytes    X_Set: value and length. X_Get: the pointer; *length receives the count
- *            (or the error code, with a null result, when the read fails).
+ * - text: X_Set takes a value that points to NUL-terminated bytes (null = empty)
+ *   and ignores the length. X_Get returns a pointer owned by the component, valid
+ *   until the next call that changes that property.
+ * - integer: passed and returned in the pointer-sized value itself (cut to 32 bits
+ *   on the way in, sign-extended on the way out); booleans are 0 or 1.
+ * - bytes: X_Set takes value and length. X_Get returns the pointer; `*length`
+ *   receives the count (or the error code, with a null result, when the read fails).
  *
  * Every function that can fail returns 0 for success, a positive error code, or -1
  * for an unknown setting or an unknown or read-only property. The text of the last
@@ -37,6 +38,10 @@ extern "C" {
 #else
 #define ORVELAN_API
 #endif
+
+/** @defgroup shared Shared by every component
+ *  The event callback, and the reserved property, method and event ids.
+ *  @{ */
 
 /* The host's event function: user data given to X_Create, the event id, the
  * parameter count, and the parameter and length arrays (see the event ids). */
@@ -63,6 +68,11 @@ typedef int (*EventCallback)(void* user_data, int event_id, int param_count, voi
 #define ORVELAN_EVENT_WATCH_SOCKET 2001    /* socket, event mask, handle (out) */
 #define ORVELAN_EVENT_UNWATCH_SOCKET 2002  /* handle */
 
+/** @} */
+
+/** @defgroup BankStatement BankStatement
+ *  The BankStatement component: bank statements, closing information and images.
+ *  @{ */
 /* BankStatement property ids. */
 #define BANKSTATEMENT_PROP_ACCOUNTID 1
 #define BANKSTATEMENT_PROP_ACCOUNTTYPE 2
@@ -136,7 +146,11 @@ typedef int (*EventCallback)(void* user_data, int event_id, int param_count, voi
 #define BANKSTATEMENT_METHOD_RESET 7
 #define BANKSTATEMENT_METHOD_WRITEOFXDATAFILE 8
 
-/* Account */
+/** @} */
+
+/** @defgroup Account Account
+ *  The Account component: the accounts a user holds at an institution.
+ *  @{ */
 ORVELAN_API int Account_StaticInit(void* reserved);
 ORVELAN_API int Account_StaticDestroy(void);
 ORVELAN_API void* Account_Create(EventCallback callback, void* user_data, char* reserved);
@@ -197,7 +211,10 @@ ORVELAN_API int Account_Do(void* obj, int method_id, int param_count, void** par
 #define ACCOUNT_METHOD_RESET 5
 #define ACCOUNT_METHOD_WRITEOFXDATAFILE 6
 
-/* BankStatement */
+/** @} */
+
+/** @addtogroup BankStatement
+ *  @{ */
 ORVELAN_API int BankStatement_StaticInit(void* reserved);
 ORVELAN_API int BankStatement_StaticDestroy(void);
 ORVELAN_API void* BankStatement_Create(EventCallback callback, void* user_data, char* reserved);
@@ -209,7 +226,11 @@ ORVELAN_API const char* BankStatement_GetLastError(void* obj);
 ORVELAN_API int BankStatement_GetLastErrorCode(void* obj);
 ORVELAN_API int BankStatement_Do(void* obj, int method_id, int param_count, void** params, int* lengths);
 
-/* BankTransfer */
+/** @} */
+
+/** @defgroup BankTransfer BankTransfer
+ *  The BankTransfer component: transfers within a bank and to other banks.
+ *  @{ */
 ORVELAN_API int BankTransfer_StaticInit(void* reserved);
 ORVELAN_API int BankTransfer_StaticDestroy(void);
 ORVELAN_API void* BankTransfer_Create(EventCallback callback, void* user_data, char* reserved);
@@ -286,7 +307,11 @@ ORVELAN_API int BankTransfer_Do(void* obj, int method_id, int param_count, void*
 /* BankTransfer event ids (beside ORVELAN_EVENT_*); every parameter is a text. */
 #define BANKTRANSFER_EVENT_SYNCTRANSFERS 5 /* Aggregate, Type, TransferId, Amount, FromAccountId, ToAccountId, Status, DatePosted */
 
-/* BillPayment */
+/** @} */
+
+/** @defgroup BillPayment BillPayment
+ *  The BillPayment component: bill payments and the payee list.
+ *  @{ */
 ORVELAN_API int BillPayment_StaticInit(void* reserved);
 ORVELAN_API int BillPayment_StaticDestroy(void);
 ORVELAN_API void* BillPayment_Create(EventCallback callback, void* user_data, char* reserved);
@@ -409,7 +434,11 @@ ORVELAN_API int BillPayment_Do(void* obj, int method_id, int param_count, void**
 #define BILLPAYMENT_EVENT_SYNCPAYEES 5 /* Aggregate, Type, PayeeId, IdScope, ListId, Account, Name, Addr1, Addr2, Addr3, City, State, PostalCode, Country, Phone */
 #define BILLPAYMENT_EVENT_SYNCPAYMENTS 6 /* Aggregate, Type, PaymentId, PayeeId, PayeeListId, PayeeAccount, PayeeAggregate, Amount, FromAccountId, Status, DateProcessed */
 
-/* CCStatement */
+/** @} */
+
+/** @defgroup CCStatement CCStatement
+ *  The CCStatement component: credit card statements.
+ *  @{ */
 ORVELAN_API int CCStatement_StaticInit(void* reserved);
 ORVELAN_API int CCStatement_StaticDestroy(void);
 ORVELAN_API void* CCStatement_Create(EventCallback callback, void* user_data, char* reserved);
@@ -492,7 +521,11 @@ ORVELAN_API int CCStatement_Do(void* obj, int method_id, int param_count, void**
 #define CCSTATEMENT_METHOD_RESET 7
 #define CCSTATEMENT_METHOD_WRITEOFXDATAFILE 8
 
-/* FIProfile */
+/** @} */
+
+/** @defgroup FIProfile FIProfile
+ *  The FIProfile component: an institution's profile and multi-factor challenges.
+ *  @{ */
 ORVELAN_API int FIProfile_StaticInit(void* reserved);
 ORVELAN_API int FIProfile_StaticDestroy(void);
 ORVELAN_API void* FIProfile_Create(EventCallback callback, void* user_data, char* reserved);
@@ -593,7 +626,11 @@ ORVELAN_API int FIProfile_Do(void* obj, int method_id, int param_count, void** p
 #define FIPROFILE_METHOD_SENDCHALLENGEANSWERS 7
 #define FIPROFILE_METHOD_WRITEOFXDATAFILE 8
 
-/* InvStatement */
+/** @} */
+
+/** @defgroup InvStatement InvStatement
+ *  The InvStatement component: brokerage statements with their positions, balances and securities.
+ *  @{ */
 ORVELAN_API int InvStatement_StaticInit(void* reserved);
 ORVELAN_API int InvStatement_StaticDestroy(void);
 ORVELAN_API void* InvStatement_Create(EventCallback callback, void* user_data, char* reserved);
@@ -723,7 +760,11 @@ ORVELAN_API int InvStatement_Do(void* obj, int method_id, int param_count, void*
 #define INVSTATEMENT_METHOD_RESET 7
 #define INVSTATEMENT_METHOD_WRITEOFXDATAFILE 8
 
-/* LoanStatement */
+/** @} */
+
+/** @defgroup LoanStatement LoanStatement
+ *  The LoanStatement component: loan statements.
+ *  @{ */
 ORVELAN_API int LoanStatement_StaticInit(void* reserved);
 ORVELAN_API int LoanStatement_StaticDestroy(void);
 ORVELAN_API void* LoanStatement_Create(EventCallback callback, void* user_data, char* reserved);
@@ -810,7 +851,11 @@ ORVELAN_API int LoanStatement_Do(void* obj, int method_id, int param_count, void
 #define LOANSTATEMENT_METHOD_RESET 7
 #define LOANSTATEMENT_METHOD_WRITEOFXDATAFILE 8
 
-/* OFXAggregate */
+/** @} */
+
+/** @defgroup OFXAggregate OFXAggregate
+ *  The OFXAggregate component: one OFX aggregate, read by path.
+ *  @{ */
 ORVELAN_API int OFXAggregate_StaticInit(void* reserved);
 ORVELAN_API int OFXAggregate_StaticDestroy(void);
 ORVELAN_API void* OFXAggregate_Create(EventCallback callback, void* user_data, char* reserved);
@@ -841,7 +886,11 @@ ORVELAN_API int OFXAggregate_Do(void* obj, int method_id, int param_count, void*
 #define OFXAGGREGATE_METHOD_CONFIG 2
 #define OFXAGGREGATE_METHOD_PATHEXISTS 3
 
-/* OFXBatch */
+/** @} */
+
+/** @defgroup OFXBatch OFXBatch
+ *  The OFXBatch component: several requests under one sign-on.
+ *  @{ */
 ORVELAN_API int OFXBatch_StaticInit(void* reserved);
 ORVELAN_API int OFXBatch_StaticDestroy(void);
 ORVELAN_API void* OFXBatch_Create(EventCallback callback, void* user_data, char* reserved);
@@ -893,7 +942,10 @@ ORVELAN_API int OFXBatch_Do(void* obj, int method_id, int param_count, void** pa
 #define OFXBATCH_METHOD_RESET 5
 #define OFXBATCH_METHOD_WRITEOFXDATAFILE 6
 
-/* Single-instance facade: plain functions over six process-wide wrapper
+/** @} */
+
+/** @defgroup facade Single-instance facade
+ * Plain functions over six process-wide wrapper
  * objects (orvelan.hpp), for hosts that want one call per request. A runner
  * sets the properties it takes, in its parameter order, runs the method and
  * returns its code; every other property keeps its value from earlier calls
@@ -902,7 +954,8 @@ ORVELAN_API int OFXBatch_Do(void* obj, int method_id, int param_count, void** pa
  *
  * WARNING: THE FACADE ACCEPTS EVERY SERVER CERTIFICATE, including self-signed,
  * expired and mismatched ones. It is for sandboxes and tests; never point it at
- * a real institution. Calls from different threads must be serialised. */
+ * a real institution. Calls from different threads must be serialised.
+ * @{ */
 #ifndef __cplusplus
 #include <stdbool.h>
 #endif
@@ -1063,6 +1116,8 @@ ORVELAN_API int InvStatement_ReadOFXDataFile(const char* file);
 #define ORVELAN_DECLARE_FACADE_INDEXED_RESULT(type, function, global, getter) ORVELAN_API type function(int index);
 ORVELAN_FACADE_RESULTS(ORVELAN_DECLARE_FACADE_RESULT)
 ORVELAN_FACADE_INDEXED_RESULTS(ORVELAN_DECLARE_FACADE_INDEXED_RESULT)
+
+/** @} */
 
 /* The library also exports atof (declared in <stdlib.h>): its own version reads
  * the decimal point as "." whatever the C locale says. */

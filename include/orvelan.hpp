@@ -1,11 +1,12 @@
 #ifndef ORVELAN_HPP
 #define ORVELAN_HPP
 
-/*
+/**
+ * @file
  * Named C++ wrappers over the C interface of orvelan.h: one class per
  * component, with a named accessor per property, a named member per method and
  * an overridable event method per event.
- *
+ * @code
  *   class MyStatement : public BankStatement {
  *    public:
  *     int FireError(BankStatementErrorEventParams* e) override {
@@ -18,7 +19,7 @@
  *   ...
  *   if (st.GetStatement() != 0) std::fprintf(stderr, "%s\n", st.GetLastError());
  *   for (int i = 0; i < st.GetTxCount(); ++i) std::puts(st.GetTxAmount(i));
- *
+ * @endcode
  * Each wrapper owns one component from X_Create to X_Destroy and turns every
  * call into X_Get, X_Set or X_Do with the component's id; it cannot be copied.
  * Results follow the C interface: methods and setters return 0 or an error code
@@ -360,6 +361,10 @@
   X(C, Method, PostBatch, OFXBATCH_METHOD_POSTBATCH)                               \
   X(C, Method, Reset, OFXBATCH_METHOD_RESET)
 
+/** @defgroup wrappers C++ wrappers
+ * One class per component, its event records and its event methods. A host
+ * derives from a wrapper to override the events it wants.
+ * @{ */
 ORVELAN_EVENT_RECORDS(Account)
 ORVELAN_EVENT_RECORDS(BankStatement)
 ORVELAN_EVENT_RECORDS(BankTransfer)
@@ -451,6 +456,10 @@ class ORVELAN_API OFXBatch {
   ORVELAN_OFXBATCH_MEMBERS(ORVELAN_DECLARE_MEMBER, OFXBatch)
 };
 
+/** @} */
+
+/** @addtogroup facade
+ * @{ */
 /* The facade's objects. Each My class accepts every server certificate, so
  * the facade works against a sandbox with a self-signed certificate and must
  * never be pointed at a real institution. */
@@ -476,5 +485,6 @@ extern ORVELAN_API MyBankStatement bankStatement1;
 extern ORVELAN_API MyCCStatement ccStatement1;
 extern ORVELAN_API MyInvStatement invStatement1;
 extern ORVELAN_API MyBillPayment billPayment1;
+/** @} */
 
 #endif /* ORVELAN_HPP */

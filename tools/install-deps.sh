@@ -1,16 +1,18 @@
 #!/usr/bin/env bash
 # Installs the Debian packages a task needs, and nothing when all are there.
-#   tools/install-deps.sh SET...     SET: build, test, bench, fuzz
+#   tools/install-deps.sh SET...     SET: build, test, bench, fuzz, docs
 # build: the library, tools and demo; test: the suite and the servers it starts
-# on loopback; bench: the benchmarks; fuzz: the libFuzzer targets (clang).
+# on loopback; bench: the benchmarks; fuzz: the libFuzzer targets (clang);
+# docs: the API reference (Doxygen).
 # Uses sudo when not root. ORVELAN_NO_INSTALL=1 only reports what is missing.
 set -euo pipefail
 
 build=(build-essential cmake g++ libssl-dev zlib1g-dev openssl python3)
 test=(googletest libgtest-dev libgmock-dev binutils locales nginx-light curl dante-server tinyproxy microsocks
-      libpugixml-dev pkgconf)
+      libpugixml-dev pkgconf groff-base)
 bench=(libbenchmark-dev libpugixml-dev)
 fuzz=(clang libclang-rt-14-dev)
+docs=(doxygen)
 
 wanted=("${build[@]}")
 need_locale=0
@@ -20,7 +22,8 @@ for set in "$@"; do
     test) wanted+=("${test[@]}"); need_locale=1 ;;
     bench) wanted+=("${bench[@]}") ;;
     fuzz) wanted+=("${fuzz[@]}") ;;
-    *) echo "install-deps: unknown set '$set' (build, test, bench, fuzz)" >&2; exit 2 ;;
+    docs) wanted+=("${docs[@]}") ;;
+    *) echo "install-deps: unknown set '$set' (build, test, bench, fuzz, docs)" >&2; exit 2 ;;
   esac
 done
 

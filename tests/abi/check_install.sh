@@ -20,6 +20,7 @@ libdir=$(dirname "$lib")
 [ -f "$prefix/include/orvelan.h" ] || fail "no orvelan.h installed"
 [ -x "$prefix/bin/orvelan" ] && [ -L "$prefix/bin/orvelan-statement" ] || fail "no orvelan tool with its older names"
 LD_LIBRARY_PATH=$libdir "$prefix/bin/orvelan-statement" "$statement" >/dev/null || fail "the installed orvelan-statement"
+[ -f "$prefix/share/man/man1/orvelan.1" ] || fail "no manual page installed"
 
 command -v pkg-config >/dev/null || fail "pkg-config is not installed"
 flags=$(PKG_CONFIG_PATH=$libdir/pkgconfig pkg-config --cflags --libs orvelan) || fail "pkg-config does not know orvelan"
