@@ -5,7 +5,7 @@
 set -e
 url=$1 certificate=$2
 
-orvelan-statement examples/statement.ofx --format csv
+orvelan statement examples/statement.ofx --format csv
 
-orvelan-statement --url "$url" --accept-cert "$certificate" --org "Orvelan Test Bank" --fid 9999 \
+orvelan statement --url "$url" --accept-cert "$certificate" --org "Orvelan Test Bank" --fid 9999 \
   --user user --bank-id 121000248 --account 4412345678 --from 01/01/2026 --format json
