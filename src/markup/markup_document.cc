@@ -124,7 +124,10 @@ int MarkupDocument::Walk(std::string_view path) {
   }
   if (path[0] != '/') return WalkRelative(path);
 
+  // The path names the top before the first step is checked: a walk that
+  // fails there leaves the cursor on the top, and the path must say so.
   canonical_.Assign("/");
+  canonical_.Append(tree.QualifiedName(tree.Top()));
   tree.SetCursor(tree.Top());
   std::string_view rest = path.substr(1);
   const std::string_view first = rest.substr(0, rest.find('/'));
@@ -136,7 +139,6 @@ int MarkupDocument::Walk(std::string_view path) {
     }
     rest.remove_prefix(first.size());
   }
-  canonical_.Append(tree.QualifiedName(tree.Top()));
   return WalkRelative(rest);
 }
 
