@@ -57,7 +57,7 @@ fuzz:
 # Each fuzz target (or those in FUZZ_TARGETS) for FUZZ_SECONDS or FUZZ_RUNS
 # executions, whichever comes first, on its seeds and, for the OFX targets,
 # the shared real files (fuzz/run.sh); new inputs go to a scratch corpus, the
-# seeds stay as committed. CI runs nine targets after the suite, so 30 s each.
+# seeds stay as committed. CI runs ten targets after the suite, so 30 s each.
 FUZZ_SECONDS ?= 30
 FUZZ_RUNS ?= -1
 FUZZ_TARGETS ?= $(notdir $(basename $(wildcard fuzz/*_fuzz.cc)))
