@@ -176,10 +176,7 @@ int MarkupParser::AddSGMLTag(std::string_view name) {
   if (int rc = probe.AppendChar(' '); rc != kOk) return rc;
   if (int rc = probe.Append(name); rc != kOk) return rc;
   if (int rc = probe.AppendChar(' '); rc != kOk) return rc;
-  // Every response registers the whole aggregate list again: a plain name
-  // is looked up in the index rather than searched for through the list.
-  const bool plain = !name.empty() && name.find_first_of(std::string_view(" \0", 2)) == std::string_view::npos;
-  if (plain ? IsContainer(name) : containers_.Find(probe.Data()) >= 0) return kOk;
+  if (containers_.Find(probe.Data()) >= 0) return kOk;
   if (containers_.IsEmpty()) {
     if (int rc = containers_.AppendChar(' '); rc != kOk) return rc;
   }
