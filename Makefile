@@ -62,15 +62,16 @@ fuzz:
 		-DORVELAN_BUILD_TESTS=OFF -DORVELAN_BUILD_BENCH=OFF)
 	@cmake --build $(FUZZ_DIR) -j $(JOBS)
 
-# Each fuzz target for FUZZ_SECONDS on its seeds (fuzz/seeds/<target>/);
-# new inputs go to a scratch corpus, the seeds stay as committed.
-FUZZ_SECONDS ?= 60
+# Each fuzz target (or those in FUZZ_TARGETS) for FUZZ_SECONDS or FUZZ_RUNS
+# executions, whichever comes first, on its seeds and, for the OFX targets,
+# the shared real files (fuzz/run.sh); new inputs go to a scratch corpus, the
+# seeds stay as committed. CI runs ten targets after the suite, so 30 s each.
+FUZZ_SECONDS ?= 30
+FUZZ_RUNS ?= -1
+FUZZ_TARGETS ?= $(notdir $(basename $(wildcard fuzz/*_fuzz.cc)))
 fuzz-ci: fuzz
-	@for t in $(FUZZ_DIR)/fuzz/*_fuzz; do \
-		name=$$(basename $$t); scratch=$(FUZZ_DIR)/corpus/$$name; mkdir -p $$scratch; \
-		echo "== $$name for $(FUZZ_SECONDS)s"; \
-		$$t -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-			$$scratch fuzz/seeds/$$name || exit 1; \
+	@for name in $(FUZZ_TARGETS); do \
+		fuzz/run.sh $(FUZZ_DIR) $$name $(FUZZ_SECONDS) $(FUZZ_RUNS) || exit 1; \
 	done
 
 bench:
