@@ -47,7 +47,9 @@ TEST(GrowthTest, ExchangesOverTlsLeaveNoDescriptorsOrMemoryBehind) {
     EXPECT_EQ(OpenDescriptors(), descriptors);
     const long growth = StatusKiB("VmRSS:") - resident;
     RecordProperty(std::string("rss_growth_kib_") + (name[0] == 'o' ? "one" : "each"), std::to_string(growth));
-    if (kMemoryIsMeasured) EXPECT_LT(growth, 1024);
+    if (kMemoryIsMeasured) {
+      EXPECT_LT(growth, 1024);
+    }
   }
 }
 

@@ -145,7 +145,9 @@ TEST(HostileFileTest, ClearErrorOrCorrectReadInBoundedMemory) {
         EXPECT_STRNE(o.text, "") << "the error names itself";
       }
       EXPECT_EQ(o.transactions, transactions);
-      if (kMemoryIsMeasured) EXPECT_LE(o.peak_growth_kib, c.max_growth * file_kib);
+      if (kMemoryIsMeasured) {
+        EXPECT_LE(o.peak_growth_kib, c.max_growth * file_kib);
+      }
     }
   }
   std::remove(path.c_str());
