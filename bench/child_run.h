@@ -2,6 +2,7 @@
 // Runs one timed case in a fresh child process, so that the peak memory it
 // reports belongs to that case alone, and hands its figures back through a
 // pipe. Shared by the timing programs.
+#include <malloc.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -10,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <vector>
 
 namespace orvelan::bench {
@@ -54,6 +56,37 @@ inline void ResetPeak() {
     std::fputs("5", f);
     std::fclose(f);
   }
+}
+
+// The whole file, or the process ends: a benchmark without its input has
+// nothing to report.
+inline std::string ReadFile(const std::string& path) {
+  std::string text;
+  if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
+    std::fseek(f, 0, SEEK_END);
+    text.resize(static_cast<size_t>(std::ftell(f)));
+    std::fseek(f, 0, SEEK_SET);
+    if (std::fread(&text[0], 1, text.size(), f) != text.size()) text.clear();
+    std::fclose(f);
+  }
+  if (text.empty()) std::_Exit(1);
+  return text;
+}
+
+// Times `body(seconds, parse_seconds)` twice in the child: the first run's
+// figures and peak, and the second's times, its memory recycled as in a host
+// that reads statement after statement.
+template <typename Body>
+Run ColdThenWarm(Body&& body) {
+  // Freed memory stays with the process, so the second run finds it warm.
+  mallopt(M_TRIM_THRESHOLD, 1 << 30);
+  mallopt(M_MMAP_THRESHOLD, 1 << 30);
+  const long before = ResidentKiB();
+  Run run;
+  body(run.seconds, run.parse_seconds);
+  run.peak_growth_kib = PeakKiB() - before;
+  body(run.warm_seconds, run.warm_parse_seconds);
+  return run;
 }
 
 // `body` runs in the child and returns its Run, or exits non-zero on failure.

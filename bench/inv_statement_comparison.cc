@@ -35,6 +35,8 @@ using orvelan::bench::CpuSeconds;
 using orvelan::bench::Median;
 using orvelan::bench::PeakKiB;
 using orvelan::bench::ResidentKiB;
+using orvelan::bench::ColdThenWarm;
+using orvelan::bench::ReadFile;
 using orvelan::bench::Run;
 
 // OFX 2.x markup, one element a line.
@@ -232,34 +234,6 @@ std::string Statement(int transactions) {
   }
   w.s += "</SECLIST>\r\n</SECLISTMSGSRSV1>\r\n</OFX>\r\n";
   return w.s;
-}
-
-std::string ReadFile(const std::string& path) {
-  std::string text;
-  if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
-    std::fseek(f, 0, SEEK_END);
-    text.resize(static_cast<size_t>(std::ftell(f)));
-    std::fseek(f, 0, SEEK_SET);
-    if (std::fread(&text[0], 1, text.size(), f) != text.size()) text.clear();
-    std::fclose(f);
-  }
-  if (text.empty()) std::_Exit(1);
-  return text;
-}
-
-// Times `body(seconds, parse_seconds)` twice in the child: the first run's
-// figures and peak, and the second's times, its memory recycled as in a host
-// that reads statement after statement.
-template <typename Body>
-Run ColdThenWarm(Body&& body) {
-  mallopt(M_TRIM_THRESHOLD, 1 << 30);
-  mallopt(M_MMAP_THRESHOLD, 1 << 30);
-  const long before = ResidentKiB();
-  Run run;
-  body(run.seconds, run.parse_seconds);
-  run.peak_growth_kib = PeakKiB() - before;
-  body(run.warm_seconds, run.warm_parse_seconds);
-  return run;
 }
 
 // The five values a portfolio reader wants of a transaction, as pugixml finds them.

@@ -30,37 +30,12 @@
 namespace {
 
 using orvelan::bench::Median;
+using orvelan::bench::ColdThenWarm;
+using orvelan::bench::ReadFile;
 using orvelan::bench::Run;
 using orvelan::bench::CpuSeconds;
 
 double Since(double start) { return CpuSeconds() - start; }
-
-std::string ReadFile(const std::string& path) {
-  std::string text;
-  if (std::FILE* f = std::fopen(path.c_str(), "rb")) {
-    std::fseek(f, 0, SEEK_END);
-    text.resize(static_cast<size_t>(std::ftell(f)));
-    std::fseek(f, 0, SEEK_SET);
-    if (std::fread(&text[0], 1, text.size(), f) != text.size()) text.clear();
-    std::fclose(f);
-  }
-  if (text.empty()) std::_Exit(1);
-  return text;
-}
-
-// Times `body(first)` twice; the figures of the first run and the times of the second.
-template <typename Body>
-Run ColdThenWarm(Body&& body) {
-  // Freed memory stays with the process, so the second run finds it warm.
-  mallopt(M_TRIM_THRESHOLD, 1 << 30);
-  mallopt(M_MMAP_THRESHOLD, 1 << 30);
-  const long before = orvelan::bench::ResidentKiB();
-  Run run;
-  body(run.seconds, run.parse_seconds);
-  run.peak_growth_kib = orvelan::bench::PeakKiB() - before;
-  body(run.warm_seconds, run.warm_parse_seconds);
-  return run;
-}
 
 Run Pugixml(const std::string& path, int expected) {
   std::string text;
