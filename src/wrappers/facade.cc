@@ -66,23 +66,21 @@ void SetPayeeAddress(const char* name, const char* addr1, const char* addr2, con
   billPayment1.SetPayeePhone(phone);
 }
 
-// The first 23 parameters of PayBill and ModifyBill, set in their order.
+void SetPaymentFrom(const char* account_id, const char* bank_id, int account_type) {
+  billPayment1.SetPaymentFromAccountId(account_id);
+  billPayment1.SetPaymentFromBankId(bank_id);
+  billPayment1.SetPaymentFromAccountType(account_type);
+}
+
+// The first 23 parameters of PayBill and ModifyBill.
 void SetBill(const char* user, const char* password, const char* from_account_id, const char* from_bank_id,
              const char* fi_url, const char* fi_id, const char* fi_organization, int from_account_type,
              const char* app_id, const char* app_version, const char* payee_name, const char* payee_addr1,
              const char* payee_addr2, const char* payee_addr3, const char* payee_city, const char* payee_state,
              const char* payee_postal_code, const char* payee_country, const char* payee_phone,
              const char* payee_account, const char* amount, const char* date_due, const char* memo) {
-  billPayment1.SetOFXUser(user);
-  billPayment1.SetOFXPassword(password);
-  billPayment1.SetPaymentFromAccountId(from_account_id);
-  billPayment1.SetPaymentFromBankId(from_bank_id);
-  billPayment1.SetFIUrl(fi_url);
-  billPayment1.SetFIId(fi_id);
-  billPayment1.SetFIOrganization(fi_organization);
-  billPayment1.SetPaymentFromAccountType(from_account_type);
-  billPayment1.SetOFXAppId(app_id);
-  billPayment1.SetOFXAppVersion(app_version);
+  SetPaymentSignOn(user, password, fi_url, fi_id, fi_organization, app_id, app_version);
+  SetPaymentFrom(from_account_id, from_bank_id, from_account_type);
   SetPayeeAddress(payee_name, payee_addr1, payee_addr2, payee_addr3, payee_city, payee_state, payee_postal_code,
                   payee_country, payee_phone);
   billPayment1.SetPayeeAccount(payee_account);
@@ -217,16 +215,8 @@ int BillPayment_SyncPayments(const char* user, const char* password, const char*
                              const char* from_bank_id, const char* fi_url, const char* fi_id,
                              const char* fi_organization, int from_account_type, const char* app_id,
                              const char* app_version, const char* token, const char* ofx_version) {
-  billPayment1.SetOFXUser(user);
-  billPayment1.SetOFXPassword(password);
-  billPayment1.SetPaymentFromAccountId(from_account_id);
-  billPayment1.SetPaymentFromBankId(from_bank_id);
-  billPayment1.SetFIUrl(fi_url);
-  billPayment1.SetFIId(fi_id);
-  billPayment1.SetFIOrganization(fi_organization);
-  billPayment1.SetPaymentFromAccountType(from_account_type);
-  billPayment1.SetOFXAppId(app_id);
-  billPayment1.SetOFXAppVersion(app_version);
+  SetPaymentSignOn(user, password, fi_url, fi_id, fi_organization, app_id, app_version);
+  SetPaymentFrom(from_account_id, from_bank_id, from_account_type);
   billPayment1.SetOFXVersion(ofx_version);
   return billPayment1.SynchronizePayments(token);
 }
