@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include "support/test_bank_server.h"
+
 namespace orvelan {
 
 // A response: a successful sign-on, then `body`.
@@ -27,7 +29,8 @@ inline std::string OfxResponse(const std::string& set, const std::string& wrappe
 template <class Component>
 struct ComponentHost : Component {
   // `extra_tags`: aggregates the fixed dictionary leaves out.
-  explicit ComponentHost(const char* extra_tags = nullptr) : Component(nullptr, nullptr) {
+  explicit ComponentHost(const char* extra_tags = nullptr, EventCallback callback = nullptr, void* user = nullptr)
+      : Component(callback, user) {
     const char* out = nullptr;
     if (extra_tags != nullptr) this->service().Config((std::string("ExtraTags=") + extra_tags).c_str(), out);
   }
@@ -38,6 +41,31 @@ struct ComponentHost : Component {
   int64_t Int(int id, int index = 0) { return reinterpret_cast<intptr_t>(this->Get(id, index, nullptr)); }
   int SetInt(int id, intptr_t value, int index = 0) { return this->Set(id, index, reinterpret_cast<void*>(value), 0); }
   int Respond(const std::string& text) { return this->service().SetOFXResponse(text.c_str()); }
+  int SetText(int id, const std::string& value, int index = 0) {
+    return this->Set(id, index, value.c_str(), static_cast<int>(value.size()));
+  }
+  // Runs a method with an optional argument; `answer` receives a second, output, parameter.
+  int Run(int method, const char* argument = nullptr, std::string* answer = nullptr) {
+    void* params[2] = {const_cast<char*>(argument), nullptr};
+    int lengths[2] = {0, 0};
+    const int rc = this->Do(method, argument == nullptr ? 0 : answer == nullptr ? 1 : 2, params, lengths);
+    if (answer != nullptr) *answer = params[1] != nullptr ? static_cast<const char*>(params[1]) : "";
+    return rc;
+  }
+  // Signs on to the sandbox bank at `url` as `user` in `version`, trusting its CA.
+  void SignOn(const std::string& url, const std::string& user, const char* version) {
+    auto& s = this->service();
+    s.SetFIUrl(url.c_str());
+    s.SetOFXUser(user.c_str());
+    s.SetOFXPassword("secret");
+    s.SetOFXAppId("QWIN");
+    s.SetOFXAppVersion("2700");
+    s.SetFIOrganization("Orvelan Bank");
+    s.SetFIId("1234");
+    s.SetOFXVersion(version);
+    const char* out = nullptr;
+    EXPECT_EQ(s.Config(("OpenSSLCAFile=" + TestBankServer::CaFile()).c_str(), out), 0);
+  }
 };
 
 // Rows: what to run, the code it returns and the text it leaves.
