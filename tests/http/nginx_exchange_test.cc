@@ -152,15 +152,5 @@ TEST(NginxExchangeTest, OldProtocolVersionsAreRefused) {
   EXPECT_NE(error.find("protocol"), std::string::npos) << error;
 }
 
-TEST(NginxExchangeTest, RepeatedTlsExchangesLeaveNoDescriptorBehind) {
-  ORVELAN_REQUIRE_NGINX(nginx);
-  Client c(true);
-  const std::string url = LocalUrl(nginx->https_port, "/ofx", "https");
-  ASSERT_EQ(c.PostToURL(url.c_str()), 0) << c.GetLastError();
-  const int before = OpenDescriptors();
-  for (int i = 0; i < 200; ++i) ASSERT_EQ(c.PostToURL(url.c_str()), 0) << i << ": " << c.GetLastError();
-  EXPECT_EQ(OpenDescriptors(), before);
-}
-
 }  // namespace
 }  // namespace orvelan

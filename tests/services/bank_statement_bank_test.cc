@@ -10,33 +10,24 @@
 #include <string>
 
 #include "services/bank_statement_component.h"
-#include "support/test_bank_server.h"
+#include "support/component_host.h"
 
 namespace orvelan {
 namespace {
 
 class BankStatementBankTest : public ::testing::Test {
  protected:
-  BankStatementBankTest() : component_(nullptr, nullptr), s_(component_.service()) {}
+  BankStatementBankTest() : s_(component_.service()) {}
 
   void Prepare(const std::string& url, const std::string& user, const char* version = "102") {
-    const std::pair<int, std::string> texts[] = {{31, url},     {42, user},          {39, "secret"},
-                                                 {37, "QWIN"},  {38, "2700"},        {24, "Orvelan Bank"},
-                                                 {23, "1234"},  {43, version},       {5, "121000248"},
-                                                 {1, "4412345678"}};
-    for (const auto& [id, value] : texts) ASSERT_EQ(Set(id, value), 0) << id;
-    ASSERT_EQ(component_.Set(2, 0, reinterpret_cast<void*>(1), 0), 0);
-    ASSERT_EQ(component_.Set(52, 0, reinterpret_cast<void*>(10), 0), 0);
-    const char* out = nullptr;
-    ASSERT_EQ(s_.Config(("OpenSSLCAFile=" + TestBankServer::CaFile()).c_str(), out), 0);
+    component_.SignOn(url, user, version);
+    ASSERT_EQ(Set(5, "121000248") | Set(1, "4412345678") | component_.SetInt(2, 1) | component_.SetInt(52, 10), 0);
   }
-  int Set(int id, const std::string& value) {
-    return component_.Set(id, 0, value.c_str(), static_cast<int>(value.size()));
-  }
+  int Set(int id, const std::string& value) { return component_.SetText(id, value); }
   std::string Get(int id, int index = 0) { return static_cast<const char*>(component_.Get(id, index, nullptr)); }
-  int64_t GetInt(int id, int index = 0) { return reinterpret_cast<intptr_t>(component_.Get(id, index, nullptr)); }
+  int64_t GetInt(int id, int index = 0) { return component_.Int(id, index); }
 
-  BankStatementComponent component_;
+  ComponentHost<BankStatementComponent> component_;
   BankStatementService& s_;
 };
 

@@ -3,39 +3,30 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <functional>
-#include <initializer_list>
 #include <string>
 #include <tuple>
 
 #include "services/cc_statement_component.h"
 #include "services/loan_statement_component.h"
+#include "support/component_host.h"
 #include "support/test_ofx_service.h"
 
 namespace orvelan {
 namespace {
 
-// A response with one statement wrapper of the message set `set`.
-std::string Ofx(const std::string& set, const std::string& wrapper, const std::string& body) {
-  return "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><DTSERVER>20260115<LANGUAGE>ENG</SONRS>"
-         "</SIGNONMSGSRSV1><" +
-         set + "><" + wrapper + "><TRNUID>1<STATUS><CODE>0<SEVERITY>INFO</STATUS>" + body + "</" + wrapper + "></" +
-         set + "></OFX>";
-}
-
 const std::string kCard =
-    Ofx("CREDITCARDMSGSRSV1", "CCSTMTTRNRS",
+    OfxResponse("CREDITCARDMSGSRSV1", "CCSTMTTRNRS",
         "<CCSTMTRS><CURDEF>USD<CCACCTFROM><ACCTID>5500999</CCACCTFROM><BANKTRANLIST><DTSTART>20260101<DTEND>20260131"
         "<STMTTRN><TRNTYPE>DEBIT<DTPOSTED>20260105<DTUSER>20260104<TRNAMT>-42.10<FITID>K1</STMTTRN>"
         "<STMTTRN><TRNTYPE>PAYMENT<DTPOSTED>20260120<TRNAMT>100<FITID>K2</STMTTRN></BANKTRANLIST>"
         "<LEDGERBAL><BALAMT>-310.55<DTASOF>20260131</LEDGERBAL></CCSTMTRS>");
 const std::string kCardClosing =
-    Ofx("CREDITCARDMSGSRSV1", "CCSTMTENDTRNRS",
+    OfxResponse("CREDITCARDMSGSRSV1", "CCSTMTENDTRNRS",
         "<CCSTMTENDRS><CURDEF>USD<CCACCTFROM><ACCTID>5500999</CCACCTFROM><CCCLOSING><FITID>P1<MINPMTDUE>25"
         "<DTPMTDUE>20260125<CREDITLIMIT>5000<FINCHG>0<TOTALFEES>12</CCCLOSING>"
         "<CCCLOSING><FITID>P2<FINCHG><TOTALFEES>7.5</CCCLOSING></CCSTMTENDRS>");
 const std::string kLoan =
-    Ofx("LOANMSGSRSV1", "LOANSTMTTRNRS",
+    OfxResponse("LOANMSGSRSV1", "LOANSTMTTRNRS",
         "<LOANSTMTRS><CURDEF>USD<LOANACCTFROM><LOANACCTID>L-77<LOANACCTTYPE>HOMEEQUITY</LOANACCTFROM>"
         "<LOANTRANLIST><DTSTART>20260101<DTEND>20260131<LOANSTMTTRN><LOANTRNTYPE>BALLOON<DTPOSTED>20260110"
         "<TRNAMT>-900<FITID>B1<LOANTRNAMT><PRINAMT>-700<INTAMT>-150<ESCRWAMT><ESCRWTOTAL>-50</ESCRWAMT></LOANTRNAMT>"
@@ -43,24 +34,15 @@ const std::string kLoan =
         "<PRINBAL><BALAMT>120000<DTASOF>20260131<PRINYTD>700<PRINLTD>30000</PRINBAL>"
         "<MKTGINFO>Refinance today</LOANSTMTRS>");
 const std::string kLoanClosing =
-    Ofx("LOANMSGSRSV1", "LOANSTMTENDTRNRS",
+    OfxResponse("LOANMSGSRSV1", "LOANSTMTENDTRNRS",
         "<LOANSTMTENDRS><CURDEF>EUR<LOANACCTFROM><LOANACCTID>L-77<LOANACCTTYPE>AUTO</LOANACCTFROM>"
         "<LOANCLOSING><FITID>Q1<DTPMTDUE>20260201<MINPMTDUE>1<LOANPMT><PMTAMT>850</LOANPMT>"
         "<LOANINT><LOANINTYTD>150</LOANINT></LOANCLOSING><LOANCLOSING><FITID>Q2</LOANCLOSING></LOANSTMTENDRS>");
 
-// A component of either kind with the loan aggregates the dictionary leaves out.
+// Either kind, with the loan aggregates the dictionary leaves out.
 template <class Component>
-struct Statement : Component {
-  Statement() : Component(nullptr, nullptr) {
-    const char* out = nullptr;
-    this->service().Config("ExtraTags=ESCRWAMT,LOANPMT,LOANINT,LOANIRATE,LOANCLOSING", out);
-  }
-  std::string Text(int id, int index = 0) {
-    const void* value = this->Get(id, index, nullptr);
-    return value == nullptr ? "" : static_cast<const char*>(value);
-  }
-  int64_t Int(int id, int index = 0) { return reinterpret_cast<intptr_t>(this->Get(id, index, nullptr)); }
-  int Respond(const std::string& text) { return this->service().SetOFXResponse(text.c_str()); }
+struct Statement : ComponentHost<Component> {
+  Statement() : ComponentHost<Component>("ESCRWAMT,LOANPMT,LOANINT,LOANIRATE,LOANCLOSING") {}
 };
 using Card = Statement<CCStatementComponent>;
 using Loan = Statement<LoanStatementComponent>;
@@ -118,18 +100,6 @@ TEST(CardLoanStatementTest, RequestsByVersionAndKind) {
   }
 }
 
-// Rows: what to run, the code and the text it leaves.
-using FailureRow = std::tuple<std::function<int()>, int, const char*>;
-constexpr char kExpected[] = "Expected element missing from server response.";
-
-template <class S>
-void ExpectFailures(S& statement, std::initializer_list<FailureRow> rows) {
-  for (const auto& [run, code, text] : rows) {
-    EXPECT_EQ(run(), code) << text;
-    EXPECT_STREQ(statement.service().GetLastError(), text);
-  }
-}
-
 TEST(CardLoanStatementTest, CardFailures) {
   Card card;
   const auto without = [&card](const std::string& doc, const char* part) {
@@ -147,7 +117,7 @@ TEST(CardLoanStatementTest, CardFailures) {
                          202, "Transaction Images are not available for Credit Card statements."},
                         {[&card] { return card.Set(CCSTATEMENT_PROP_ENDDATE, 0, "12/31/2025 11:59:58 XX", 0); }, 676,
                          "Cannot parse date."},
-                        {without(kCard, "<ACCTID>5500999"), 2000, kExpected},
+                        {without(kCard, "<ACCTID>5500999"), 2000, kExpectedElement},
                         {without(kCard, "<FITID>K2"), 202, "Required field missing: \"FITID\"."},
                         {without(kCardClosing, "<FITID>P2"), 202, "Required field missing: \"FITID\"."},
                         {[&card] {
@@ -164,7 +134,7 @@ TEST(CardLoanStatementTest, LoanFailures) {
   };
   ExpectFailures(loan, {{[&loan] { return loan.Set(LOANSTATEMENT_PROP_ACCOUNTTYPE, 0, reinterpret_cast<void*>(9), 0); },
                          202, "AccountType is invalid."},
-                        {without(kLoan, "<DTASOF>20260131"), 2000, kExpected},
+                        {without(kLoan, "<DTASOF>20260131"), 2000, kExpectedElement},
                         {without(kLoan, "<PRINAMT>-700"), 202, "Required field missing: \"LOANTRNAMT/PRINAMT\"."},
                         {without(kLoanClosing, "<DTPMTDUE>20260201"), 202, "Required field missing: \"DTPMTDUE\"."},
                         {[&loan] {
@@ -178,38 +148,19 @@ TEST(CardLoanStatementTest, LoanFailures) {
 }
 
 TEST(CardLoanStatementTest, EveryIndexedPropertyChecksItsIndex) {
-  // Every id from 1 names one property, and no name came twice.
-  const auto complete = [](const auto& tables, int count) {
-    EXPECT_EQ(tables.Properties().size(), static_cast<size_t>(count));
-    for (int id = 1; id <= count; ++id) EXPECT_NE(tables.Property(id), nullptr) << id;
-  };
-  complete(CCStatementTables(), 62);
-  complete(LoanStatementTables(), 66);
+  ExpectEveryId(CCStatementTables(), 62);
+  ExpectEveryId(LoanStatementTables(), 66);
   Card card;
   Loan loan;
   ASSERT_EQ(card.Respond(kCard), 0) << card.GetLastError();
   ASSERT_EQ(loan.Respond(kLoanClosing), 0) << loan.GetLastError();
   const char* tx = "Invalid TxIndex (out of bounds).";
   const char* closing = "Invalid ClosingInfoIndex (out of bounds).";
-  // Component, first and last id of a list, its count, its text.
-  const std::tuple<bool, int, int, int, const char*> lists[] = {
-      {true, CCSTATEMENT_PROP_CLOSINGINFOAGGREGATE, CCSTATEMENT_PROP_CLOSINGINFOTOTALFEES, 0, closing},
-      {true, CCSTATEMENT_PROP_TXAGGREGATE, CCSTATEMENT_PROP_TXTYPEDESCRIPTION, 2, tx},
-      {false, LOANSTATEMENT_PROP_CLOSINGINFOAGGREGATE, LOANSTATEMENT_PROP_CLOSINGINFOTOTALINTEREST, 2, closing},
-      {false, LOANSTATEMENT_PROP_TXAGGREGATE, LOANSTATEMENT_PROP_TXTYPEDESCRIPTION, 0, tx},
-  };
-  for (const auto& [is_card, first, last, count, text] : lists) {
-    for (int id = first - 1; id <= last + 1; ++id) {
-      SCOPED_TRACE((is_card ? "card id " : "loan id ") + std::to_string(id));
-      const bool indexed = id >= first && id <= last;
-      EXPECT_EQ(is_card ? card.CheckIndex(id, count) : loan.CheckIndex(id, count), indexed ? 280 : 0);
-      if (!indexed) continue;
-      EXPECT_EQ(is_card ? card.Text(id, count) : loan.Text(id, count), "");
-      EXPECT_EQ(is_card ? card.GetLastErrorCode() : loan.GetLastErrorCode(), 432);
-      EXPECT_STREQ(is_card ? card.GetLastError() : loan.GetLastError(), text);
-      EXPECT_EQ(is_card ? card.CheckIndex(id, count - 1) : loan.CheckIndex(id, count - 1), count > 0 ? 0 : 280);
-    }
-  }
+  ExpectIndexedLists(card, {{CCSTATEMENT_PROP_CLOSINGINFOAGGREGATE, CCSTATEMENT_PROP_CLOSINGINFOTOTALFEES, 0, closing},
+                            {CCSTATEMENT_PROP_TXAGGREGATE, CCSTATEMENT_PROP_TXTYPEDESCRIPTION, 2, tx}});
+  ExpectIndexedLists(loan, {{LOANSTATEMENT_PROP_CLOSINGINFOAGGREGATE, LOANSTATEMENT_PROP_CLOSINGINFOTOTALINTEREST, 2,
+                             closing},
+                            {LOANSTATEMENT_PROP_TXAGGREGATE, LOANSTATEMENT_PROP_TXTYPEDESCRIPTION, 0, tx}});
 }
 
 TEST(CardLoanStatementTest, CardStatementAndClosing) {

@@ -9,14 +9,12 @@
 #include <vector>
 
 #include "services/inv_statement_component.h"
+#include "support/component_host.h"
 #include "support/test_ofx_service.h"
 
 namespace orvelan {
 namespace {
 
-constexpr char kSignOn[] =
-    "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><DTSERVER>20260115<LANGUAGE>ENG</SONRS>"
-    "</SIGNONMSGSRSV1>";
 constexpr char kSecId[] = "<SECID><UNIQUEID>123<UNIQUEIDTYPE>CUSIP</SECID>";
 constexpr char kFundId[] = "<SECID><UNIQUEID>922908108<UNIQUEIDTYPE>CUSIP</SECID>";
 
@@ -55,26 +53,15 @@ const std::string kSecList =
     "</MFASSETCLASS></MFINFO></SECLIST></SECLISTMSGSRSV1>";
 const std::string kWrapped = "<INVSTMTTRNRS><TRNUID>1<STATUS><CODE>0<SEVERITY>INFO</STATUS>" + kStatementBody +
                              "</INVSTMTTRNRS>";
-const std::string kStatement = kSignOn + ("<INVSTMTMSGSRSV1>" + kWrapped + "</INVSTMTMSGSRSV1>") + kSecList + "</OFX>";
-const std::string kClosing =
-    std::string(kSignOn) +
-    "<INVSTMTMSGSRSV1><INVSTMTENDTRNRS><TRNUID>1<STATUS><CODE>0<SEVERITY>INFO</STATUS><INVSTMTENDRS><CURDEF>CAD"
-    "<INVACCTFROM><BROKERID>b<ACCTID>a</INVACCTFROM><INVCLOSING><FITID>C1<DTCLOSE>20260131</INVCLOSING>"
-    "<INVCLOSING><FITID>C2</INVCLOSING></INVSTMTENDRS></INVSTMTENDTRNRS></INVSTMTMSGSRSV1></OFX>";
+const std::string kStatement = OfxResponse("<INVSTMTMSGSRSV1>" + kWrapped + "</INVSTMTMSGSRSV1>" + kSecList);
+const std::string kClosing = OfxResponse(
+    "INVSTMTMSGSRSV1", "INVSTMTENDTRNRS",
+    "<INVSTMTENDRS><CURDEF>CAD<INVACCTFROM><BROKERID>b<ACCTID>a</INVACCTFROM><INVCLOSING><FITID>C1<DTCLOSE>20260131"
+    "</INVCLOSING><INVCLOSING><FITID>C2</INVCLOSING></INVSTMTENDRS>");
 
-struct Inv : InvStatementComponent {
-  Inv() : InvStatementComponent(nullptr, nullptr) {
-    const char* out = nullptr;
-    service().Config("ExtraTags=INVSTMTENDRS,INVCLOSING,OTHER,VENDORTRAN", out);
-  }
-  std::string Text(int id, int index = 0) {
-    const void* value = Get(id, index, nullptr);
-    return value == nullptr ? "" : static_cast<const char*>(value);
-  }
-  int64_t Int(int id, int index = 0) { return reinterpret_cast<intptr_t>(Get(id, index, nullptr)); }
-  int Respond(const std::string& text) { return service().SetOFXResponse(text.c_str()); }
+struct Inv : ComponentHost<InvStatementComponent> {
+  Inv() : ComponentHost("INVSTMTENDRS,INVCLOSING,OTHER,VENDORTRAN") {}
 };
-
 TEST(InvStatementTest, Requests) {
   Inv inv;
   inv.service().SetBrokerId("broker.example");
@@ -183,7 +170,7 @@ TEST(InvStatementTest, ShapesOfTheResponse) {
   EXPECT_EQ(inv.Int(INVSTATEMENT_PROP_TXCOUNT) * 10 + inv.Int(INVSTATEMENT_PROP_SECCOUNT), 30);
   ASSERT_EQ(inv.Respond(Replace(kWrapped, "<CODE>0<SEVERITY>INFO", "<CODE>2000<SEVERITY>ERROR")), 2001);
   // No INVSTMTTRNRS: no status to check.
-  ASSERT_EQ(inv.Respond(kSignOn + ("<INVSTMTMSGSRSV1>" + kStatementBody + "</INVSTMTMSGSRSV1></OFX>")), 0)
+  ASSERT_EQ(inv.Respond(OfxResponse("<INVSTMTMSGSRSV1>" + kStatementBody + "</INVSTMTMSGSRSV1>")), 0)
       << inv.GetLastError();
   EXPECT_EQ(inv.Int(INVSTATEMENT_PROP_POSCOUNT), 2);
   // No INVBAL: the cleared balances "0", whose amount display drops the zero.
@@ -245,13 +232,11 @@ TEST(InvStatementTest, TypeTables) {
 
 TEST(InvStatementTest, Failures) {
   Inv inv;
-  constexpr char kExpected[] = "Expected element missing from server response.";
   constexpr char kNoChild[] = "No such child.";
   const auto without = [&inv](const char* part, const char* with = "", const char* also = "") {
     return [&inv, part, with, also] { return inv.Respond(Replace(Replace(kStatement, part, with), also, "")); };
   };
-  // What to run, the code, the text.
-  const std::tuple<std::function<int()>, int, const char*> rows[] = {
+  ExpectFailures(inv, {
       {[&inv] { return inv.Do(INVSTATEMENT_METHOD_GETSTATEMENT, 0, nullptr, nullptr); }, 2000,
        "Missing required field: Broker Id is missing in the request."},
       {[&] {
@@ -259,10 +244,10 @@ TEST(InvStatementTest, Failures) {
          return inv.Do(INVSTATEMENT_METHOD_GETCLOSINGINFO, 0, nullptr, nullptr);
        },
        2000, "Missing required field: Account Number is missing in the request."},
-      {without("<CURDEF>USD"), 2000, kExpected},
-      {without("<BROKERID>broker.example"), 2000, kExpected},
-      {without("<DTEND>20260131"), 2000, kExpected},
-      {without("<SHORTBALANCE>0"), 2000, kExpected},
+      {without("<CURDEF>USD"), 2000, kExpectedElement},
+      {without("<BROKERID>broker.example"), 2000, kExpectedElement},
+      {without("<DTEND>20260131"), 2000, kExpectedElement},
+      {without("<SHORTBALANCE>0"), 2000, kExpectedElement},
       {without("<UNITPRICE>50.5"), 202, "Required field missing: \"UNITPRICE\"."},
       {without("<FITID>T1"), 202, "Required field missing: \"FITID\"."},
       {without("<UNIQUEIDTYPE>CUSIP"), 202, "Required field missing: \"SECID/UNIQUEIDTYPE\"."},
@@ -280,11 +265,7 @@ TEST(InvStatementTest, Failures) {
       {without("<SECINFO>", "", "</SECINFO>"), 208, kNoChild},
       {without("<UNIQUEID>123<UNIQUEIDTYPE>CUSIP</SECID><HELDINACCT>", "<UNIQUEIDTYPE>CUSIP</SECID><HELDINACCT>"), 208,
        kNoChild},
-  };
-  for (const auto& [run, code, text] : rows) {
-    EXPECT_EQ(run(), code) << text;
-    EXPECT_STREQ(inv.service().GetLastError(), text);
-  }
+  });
   // A failed walk keeps what it read before the failure, the failed record
   // too, but none of that record's fields from the failure on.
   ASSERT_NE(inv.Respond(Replace(kStatement, "<MKTVAL>350", "")), 0);
@@ -315,31 +296,17 @@ TEST(InvStatementTest, Failures) {
 }
 
 TEST(InvStatementTest, EveryIndexedPropertyChecksItsIndex) {
-  const auto& tables = InvStatementTables();
-  EXPECT_EQ(tables.Properties().size(), 109u);
-  for (int id = 1; id <= 109; ++id) EXPECT_NE(tables.Property(id), nullptr) << id;
+  ExpectEveryId(InvStatementTables(), 109);
   Inv inv;
   ASSERT_EQ(inv.Respond(kStatement), 0) << inv.GetLastError();
-  // First and last id of a list, its count, its text.
-  const std::tuple<int, int, int, const char*> lists[] = {
-      {INVSTATEMENT_PROP_BALAGGREGATE, INVSTATEMENT_PROP_BALTYPEDESCRIPTION, 2, "Invalid BalIndex (out of bounds)."},
-      {INVSTATEMENT_PROP_CLOSINGINFOAGGREGATE, INVSTATEMENT_PROP_CLOSINGINFOIMAGEREFTYPE, 0,
-       "Invalid ClosingInfoIndex (out of bounds)."},
-      {INVSTATEMENT_PROP_OOAGGREGATE, INVSTATEMENT_PROP_OOUNITTYPE, 1, "Invalid OOIndex (out of bounds)."},
-      {INVSTATEMENT_PROP_POSACCOUNTTYPE, INVSTATEMENT_PROP_POSUNITS, 2, "Invalid PosIndex (out of bounds)."},
-      {INVSTATEMENT_PROP_SECAGGREGATE, INVSTATEMENT_PROP_SECYIELD, 2, "Invalid SecIndex (out of bounds)."},
-      {INVSTATEMENT_PROP_TXAGGREGATE, INVSTATEMENT_PROP_TXUNITS, 3, "Invalid TxIndex (out of bounds)."},
-  };
-  for (const auto& [first, last, count, text] : lists) {
-    for (int id = first - 1; id <= last + 1; ++id) {
-      SCOPED_TRACE(id);
-      const bool indexed = id >= first && id <= last;
-      EXPECT_EQ(inv.CheckIndex(id, count), indexed ? 280 : 0);
-      if (!indexed) continue;
-      const std::string value = inv.Text(id, count);
-      EXPECT_EQ(value + std::to_string(inv.GetLastErrorCode()) + inv.GetLastError(), std::string("432") + text);
-    }
-  }
+  ExpectIndexedLists(
+      inv, {{INVSTATEMENT_PROP_BALAGGREGATE, INVSTATEMENT_PROP_BALTYPEDESCRIPTION, 2, "Invalid BalIndex (out of bounds)."},
+            {INVSTATEMENT_PROP_CLOSINGINFOAGGREGATE, INVSTATEMENT_PROP_CLOSINGINFOIMAGEREFTYPE, 0,
+             "Invalid ClosingInfoIndex (out of bounds)."},
+            {INVSTATEMENT_PROP_OOAGGREGATE, INVSTATEMENT_PROP_OOUNITTYPE, 1, "Invalid OOIndex (out of bounds)."},
+            {INVSTATEMENT_PROP_POSACCOUNTTYPE, INVSTATEMENT_PROP_POSUNITS, 2, "Invalid PosIndex (out of bounds)."},
+            {INVSTATEMENT_PROP_SECAGGREGATE, INVSTATEMENT_PROP_SECYIELD, 2, "Invalid SecIndex (out of bounds)."},
+            {INVSTATEMENT_PROP_TXAGGREGATE, INVSTATEMENT_PROP_TXUNITS, 3, "Invalid TxIndex (out of bounds)."}});
 }
 
 }  // namespace

@@ -2,7 +2,6 @@
 // keeps them: what synchronizations report after adds, changes and cancels.
 #include <gtest/gtest.h>
 
-#include <cstdint>
 #include <initializer_list>
 #include <string>
 #include <utility>
@@ -11,7 +10,7 @@
 #include "orvelan.h"
 #include "services/bank_transfer_component.h"
 #include "services/bill_payment_component.h"
-#include "support/test_bank_server.h"
+#include "support/component_host.h"
 
 namespace orvelan {
 namespace {
@@ -31,48 +30,17 @@ struct Events {
   std::vector<std::string> Take() { return std::exchange(lines, {}); }
 };
 
-static_assert(BANKTRANSFER_PROP_FIURL == BILLPAYMENT_PROP_FIURL &&
-                  BANKTRANSFER_PROP_OFXUSER == BILLPAYMENT_PROP_OFXUSER &&
-                  BANKTRANSFER_PROP_OFXVERSION == BILLPAYMENT_PROP_OFXVERSION,
-              "sign-on ids differ");
-
 template <class C>
-class Host {
- public:
+struct Host : ComponentHost<C> {
   Host(const TestBankServer& bank, const std::string& user, const char* version, std::vector<int> shown)
-      : component(&Events::Callback, &events) {
+      : ComponentHost<C>(nullptr, &Events::Callback, &events) {
     events.shown = std::move(shown);
-    for (const auto& [id, value] : std::initializer_list<std::pair<int, std::string>>{
-             {BANKTRANSFER_PROP_FIURL, bank.TlsUrl()}, {BANKTRANSFER_PROP_OFXUSER, user},
-             {BANKTRANSFER_PROP_OFXPASSWORD, "secret"}, {BANKTRANSFER_PROP_OFXAPPID, "QWIN"},
-             {BANKTRANSFER_PROP_OFXAPPVERSION, "2700"}, {BANKTRANSFER_PROP_FIORGANIZATION, "Orvelan Bank"},
-             {BANKTRANSFER_PROP_FIID, "1234"}, {BANKTRANSFER_PROP_OFXVERSION, version}}) {
-      Set(id, value);
-    }
-    const char* out = nullptr;
-    EXPECT_EQ(component.service().Config(("OpenSSLCAFile=" + TestBankServer::CaFile()).c_str(), out), 0);
+    this->SignOn(bank.TlsUrl(), user, version);
   }
-  void Set(int id, const std::string& value) {
-    EXPECT_EQ(component.Set(id, 0, value.c_str(), static_cast<int>(value.size())), 0) << id;
+  void SetAll(std::initializer_list<std::pair<int, const char*>> values) {
+    for (const auto& [id, value] : values) EXPECT_EQ(this->SetText(id, value), 0) << id;
   }
-  void Set(std::initializer_list<std::pair<int, const char*>> values) {
-    for (const auto& [id, value] : values) Set(id, value);
-  }
-  std::string Get(int id, int index = 0) {
-    const char* text = static_cast<const char*>(component.Get(id, index, nullptr));
-    return text != nullptr ? text : "";
-  }
-  // Runs a method with an optional argument; `answer` receives a second, output, parameter.
-  int Do(int method, const char* argument = nullptr, std::string* answer = nullptr) {
-    void* params[2] = {const_cast<char*>(argument), nullptr};
-    int lengths[2] = {0, 0};
-    const int rc = component.Do(method, argument == nullptr ? 0 : answer == nullptr ? 1 : 2, params, lengths);
-    if (answer != nullptr) *answer = params[1] != nullptr ? static_cast<const char*>(params[1]) : "";
-    return rc;
-  }
-
   Events events;
-  C component;
 };
 
 using Strings = std::vector<std::string>;
@@ -84,41 +52,41 @@ TEST(MoneyBankTest, TransfersAddModifyCancelThenSynchronize) {
     SCOPED_TRACE(version);
     // Type, TransferId, Amount, Status.
     Host<BankTransferComponent> t(bank, std::string("saver") + version, version, {1, 2, 3, 6});
-    t.Set({{BANKTRANSFER_PROP_TRANSFERFROMBANKID, "111"}, {BANKTRANSFER_PROP_TRANSFERFROMACCOUNTID, "A1"},
+    t.SetAll({{BANKTRANSFER_PROP_TRANSFERFROMBANKID, "111"}, {BANKTRANSFER_PROP_TRANSFERFROMACCOUNTID, "A1"},
            {BANKTRANSFER_PROP_TRANSFERTOACCOUNTID, "B2"}, {BANKTRANSFER_PROP_TRANSFERAMOUNT, "25.00"},
            {BANKTRANSFER_PROP_TRANSFERDATEDUE, "12/31/2099 00:00:00"}});
-    ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_TRANSFERFUNDS), 0) << t.component.GetLastError();
-    EXPECT_EQ(t.Get(BANKTRANSFER_PROP_TRANSFERID) + t.Get(BANKTRANSFER_PROP_TRANSFERSTATUS), "XF000001WILLPROCESSON");
-    t.Set({{BANKTRANSFER_PROP_TRANSFERAMOUNT, "10.00"}, {BANKTRANSFER_PROP_TRANSFERDATEDUE, ""}});
-    ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_TRANSFERFUNDS), 0) << t.component.GetLastError();
-    EXPECT_EQ(t.Get(BANKTRANSFER_PROP_TRANSFERID) + t.Get(BANKTRANSFER_PROP_TRANSFERSTATUS), "XF000002POSTEDON");
-    t.Set({{BANKTRANSFER_PROP_TRANSFERAMOUNT, "30.00"}, {BANKTRANSFER_PROP_TRANSFERDATEDUE, "12/30/2099 00:00:00"}});
-    ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_MODIFYTRANSFER, "XF000001"), 0) << t.component.GetLastError();
-    EXPECT_EQ(t.Do(BANKTRANSFER_METHOD_CANCELTRANSFER, "XF000002"), 2001);  // posted: 2016
-    ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_CANCELTRANSFER, "XF000001"), 0) << t.component.GetLastError();
+    ASSERT_EQ(t.Run(BANKTRANSFER_METHOD_TRANSFERFUNDS), 0) << t.GetLastError();
+    EXPECT_EQ(t.Text(BANKTRANSFER_PROP_TRANSFERID) + t.Text(BANKTRANSFER_PROP_TRANSFERSTATUS), "XF000001WILLPROCESSON");
+    t.SetAll({{BANKTRANSFER_PROP_TRANSFERAMOUNT, "10.00"}, {BANKTRANSFER_PROP_TRANSFERDATEDUE, ""}});
+    ASSERT_EQ(t.Run(BANKTRANSFER_METHOD_TRANSFERFUNDS), 0) << t.GetLastError();
+    EXPECT_EQ(t.Text(BANKTRANSFER_PROP_TRANSFERID) + t.Text(BANKTRANSFER_PROP_TRANSFERSTATUS), "XF000002POSTEDON");
+    t.SetAll({{BANKTRANSFER_PROP_TRANSFERAMOUNT, "30.00"}, {BANKTRANSFER_PROP_TRANSFERDATEDUE, "12/30/2099 00:00:00"}});
+    ASSERT_EQ(t.Run(BANKTRANSFER_METHOD_MODIFYTRANSFER, "XF000001"), 0) << t.GetLastError();
+    EXPECT_EQ(t.Run(BANKTRANSFER_METHOD_CANCELTRANSFER, "XF000002"), 2001);  // posted: 2016
+    ASSERT_EQ(t.Run(BANKTRANSFER_METHOD_CANCELTRANSFER, "XF000001"), 0) << t.GetLastError();
 
     std::string token;
-    ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_SYNCHRONIZETRANSFERS, "0", &token), 0) << t.component.GetLastError();
+    ASSERT_EQ(t.Run(BANKTRANSFER_METHOD_SYNCHRONIZETRANSFERS, "0", &token), 0) << t.GetLastError();
     EXPECT_EQ(token, "4");
     EXPECT_EQ(t.events.Take(), (Strings{"5|ADDED|XF000001|25.00|WILLPROCESSON", "5|ADDED|XF000002|10.00|POSTEDON",
                                         "5|MODIFIED|XF000001|30.00|WILLPROCESSON", "5|CANCELLED|XF000001||CANCELLED"}));
-    ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_SYNCHRONIZETRANSFERS, token.c_str(), &token), 0);
-    EXPECT_EQ(token + " " + t.Get(BANKTRANSFER_PROP_SYNCTRANSFERCOUNT), "4 ");
+    ASSERT_EQ(t.Run(BANKTRANSFER_METHOD_SYNCHRONIZETRANSFERS, token.c_str(), &token), 0);
+    EXPECT_EQ(token + " " + t.Text(BANKTRANSFER_PROP_SYNCTRANSFERCOUNT), "4 ");
     EXPECT_TRUE(t.events.Take().empty());
-    ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_SYNCHRONIZETRANSFERS, "REFRESH", &token), 0);
+    ASSERT_EQ(t.Run(BANKTRANSFER_METHOD_SYNCHRONIZETRANSFERS, "REFRESH", &token), 0);
     EXPECT_EQ(t.events.Take(), (Strings{"5|CANCELLED|XF000001||CANCELLED", "5|ADDED|XF000002|10.00|POSTEDON"}));
 
     // Another bank's transfers synchronize in their own message set.
-    t.Set({{BANKTRANSFER_PROP_TRANSFERTOBANKID, "222"}, {BANKTRANSFER_PROP_TRANSFERDATEDUE, ""}});
-    ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_TRANSFERFUNDS), 0) << t.component.GetLastError();
-    ASSERT_EQ(t.Do(BANKTRANSFER_METHOD_SYNCHRONIZETRANSFERS, "4", &token), 0);
+    t.SetAll({{BANKTRANSFER_PROP_TRANSFERTOBANKID, "222"}, {BANKTRANSFER_PROP_TRANSFERDATEDUE, ""}});
+    ASSERT_EQ(t.Run(BANKTRANSFER_METHOD_TRANSFERFUNDS), 0) << t.GetLastError();
+    ASSERT_EQ(t.Run(BANKTRANSFER_METHOD_SYNCHRONIZETRANSFERS, "4", &token), 0);
     EXPECT_EQ(t.events.Take(), Strings{"5|ADDED|XF000003|30.00|WILLPROCESSON"});
     EXPECT_NE(bank.Requests().back().body.find("<INTERXFERMSGSRQV1>"), std::string::npos);
 
     Host<BankTransferComponent> lost(bank, "lostsync", version, {});
-    lost.Set({{BANKTRANSFER_PROP_TRANSFERFROMBANKID, "111"}, {BANKTRANSFER_PROP_TRANSFERFROMACCOUNTID, "A1"}});
-    EXPECT_EQ(lost.Do(BANKTRANSFER_METHOD_SYNCHRONIZETRANSFERS, "0", &token), 1);
-    EXPECT_EQ(reinterpret_cast<intptr_t>(lost.component.Get(BANKTRANSFER_PROP_LOSTSYNC, 0, nullptr)), 1);
+    lost.SetAll({{BANKTRANSFER_PROP_TRANSFERFROMBANKID, "111"}, {BANKTRANSFER_PROP_TRANSFERFROMACCOUNTID, "A1"}});
+    EXPECT_EQ(lost.Run(BANKTRANSFER_METHOD_SYNCHRONIZETRANSFERS, "0", &token), 1);
+    EXPECT_EQ(lost.Int(BANKTRANSFER_PROP_LOSTSYNC), 1);
   }
 }
 
@@ -132,50 +100,50 @@ TEST(MoneyBankTest, PayeesAndPaymentsAddModifyCancelThenSynchronize) {
     Host<BillPaymentComponent> payees(bank, user, version, {1, 4, 6});
     Host<BillPaymentComponent> payments(bank, user, version, {1, 2, 4, 7, 9});
     const auto address = [](Host<BillPaymentComponent>& b, const char* phone) {
-      b.Set({{BILLPAYMENT_PROP_PAYEEID, ""}, {BILLPAYMENT_PROP_PAYEENAME, "Gas Co"},
+      b.SetAll({{BILLPAYMENT_PROP_PAYEEID, ""}, {BILLPAYMENT_PROP_PAYEENAME, "Gas Co"},
              {BILLPAYMENT_PROP_PAYEEADDR1, "1 Main"}, {BILLPAYMENT_PROP_PAYEECITY, "Town"},
              {BILLPAYMENT_PROP_PAYEESTATE, "CA"}, {BILLPAYMENT_PROP_PAYEEPOSTALCODE, "94000"},
              {BILLPAYMENT_PROP_PAYEEPHONE, phone}, {BILLPAYMENT_PROP_PAYEEACCOUNT, "G-1"}});
     };
     address(payees, "555-0001");
-    ASSERT_EQ(payees.Do(BILLPAYMENT_METHOD_ADDPAYEE), 0) << payees.component.GetLastError();
-    EXPECT_EQ(payees.Get(BILLPAYMENT_PROP_PAYEELISTID), "PL00001");
-    payees.Set({{BILLPAYMENT_PROP_PAYEEID, "ELEC01"}, {BILLPAYMENT_PROP_PAYEEACCOUNT, "E-1"}});
-    ASSERT_EQ(payees.Do(BILLPAYMENT_METHOD_ADDPAYEE), 0) << payees.component.GetLastError();
+    ASSERT_EQ(payees.Run(BILLPAYMENT_METHOD_ADDPAYEE), 0) << payees.GetLastError();
+    EXPECT_EQ(payees.Text(BILLPAYMENT_PROP_PAYEELISTID), "PL00001");
+    payees.SetAll({{BILLPAYMENT_PROP_PAYEEID, "ELEC01"}, {BILLPAYMENT_PROP_PAYEEACCOUNT, "E-1"}});
+    ASSERT_EQ(payees.Run(BILLPAYMENT_METHOD_ADDPAYEE), 0) << payees.GetLastError();
     address(payees, "555-0002");
-    ASSERT_EQ(payees.Do(BILLPAYMENT_METHOD_MODIFYPAYEE, "PL00001"), 0) << payees.component.GetLastError();
+    ASSERT_EQ(payees.Run(BILLPAYMENT_METHOD_MODIFYPAYEE, "PL00001"), 0) << payees.GetLastError();
 
-    payments.Set({{BILLPAYMENT_PROP_PAYMENTFROMBANKID, "111"}, {BILLPAYMENT_PROP_PAYMENTFROMACCOUNTID, "A1"},
+    payments.SetAll({{BILLPAYMENT_PROP_PAYMENTFROMBANKID, "111"}, {BILLPAYMENT_PROP_PAYMENTFROMACCOUNTID, "A1"},
                   {BILLPAYMENT_PROP_PAYMENTAMOUNT, "40.00"}, {BILLPAYMENT_PROP_PAYMENTDATEDUE, "12/01/2099 00:00:00"},
                   {BILLPAYMENT_PROP_PAYEELISTID, "PL00002"}, {BILLPAYMENT_PROP_PAYEEID, "ELEC01"},
                   {BILLPAYMENT_PROP_PAYEEACCOUNT, "E-1"}});
-    ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_PAYBILL), 0) << payments.component.GetLastError();
-    EXPECT_EQ(payments.Get(BILLPAYMENT_PROP_PAYMENTID) + " " + payments.Get(BILLPAYMENT_PROP_PAYMENTSTATUS),
+    ASSERT_EQ(payments.Run(BILLPAYMENT_METHOD_PAYBILL), 0) << payments.GetLastError();
+    EXPECT_EQ(payments.Text(BILLPAYMENT_PROP_PAYMENTID) + " " + payments.Text(BILLPAYMENT_PROP_PAYMENTSTATUS),
               "BP000003 WILLPROCESSON");
-    payments.Set(BILLPAYMENT_PROP_PAYMENTAMOUNT, "45.00");
-    ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_MODIFYPAYMENT, "BP000003"), 0) << payments.component.GetLastError();
+    payments.SetAll({{BILLPAYMENT_PROP_PAYMENTAMOUNT, "45.00"}});
+    ASSERT_EQ(payments.Run(BILLPAYMENT_METHOD_MODIFYPAYMENT, "BP000003"), 0) << payments.GetLastError();
     address(payments, "555-0002");
-    payments.Set({{BILLPAYMENT_PROP_PAYEELISTID, "PL00001"}, {BILLPAYMENT_PROP_PAYMENTAMOUNT, "12.00"}});
-    ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_PAYBILL), 0) << payments.component.GetLastError();
-    EXPECT_EQ(payments.Get(BILLPAYMENT_PROP_PAYMENTCHECKNUMBER), "5004");  // a payee of the user's: by check
-    ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_CANCELPAYMENT, "BP000004"), 0) << payments.component.GetLastError();
-    EXPECT_EQ(payments.Do(BILLPAYMENT_METHOD_CANCELPAYMENT, "BP000004"), 2001);  // already cancelled: 2017
-    const int inquired = payments.Do(BILLPAYMENT_METHOD_GETPAYMENTSTATUS, "BP000003");
-    EXPECT_EQ(std::to_string(inquired) + " " + payments.Get(BILLPAYMENT_PROP_PAYMENTSTATUS), "0 WILLPROCESSON");
-    ASSERT_EQ(payees.Do(BILLPAYMENT_METHOD_DELETEPAYEE, "PL00001"), 0) << payees.component.GetLastError();
+    payments.SetAll({{BILLPAYMENT_PROP_PAYEELISTID, "PL00001"}, {BILLPAYMENT_PROP_PAYMENTAMOUNT, "12.00"}});
+    ASSERT_EQ(payments.Run(BILLPAYMENT_METHOD_PAYBILL), 0) << payments.GetLastError();
+    EXPECT_EQ(payments.Text(BILLPAYMENT_PROP_PAYMENTCHECKNUMBER), "5004");  // a payee of the user's: by check
+    ASSERT_EQ(payments.Run(BILLPAYMENT_METHOD_CANCELPAYMENT, "BP000004"), 0) << payments.GetLastError();
+    EXPECT_EQ(payments.Run(BILLPAYMENT_METHOD_CANCELPAYMENT, "BP000004"), 2001);  // already cancelled: 2017
+    const int inquired = payments.Run(BILLPAYMENT_METHOD_GETPAYMENTSTATUS, "BP000003");
+    EXPECT_EQ(std::to_string(inquired) + " " + payments.Text(BILLPAYMENT_PROP_PAYMENTSTATUS), "0 WILLPROCESSON");
+    ASSERT_EQ(payees.Run(BILLPAYMENT_METHOD_DELETEPAYEE, "PL00001"), 0) << payees.GetLastError();
 
     std::string token;
-    ASSERT_EQ(payees.Do(BILLPAYMENT_METHOD_SYNCHRONIZEPAYEES, "0", &token), 0) << payees.component.GetLastError();
+    ASSERT_EQ(payees.Run(BILLPAYMENT_METHOD_SYNCHRONIZEPAYEES, "0", &token), 0) << payees.GetLastError();
     EXPECT_EQ(payees.events.Take(), (Strings{"5|ADDED|PL00001|Gas Co", "5|ADDED|PL00002|Loopback Electric",
                                              "5|MODIFIED|PL00001|Gas Co", "5|DELETED|PL00001|"}));
-    ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_SYNCHRONIZEPAYMENTS, "0", &token), 0);
+    ASSERT_EQ(payments.Run(BILLPAYMENT_METHOD_SYNCHRONIZEPAYMENTS, "0", &token), 0);
     EXPECT_EQ(payments.events.Take(),
               (Strings{"6|ADDED|BP000003|PL00002|40.00|WILLPROCESSON",
                        "6|MODIFIED|BP000003|PL00002|45.00|WILLPROCESSON",
                        "6|ADDED|BP000004|PL00001|12.00|WILLPROCESSON", "6|CANCELLED|BP000004|||CANCELLED"}));
     EXPECT_EQ(token, "8");
-    ASSERT_EQ(payments.Do(BILLPAYMENT_METHOD_SYNCHRONIZEPAYMENTS, token.c_str(), &token), 0);
-    ASSERT_EQ(payees.Do(BILLPAYMENT_METHOD_SYNCHRONIZEPAYEES, token.c_str(), &token), 0);
+    ASSERT_EQ(payments.Run(BILLPAYMENT_METHOD_SYNCHRONIZEPAYMENTS, token.c_str(), &token), 0);
+    ASSERT_EQ(payees.Run(BILLPAYMENT_METHOD_SYNCHRONIZEPAYEES, token.c_str(), &token), 0);
     EXPECT_TRUE(payments.events.Take().empty() && payees.events.Take().empty());
   }
 }

@@ -10,6 +10,7 @@
 
 #include "services/bank_transfer_component.h"
 #include "services/bill_payment_component.h"
+#include "support/component_host.h"
 
 namespace orvelan {
 namespace {
@@ -271,9 +272,7 @@ TEST(MoneyServiceTest, RequiredFieldsFailBeforeSending) {
 }
 
 std::string Ofx(const std::string& set, const std::string& body) {
-  return "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><DTSERVER>20260115<LANGUAGE>ENG</SONRS>"
-         "</SIGNONMSGSRSV1><" +
-         set + ">" + body + "</" + set + "></OFX>";
+  return OfxResponse("<" + set + ">" + body + "</" + set + ">");
 }
 std::string IntraRs(const std::string& id, const std::string& rs) {
   const std::string head = "<INTRATRNRS><TRNUID>1<STATUS><CODE>0<SEVERITY>INFO</STATUS>";

@@ -2,27 +2,18 @@
 // response kind fills, and every failure the host can meet.
 #include <gtest/gtest.h>
 
-#include <cstdint>
-#include <functional>
 #include <string>
 #include <tuple>
 
 #include "services/account_component.h"
 #include "services/fi_profile_component.h"
+#include "support/component_host.h"
 #include "support/test_ofx_service.h"
 
 namespace orvelan {
 namespace {
 
-std::string Ofx(const std::string& set, const std::string& wrapper, const std::string& body,
-                const std::string& status = "<CODE>0<SEVERITY>INFO") {
-  return "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><DTSERVER>20260115<LANGUAGE>ENG</SONRS>"
-         "</SIGNONMSGSRSV1><" +
-         set + "><" + wrapper + "><TRNUID>1<STATUS>" + status + "</STATUS>" + body + "</" + wrapper + "></" + set +
-         "></OFX>";
-}
-
-const std::string kAccounts = Ofx(
+const std::string kAccounts = OfxResponse(
     "SIGNUPMSGSRSV1", "ACCTINFOTRNRS",
     "<ACCTINFORS><DTACCTUP>20260110120000"
     "<ACCTINFO><DESC>Checking<PHONE>555-0100<BANKACCTINFO><BANKACCTFROM><BANKID>021000021<ACCTID>111"
@@ -42,7 +33,7 @@ std::string MessageSet(const std::string& name, const std::string& extra) {
          extra + "</" + name + "V1></" + name + ">";
 }
 
-const std::string kProfile = Ofx(
+const std::string kProfile = OfxResponse(
     "PROFMSGSRSV1", "PROFTRNRS",
     "<PROFRS><MSGSETLIST>" + MessageSet("SIGNONMSGSET", "") +
         MessageSet("BANKMSGSET", "<CLOSINGAVAIL>Y<IMAGEPROF><TRANIMGAVAIL>Y</IMAGEPROF>") +
@@ -53,23 +44,8 @@ const std::string kProfile = Ofx(
         "</SIGNONINFO></SIGNONINFOLIST><DTPROFUP>20251201<FINAME>Orvelan Bank<ADDR1>1 Main St<CITY>Springfield"
         "<STATE>IL<POSTALCODE>62701<COUNTRY>USA<URL>https://b.example</PROFRS>");
 
-template <class Component>
-struct Host : Component {
-  Host() : Component(nullptr, nullptr) {}
-  std::string Text(int id, int index = 0) {
-    const void* value = this->Get(id, index, nullptr);
-    return value == nullptr ? "" : static_cast<const char*>(value);
-  }
-  int64_t Int(int id, int index = 0) { return reinterpret_cast<intptr_t>(this->Get(id, index, nullptr)); }
-  int Respond(const std::string& text) { return this->service().SetOFXResponse(text.c_str()); }
-  bool Empty(int id, int index) {
-    const void* value = this->Get(id, index, nullptr);
-    return value == nullptr || *static_cast<const char*>(value) == '\0';
-  }
-  int SetInt(int id, intptr_t value, int index = 0) { return this->Set(id, index, reinterpret_cast<void*>(value), 0); }
-};
-using Accounts = Host<AccountComponent>;
-using Profile = Host<FIProfileComponent>;
+using Accounts = ComponentHost<AccountComponent>;
+using Profile = ComponentHost<FIProfileComponent>;
 
 TEST(ProfileAccountTest, RequestsByVersion) {
   Accounts accounts;
@@ -186,9 +162,6 @@ TEST(ProfileAccountTest, Profile) {
   }
 }
 
-using FailureRow = std::tuple<std::function<int()>, int, const char*>;
-constexpr char kExpected[] = "Expected element missing from server response.";
-
 // Sets a date the format cannot read: only names (here AM/PM) can fail.
 template <class H>
 int SetBadDate(H& host, int id) {
@@ -201,14 +174,6 @@ int SetBadDate(H& host, int id) {
   return rc;
 }
 
-template <class H>
-void ExpectFailures(H& host, std::initializer_list<FailureRow> rows) {
-  for (const auto& [run, code, text] : rows) {
-    EXPECT_EQ(run(), code) << text;
-    EXPECT_STREQ(host.GetLastError(), text);
-  }
-}
-
 TEST(ProfileAccountTest, Failures) {
   Accounts a;
   const auto account_without = [&a](const char* part) {
@@ -217,7 +182,7 @@ TEST(ProfileAccountTest, Failures) {
   ASSERT_EQ(a.Set(ACCOUNT_PROP_LASTUPDATE, 0, "01/02/2020 00:00:00", 0), 0);
   ExpectFailures(
       a, {{[&a] { return SetBadDate(a, ACCOUNT_PROP_LASTUPDATE); }, 676, "Cannot parse date."},
-          {account_without("<DTACCTUP>20260110120000"), 2000, kExpected},
+          {account_without("<DTACCTUP>20260110120000"), 2000, kExpectedElement},
           {account_without("<SUPTXDL>Y"), 202, "Required field missing: \"SUPTXDL\"."},
           {account_without("<USPRODUCTTYPE>401K"), 202, "Required field missing: \"USPRODUCTTYPE\"."},
           {[&a] { return a.Respond(Replace(kAccounts, "<CODE>0<SEVERITY>INFO</STATUS><ACCTINFORS>",
@@ -240,7 +205,7 @@ TEST(ProfileAccountTest, Failures) {
            "Missing required MFA fields: Challenge QuestionId/Answer pairs are missing in the request."},
           {profile_with("<CODE>0<SEVERITY>INFO</STATUS><PROFRS>", "<CODE>1<SEVERITY>INFO</STATUS><PROFRS>"), 508,
            "INFO: Client is up-to-date ."},
-          {profile_with("<FINAME>Orvelan Bank", ""), 2000, kExpected},
+          {profile_with("<FINAME>Orvelan Bank", ""), 2000, kExpectedElement},
           {profile_with("<OFXSEC>NONE", ""), 202, "Required field missing: \"OFXSEC\"."},
           {profile_with("<CHARTYPE>KANJI", ""), 202, "Required field missing: \"CHARTYPE\"."},
           {[&p] { return p.Respond(Replace(Replace(kProfile, "<BANKMSGSETV1>", "<BANKMSGSETV2>"), "</BANKMSGSETV1>", "</BANKMSGSETV2>")); },
@@ -251,39 +216,20 @@ TEST(ProfileAccountTest, Failures) {
 }
 
 TEST(ProfileAccountTest, EveryIndexedPropertyChecksItsIndex) {
-  const auto complete = [](const auto& tables, int count) {
-    EXPECT_EQ(tables.Properties().size(), static_cast<size_t>(count));
-    for (int id = 1; id <= count; ++id) EXPECT_NE(tables.Property(id), nullptr) << id;
-  };
-  complete(AccountTables(), 42);
-  complete(FIProfileTables(), 80);
+  ExpectEveryId(AccountTables(), 42);
+  ExpectEveryId(FIProfileTables(), 80);
   Accounts a;
   Profile p;
   ASSERT_EQ(a.Respond(kAccounts), 0) << a.GetLastError();
   ASSERT_EQ(p.Respond(kProfile), 0) << p.GetLastError();
   ASSERT_EQ(p.SetInt(FIPROFILE_PROP_CHALLENGEQUESTIONCOUNT, 1), 0);
-  // Account?, first and last id of a list, its count, its text.
-  const std::tuple<bool, int, int, int, const char*> lists[] = {
-      {true, ACCOUNT_PROP_ACCTYPE, ACCOUNT_PROP_ACCUSPRODUCTTYPE, 5, "Invalid AccIndex (out of bounds)."},
-      {false, FIPROFILE_PROP_CHALLENGEQUESTIONAGGREGATE, FIPROFILE_PROP_CHALLENGEQUESTIONPHRASEID, 1,
-       "Invalid ChallengeQuestionIndex (out of bounds)."},
-      {false, FIPROFILE_PROP_MESSAGESETAGGREGATE, FIPROFILE_PROP_MESSAGESETVERSION, 3,
-       "Invalid MessageSetIndex (out of bounds)."},
-      {false, FIPROFILE_PROP_SIGNONAGGREGATE, FIPROFILE_PROP_SIGNONUSERCRED2LABEL, 2,
-       "Invalid SignOnIndex (out of bounds)."},
-  };
-  for (const auto& [account, first, last, count, text] : lists) {
-    for (int id = first - 1; id <= last + 1; ++id) {
-      SCOPED_TRACE((account ? "account id " : "profile id ") + std::to_string(id));
-      const bool indexed = id >= first && id <= last;
-      EXPECT_EQ(account ? a.CheckIndex(id, count) : p.CheckIndex(id, count), indexed ? 280 : 0);
-      if (!indexed) continue;
-      EXPECT_EQ(account ? a.CheckIndex(id, count - 1) : p.CheckIndex(id, count - 1), 0);
-      EXPECT_TRUE(account ? a.Empty(id, count) : p.Empty(id, count));
-      EXPECT_EQ(account ? a.GetLastErrorCode() : p.GetLastErrorCode(), 432);
-      EXPECT_STREQ(account ? a.GetLastError() : p.GetLastError(), text);
-    }
-  }
+  ExpectIndexedLists(a, {{ACCOUNT_PROP_ACCTYPE, ACCOUNT_PROP_ACCUSPRODUCTTYPE, 5, "Invalid AccIndex (out of bounds)."}});
+  ExpectIndexedLists(
+      p, {{FIPROFILE_PROP_CHALLENGEQUESTIONAGGREGATE, FIPROFILE_PROP_CHALLENGEQUESTIONPHRASEID, 1,
+           "Invalid ChallengeQuestionIndex (out of bounds)."},
+          {FIPROFILE_PROP_MESSAGESETAGGREGATE, FIPROFILE_PROP_MESSAGESETVERSION, 3,
+           "Invalid MessageSetIndex (out of bounds)."},
+          {FIPROFILE_PROP_SIGNONAGGREGATE, FIPROFILE_PROP_SIGNONUSERCRED2LABEL, 2, "Invalid SignOnIndex (out of bounds)."}});
   // The answer set says why a bad index fails but keeps the last code.
   ASSERT_EQ(p.Set(FIPROFILE_PROP_CHALLENGEQUESTIONANSWER, 0, "blue", 0), 0);
   EXPECT_EQ(p.Set(FIPROFILE_PROP_CHALLENGEQUESTIONANSWER, 1, "rex", 0), 432);
