@@ -1,62 +1,113 @@
 #pragma once
+// A service component driven as a host drives it, by property ids, over
+// canned responses; and the checks the service suites share.
 #include <cstdint>
+#include <functional>
+#include <initializer_list>
 #include <string>
-#include <utility>
-#include <vector>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
-#include "orvelan.h"
-#include "services/ofx_batch_component.h"
 #include "support/test_bank_server.h"
 
 namespace orvelan {
 
-// A component as a host drives it: properties by id, texts copied out.
-template <class C>
-struct Host {
-  int Set(int id, const std::string& value, int index = 0) { return component.Set(id, index, value.c_str(), 0); }
-  int SetInt(int id, intptr_t value) { return component.Set(id, 0, reinterpret_cast<void*>(value), 0); }
-  std::string Get(int id, int index = 0) { return static_cast<const char*>(component.Get(id, index, nullptr)); }
-  intptr_t GetInt(int id) { return reinterpret_cast<intptr_t>(component.Get(id, 0, nullptr)); }
-  int Config(const std::string& setting) {
-    const char* out = nullptr;
-    return component.service().Config(setting.c_str(), out);
-  }
-  C component{nullptr, nullptr};
-};
-
-// The OFXRequest of a component with these properties set.
-template <class C>
-std::string RequestOf(int request_id, const std::vector<std::pair<int, std::string>>& values) {
-  Host<C> host;
-  for (const auto& [id, value] : values) EXPECT_EQ(host.Set(id, value), 0) << id;
-  return host.Get(request_id);
+// A response: a successful sign-on, then `body`.
+inline std::string OfxResponse(const std::string& body) {
+  return "<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><DTSERVER>20260115<LANGUAGE>ENG</SONRS>"
+         "</SIGNONMSGSRSV1>" + body + "</OFX>";
 }
 
-// An OFXBatch signed on to `url` that trusts the test CA.
-struct Batch : Host<OFXBatchComponent> {
-  explicit Batch(const std::string& url = "http://127.0.0.1/ofx", const std::string& version = "102") {
-    for (const auto& [id, value] : {std::pair<int, std::string>{OFXBATCH_PROP_FIURL, url}, {OFXBATCH_PROP_OFXUSER, "u"},
-                                    {OFXBATCH_PROP_OFXPASSWORD, "secret"}, {OFXBATCH_PROP_OFXAPPID, "QWIN"},
-                                    {OFXBATCH_PROP_OFXAPPVERSION, "2700"}, {OFXBATCH_PROP_FIORGANIZATION, "B"}}) {
-      EXPECT_EQ(Set(id, value), 0);
-    }
-    EXPECT_EQ(Config("OFXVersion=" + version) | Config("OpenSSLCAFile=" + TestBankServer::CaFile()), 0);
+// A response with one transaction `wrapper` in the message set `set`.
+inline std::string OfxResponse(const std::string& set, const std::string& wrapper, const std::string& body,
+                               const std::string& status = "<CODE>0<SEVERITY>INFO") {
+  return OfxResponse("<" + set + "><" + wrapper + "><TRNUID>1<STATUS>" + status + "</STATUS>" + body + "</" +
+                     wrapper + "></" + set + ">");
+}
+
+template <class Component>
+struct ComponentHost : Component {
+  // `extra_tags`: aggregates the fixed dictionary leaves out.
+  explicit ComponentHost(const char* extra_tags = nullptr, EventCallback callback = nullptr, void* user = nullptr)
+      : Component(callback, user) {
+    const char* out = nullptr;
+    if (extra_tags != nullptr) this->service().Config((std::string("ExtraTags=") + extra_tags).c_str(), out);
   }
-  int Add(const std::string& request) {
-    const int index = component.service().ItemCount();
-    EXPECT_EQ(SetInt(OFXBATCH_PROP_OFXBATCHITEMCOUNT, index + 1), 0);
-    return Set(OFXBATCH_PROP_OFXBATCHITEMREQUEST, request, index);
+  std::string Text(int id, int index = 0) {
+    const void* value = this->Get(id, index, nullptr);
+    return value == nullptr ? "" : static_cast<const char*>(value);
   }
-  std::string Response(int index) { return Get(OFXBATCH_PROP_OFXBATCHITEMRESPONSE, index); }
-  int Post() { return component.Do(OFXBATCH_METHOD_POSTBATCH, 0, nullptr, nullptr); }
-  // What follows the sign-on in the request the batch would send now.
-  std::string MessageSets(int& rc) {
-    ByteString request;
-    rc = component.service().BuildRequest(request, false);
-    return std::string(request.View()).substr(request.View().find("</SIGNONMSGSRQV1>\r\n") + 19);
+  int64_t Int(int id, int index = 0) { return reinterpret_cast<intptr_t>(this->Get(id, index, nullptr)); }
+  int SetInt(int id, intptr_t value, int index = 0) { return this->Set(id, index, reinterpret_cast<void*>(value), 0); }
+  int Respond(const std::string& text) { return this->service().SetOFXResponse(text.c_str()); }
+  int SetText(int id, const std::string& value, int index = 0) {
+    return this->Set(id, index, value.c_str(), static_cast<int>(value.size()));
+  }
+  // Runs a method with an optional argument; `answer` receives a second, output, parameter.
+  int Run(int method, const char* argument = nullptr, std::string* answer = nullptr) {
+    void* params[2] = {const_cast<char*>(argument), nullptr};
+    int lengths[2] = {0, 0};
+    const int rc = this->Do(method, argument == nullptr ? 0 : answer == nullptr ? 1 : 2, params, lengths);
+    if (answer != nullptr) *answer = params[1] != nullptr ? static_cast<const char*>(params[1]) : "";
+    return rc;
+  }
+  // Signs on to the sandbox bank at `url` as `user` in `version`, trusting its CA.
+  void SignOn(const std::string& url, const std::string& user, const char* version) {
+    auto& s = this->service();
+    s.SetFIUrl(url.c_str());
+    s.SetOFXUser(user.c_str());
+    s.SetOFXPassword("secret");
+    s.SetOFXAppId("QWIN");
+    s.SetOFXAppVersion("2700");
+    s.SetFIOrganization("Orvelan Bank");
+    s.SetFIId("1234");
+    s.SetOFXVersion(version);
+    const char* out = nullptr;
+    EXPECT_EQ(s.Config(("OpenSSLCAFile=" + TestBankServer::CaFile()).c_str(), out), 0);
   }
 };
+
+// Rows: what to run, the code it returns and the text it leaves.
+using FailureRow = std::tuple<std::function<int()>, int, const char*>;
+constexpr char kExpectedElement[] = "Expected element missing from server response.";
+
+template <class Host>
+void ExpectFailures(Host& host, std::initializer_list<FailureRow> rows) {
+  for (const auto& [run, code, text] : rows) {
+    EXPECT_EQ(run(), code) << text;
+    EXPECT_STREQ(host.GetLastError(), text);
+  }
+}
+
+// Every id from 1 to `count` names one property, and no name came twice.
+template <class Tables>
+void ExpectEveryId(const Tables& tables, int count) {
+  EXPECT_EQ(tables.Properties().size(), static_cast<size_t>(count));
+  for (int id = 1; id <= count; ++id) EXPECT_NE(tables.Property(id), nullptr) << id;
+}
+
+// The ids first..last of a list holding `count` records refuse the index
+// `count` (280; reading there gives "" and 432 with `text`); the ids around
+// the list take any index.
+struct IndexedList {
+  int first, last, count;
+  const char* text;
+};
+template <class Host>
+void ExpectIndexedLists(Host& host, std::initializer_list<IndexedList> lists) {
+  for (const IndexedList& list : lists) {
+    for (int id = list.first - 1; id <= list.last + 1; ++id) {
+      SCOPED_TRACE("id " + std::to_string(id));
+      const bool indexed = id >= list.first && id <= list.last;
+      EXPECT_EQ(host.CheckIndex(id, list.count), indexed ? 280 : 0);
+      if (!indexed) continue;
+      EXPECT_EQ(host.CheckIndex(id, list.count - 1), list.count > 0 ? 0 : 280);
+      EXPECT_EQ(host.Text(id, list.count), "");
+      EXPECT_EQ(host.GetLastErrorCode(), 432);
+      EXPECT_STREQ(host.GetLastError(), list.text);
+    }
+  }
+}
 
 }  // namespace orvelan
