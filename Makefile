@@ -3,6 +3,7 @@
 # CMake does the real work.
 BUILD_DIR ?= build
 ASAN_DIR ?= build-asan
+TSAN_DIR ?= build-tsan
 FUZZ_DIR ?= build-fuzz
 JOBS ?= 2
 MAKEFLAGS += --no-print-directory
@@ -11,7 +12,7 @@ PREFIX ?= /usr/local
 # $(call configure,DIR,PACKAGE SETS,CMAKE ARGUMENTS)
 configure = tools/install-deps.sh $(2) && cmake -S . -B $(1) $(3) $(CMAKE_FLAGS) >/dev/null
 
-.PHONY: all build demo install test test-long test-asan fuzz fuzz-ci bench docs clean
+.PHONY: all build demo install test test-long test-asan test-tsan fuzz fuzz-ci bench docs clean
 
 all: build
 
@@ -55,6 +56,14 @@ test-asan:
 		ctest --output-on-failure --no-tests=error -j $(JOBS) -LE long; status=$$?; \
 		awk -f $(CURDIR)/cmake/skip_reasons.awk Testing/Temporary/LastTest.log; exit $$status
 
+# The same suite under ThreadSanitizer; the thread test is the one that counts.
+test-tsan:
+	@$(call configure,$(TSAN_DIR),test,-DCMAKE_BUILD_TYPE=Debug -DORVELAN_TSAN=ON -DORVELAN_BUILD_BENCH=OFF)
+	@cmake --build $(TSAN_DIR) -j $(JOBS)
+	@cd $(TSAN_DIR) && TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1 \
+		ctest --output-on-failure --no-tests=error -j $(JOBS) -LE long; status=$$?; \
+		awk -f $(CURDIR)/cmake/skip_reasons.awk Testing/Temporary/LastTest.log; exit $$status
+
 fuzz: export CC = clang
 fuzz: export CXX = clang++
 fuzz:
@@ -89,4 +98,4 @@ docs:
 	@echo "API reference: $(BUILD_DIR)/docs/html/index.html"
 
 clean:
-	rm -rf $(BUILD_DIR) $(ASAN_DIR) $(FUZZ_DIR)
+	rm -rf $(BUILD_DIR) $(ASAN_DIR) $(TSAN_DIR) $(FUZZ_DIR)

@@ -24,9 +24,14 @@
  *
  * Every function that can fail returns 0 for success, a positive error code, or -1
  * for an unknown setting or an unknown or read-only property. The text of the last
- * error is read with X_GetLastError. Events reach the host through the callback,
- * synchronously, on the thread that made the call. A component must not be used
- * from two threads at once; different components are independent.
+ * error is read with X_GetLastError.
+ *
+ * Threads: distinct objects may be used from different threads at once; one
+ * object must be used from one thread at a time. Event callbacks run
+ * synchronously on the thread that made the call; the library starts no
+ * threads. Library initialisation (X_StaticInit and the one-time set-up of
+ * OpenSSL and of the random generator) is safe from any thread. The facade
+ * functions share one set of global objects and are for one thread only.
  */
 
 #ifdef __cplusplus
@@ -954,7 +959,7 @@ ORVELAN_API int OFXBatch_Do(void* obj, int method_id, int param_count, void** pa
  *
  * WARNING: THE FACADE ACCEPTS EVERY SERVER CERTIFICATE, including self-signed,
  * expired and mismatched ones. It is for sandboxes and tests; never point it at
- * a real institution. Calls from different threads must be serialised.
+ * a real institution. The facade takes no lock: it is for one thread only.
  * @{ */
 #ifndef __cplusplus
 #include <stdbool.h>

@@ -31,6 +31,12 @@
  * library's own verification. Properties without an accessor stay reachable
  * through the X_ functions with the protected component_.
  *
+ * Threads: distinct objects may be used from different threads at once; one
+ * object must be used from one thread at a time. Event methods run on the
+ * thread that made the call; library initialisation is safe from any thread.
+ * The facade functions share one set of global objects and are for one thread
+ * only.
+ *
  * The single-instance facade of orvelan.h runs on the six global objects
  * declared at the end. THE FACADE ACCEPTS EVERY SERVER CERTIFICATE, however it
  * fails verification: it is for sandboxes and tests, never for a real

@@ -12,10 +12,10 @@ inline bool LongRun() {
   return value != nullptr && std::string(value) == "1";
 }
 
-// Under AddressSanitizer freed memory waits in quarantine and every byte has
-// shadow, so resident sizes say nothing about the library: the memory bounds
-// hold in ordinary builds only.
-#if defined(__SANITIZE_ADDRESS__)
+// Under AddressSanitizer freed memory waits in quarantine, and under either
+// sanitizer every byte has shadow, so resident sizes say nothing about the
+// library: the memory bounds hold in ordinary builds only.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 inline constexpr bool kMemoryIsMeasured = false;
 #else
 inline constexpr bool kMemoryIsMeasured = true;
