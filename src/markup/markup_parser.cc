@@ -22,18 +22,68 @@ using markup::kNameChar;
 using markup::kSpace;
 using markup::kTextStop;
 
-// Names are a few bytes long: a loop beats a call to memcmp.
+// Word-at-a-time helpers for the short names and text runs of a statement;
+// loads never reach outside [s, s + n).
+inline uint64_t Load8(const void* s) {
+  uint64_t v;
+  std::memcpy(&v, s, 8);
+  return v;
+}
+inline uint32_t Load4(const void* s) {
+  uint32_t v;
+  std::memcpy(&v, s, 4);
+  return v;
+}
+constexpr uint64_t kLowBytes = 0x0101010101010101ull;
+constexpr uint64_t kHighBits = 0x8080808080808080ull;
+// The high bit of each zero byte of x; bits above the lowest one may be false.
+inline uint64_t ZeroBytes(uint64_t x) { return (x - kLowBytes) & ~x & kHighBits; }
+
+// Names are a few bytes long: words beat a call to memcmp.
 inline bool SameBytes(const char* a, const char* b, size_t n) {
+  if (n >= 8) {
+    for (size_t i = 0; i + 8 < n; i += 8) {
+      if (Load8(a + i) != Load8(b + i)) return false;
+    }
+    return Load8(a + n - 8) == Load8(b + n - 8);
+  }
+  if (n >= 4) return Load4(a) == Load4(b) && Load4(a + n - 4) == Load4(b + n - 4);
   for (size_t i = 0; i < n; ++i) {
     if (a[i] != b[i]) return false;
   }
   return true;
 }
 inline bool HasColon(std::string_view name) {
-  for (const char c : name) {
-    if (c == ':') return true;
+  const char* s = name.data();
+  const size_t n = name.size();
+  if (n >= 8) {
+    for (size_t i = 0; i + 8 < n; i += 8) {
+      if (ZeroBytes(Load8(s + i) ^ (kLowBytes * ':')) != 0) return true;
+    }
+    return ZeroBytes(Load8(s + n - 8) ^ (kLowBytes * ':')) != 0;
+  }
+  if (n >= 4) {
+    const uint64_t x = Load4(s) | static_cast<uint64_t>(Load4(s + n - 4)) << 32;
+    return ZeroBytes(x ^ (kLowBytes * ':')) != 0;
+  }
+  for (size_t i = 0; i < n; ++i) {
+    if (s[i] == ':') return true;
   }
   return false;
+}
+// The first byte in [p, end) that stops character data ("<", "&", line end).
+inline const uint8_t* SkipText(const uint8_t* p, const uint8_t* end) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+  for (; end - p >= 8; p += 8) {
+    const uint64_t x = Load8(p);
+    const uint64_t stops =
+        ZeroBytes(x ^ (kLowBytes * '<')) | ZeroBytes(x ^ (kLowBytes * '&')) | ZeroBytes(x ^ (kLowBytes * '\n'));
+    // The lowest flag of each mask is exact, so the lowest of all is the first stop.
+    if (stops != 0) return p + (__builtin_ctzll(stops) >> 3);
+  }
+#endif
+  while (p < end && !(kCharClass[*p] & kTextStop)) ++p;
+  return p;
 }
 inline bool SameName(std::string_view a, std::string_view b) {
   return a.size() == b.size() && SameBytes(a.data(), b.data(), a.size());
@@ -256,7 +306,7 @@ int MarkupParser::Feed(const char* text) {
   return Feed(text, text == nullptr ? 0 : std::strlen(text));
 }
 
-int MarkupParser::TakeRun(const uint8_t* run, size_t length) {
+inline int MarkupParser::TakeRun(const uint8_t* run, size_t length) {
   if (keep_text_ && retained_ == nullptr) {
     if (int rc = kept_.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(length)); rc != kOk) {
       return Fail(rc);
@@ -310,7 +360,7 @@ int MarkupParser::FeedRun(const char* data, size_t length) {
     if (listener_ == nullptr) {
       const uint8_t* run = p;
       if (state_ == kText) {
-        while (p < end && !(kCharClass[*p] & kTextStop)) ++p;
+        p = SkipText(p, end);
       } else if (state_ == kAfterTag) {
         while (p < end && IsWhite(*p)) ++p;
       } else if (state_ != kEndName || prev_ != '/') {
@@ -806,8 +856,11 @@ int MarkupParser::Handle(uint8_t ch) {
 int MarkupParser::StartTagNameComplete(std::string_view name) {
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
   const bool is_leaf = !containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_;
-  leaf_name_.Swap(leaf_candidate_);
-  leaf_name_at_ = leaf_candidate_at_;
+  // leaf_name_ is read only while a leaf closes.
+  if (is_leaf) {
+    leaf_name_.Swap(leaf_candidate_);
+    leaf_name_at_ = leaf_candidate_at_;
+  }
   if (int rc = leaf_candidate_.Assign(name); rc != kOk) return Fail(rc);
   candidate_is_container_ = IsContainer(name);
   if (is_leaf) {
@@ -921,7 +974,12 @@ int MarkupParser::StartElement(bool is_empty) {
   if (int rc = open_.Add(name); rc != kOk) return Fail(rc);
   int32_t entry = 0;
   std::string_view local;
-  if (int rc = ResolvePrefix(name, false, entry, local); rc != kOk) return rc;
+  // Most documents declare no namespace and use no prefix.
+  if (namespaces_.Count() == 0 && !HasColon(name)) {
+    local = name;
+  } else if (int rc = ResolvePrefix(name, false, entry, local); rc != kOk) {
+    return rc;
+  }
   if (listener_ != nullptr) {
     const char* uri = entry > 0 ? namespaces_.ValueAt(entry - 1).Data() : "";
     const ByteString local_copy(local);
@@ -947,7 +1005,7 @@ int MarkupParser::StartElement(bool is_empty) {
       }
     }
   }
-  attributes_.Clear();
+  if (attributes_.Count() > 0) attributes_.Clear();
   if (!is_empty) {
     if (containers_.IsEmpty()) leaf_candidate_.SetLength(0);
     return kOk;
