@@ -363,6 +363,12 @@ int MarkupParser::FeedRun(const char* data, size_t length) {
         p = SkipText(p, end);
       } else if (state_ == kAfterTag) {
         while (p < end && IsWhite(*p)) ++p;
+        if (p == run && p < end && *p != '<' && text_.IsEmpty()) {
+          // Character data right after a tag, with no white space to drop:
+          // its run is read at once.
+          state_ = kText;
+          p = SkipText(p, end);
+        }
       } else if (state_ != kEndName || prev_ != '/') {
         const uint32_t bit = 1u << state_;
         while (p < end && (RunBytes::kTable[*p] & bit) != 0) ++p;
