@@ -450,27 +450,48 @@ bool MarkupParser::TakeTag(const uint8_t*& p, const uint8_t* end, int& rc) {
   if (close == end || *close != '>') return false;
 
   const uint32_t tag_start = char_count_;
-  if ((rc = TakeRun(p, 1)) != kOk) return true;
-  if (state_ == kAfterTag) {
-    if ((rc = Deliver(Delivery::kWhitespaceOnly)) != kOk) return true;
-    state_ = kText;
-  }
-  if ((rc = Deliver(Delivery::kTailTrimmed)) != kOk) return true;
-  token_.SetLength(0);
-  if (is_end && (rc = TakeRun(p + 1, 1)) != kOk) return true;
-  tag_start_ = tag_start;
   // The name is read where it is in the input, which stays put during the feed.
   const size_t length = static_cast<size_t>(close - name);
   const std::string_view tag_name(reinterpret_cast<const char*>(name), length);
-  if ((rc = TakeRun(name, length)) != kOk) return true;
-  p = close + 1;
-  // ">" is kept and counted before it is handled, and becomes the previous
-  // character only afterwards.
-  if (keep_text_ && retained_ == nullptr && kept_.AppendChar('>') != kOk) {
-    rc = Fail(kErrOutOfMemory);
-    return true;
+  if (keep_text_ && retained_ == nullptr) {
+    if ((rc = TakeRun(p, 1)) != kOk) return true;
+    if (state_ == kAfterTag) {
+      if ((rc = Deliver(Delivery::kWhitespaceOnly)) != kOk) return true;
+      state_ = kText;
+    }
+    if ((rc = Deliver(Delivery::kTailTrimmed)) != kOk) return true;
+    token_.SetLength(0);
+    if (is_end && (rc = TakeRun(p + 1, 1)) != kOk) return true;
+    tag_start_ = tag_start;
+    if ((rc = TakeRun(name, length)) != kOk) return true;
+    p = close + 1;
+    // ">" is kept and counted before it is handled, and becomes the previous
+    // character only afterwards.
+    if (kept_.AppendChar('>') != kOk) {
+      rc = Fail(kErrOutOfMemory);
+      return true;
+    }
+    ++char_count_;
+  } else {
+    // Nothing to copy: the same steps, with the tag counted in one go (no
+    // listener, so white space after a tag is only dropped).
+    if (state_ == kAfterTag) {
+      text_.SetLength(0);
+      state_ = kText;
+    }
+    if ((rc = Deliver(Delivery::kTailTrimmed)) != kOk) {
+      ++char_count_;
+      prev2_ = prev_;
+      prev_ = '<';
+      return true;
+    }
+    token_.SetLength(0);
+    char_count_ += static_cast<uint32_t>(close + 1 - p);
+    prev2_ = length >= 2 ? name[length - 2] : name[-1];
+    prev_ = name[length - 1];
+    tag_start_ = tag_start;
+    p = close + 1;
   }
-  ++char_count_;
   if (is_end) {
     state_ = kAfterTag;
     rc = EndTag(tag_name, false, false);
@@ -862,15 +883,20 @@ int MarkupParser::Handle(uint8_t ch) {
 int MarkupParser::StartTagNameComplete(std::string_view name) {
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
   const bool is_leaf = !containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_;
-  // leaf_name_ is read only while a leaf closes.
-  if (is_leaf) {
+  // A name that fits a ByteString's own storage is copied without fail, so
+  // the leaf can close under the candidate's name before the new name
+  // replaces it; a long name is copied first, as its copy may fail.
+  const bool close_first = is_leaf && name.size() <= static_cast<size_t>(ByteString::kInlineCapacity);
+  if (is_leaf) leaf_name_at_ = leaf_candidate_at_;
+  if (close_first) {
+    if (int rc = CloseLeafAtTag(leaf_candidate_.View()); rc != kOk) return rc;
+  } else if (is_leaf) {
     leaf_name_.Swap(leaf_candidate_);
-    leaf_name_at_ = leaf_candidate_at_;
   }
   if (int rc = leaf_candidate_.Assign(name); rc != kOk) return Fail(rc);
   candidate_is_container_ = IsContainer(name);
-  if (is_leaf) {
-    if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
+  if (is_leaf && !close_first) {
+    if (int rc = CloseLeafAtTag(leaf_name_.View()); rc != kOk) return rc;
   }
   // The name follows "<"; tag_start_ - inserted_ is where "<" is in the input.
   leaf_candidate_at_ = tag_start_ + 1 - inserted_;
@@ -882,20 +908,20 @@ int MarkupParser::StartTagNameComplete(std::string_view name) {
   return kOk;
 }
 
-// Closes the leaf named by leaf_name_ where the current tag begins. The kept
+// Closes the leaf `leaf` where the current tag begins. The kept
 // text "...<NEW" plus the byte that ended the name becomes "...</OLD><NEW"
 // plus that byte ("...</NAME>" becomes "...</OLD></NAME>" for an end tag),
 // and positions continue from there.
-int MarkupParser::CloseLeafAtTag() {
-  if (retained_ != nullptr && !RetainedNameMatches(leaf_name_.View(), leaf_name_at_)) {
+int MarkupParser::CloseLeafAtTag(std::string_view leaf) {
+  if (retained_ != nullptr && !RetainedNameMatches(leaf, leaf_name_at_)) {
     if (int rc = CopyKeptText(); rc != kOk) return rc;
   }
   if (retained_ != nullptr) {
     // As below, the kept text ends at the tag while the leaf closes.
     kept_limit_ = tag_start_;
-    if (int rc = EndTag(leaf_name_.View(), true, false); rc != kOk) return rc;
+    if (int rc = EndTag(leaf, true, false); rc != kOk) return rc;
     kept_limit_ = -1;
-    const uint32_t length = static_cast<uint32_t>(leaf_name_.Length()) + 3;
+    const uint32_t length = static_cast<uint32_t>(leaf.size()) + 3;
     tag_start_ += length;
     char_count_ += length;
     return kOk;
@@ -908,7 +934,7 @@ int MarkupParser::CloseLeafAtTag() {
     }
     kept_.Truncate(static_cast<int32_t>(tag_start_));
   }
-  if (int rc = EndTag(leaf_name_.View(), true, false); rc != kOk) return rc;
+  if (int rc = EndTag(leaf, true, false); rc != kOk) return rc;
   if (rewrite) {
     tag_start_ = static_cast<uint32_t>(kept_.Length());
     if (int rc = kept_.Append(kept_tail_.View()); rc != kOk) return Fail(rc);
@@ -1026,9 +1052,14 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
   if (!is_implicit) {
     if (!containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_ &&
         !SameName(leaf_candidate_.View(), name)) {
-      if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
+      // Closing changes no name; only a long name's copy could fail.
+      std::string_view leaf = leaf_candidate_.View();
+      if (leaf.size() > static_cast<size_t>(ByteString::kInlineCapacity)) {
+        if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
+        leaf = leaf_name_.View();
+      }
       leaf_name_at_ = leaf_candidate_at_;
-      if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
+      if (int rc = CloseLeafAtTag(leaf); rc != kOk) return rc;
     }
     leaf_candidate_.SetLength(0);
   }
