@@ -10,9 +10,6 @@
 namespace orvelan {
 namespace {
 
-constexpr uint32_t kHeaderSize = 8;
-constexpr uint32_t kElementFixedSize = 56;
-
 uint32_t RoundUp4(uint32_t n) { return (n + 3u) & ~3u; }
 
 }  // namespace
@@ -20,16 +17,6 @@ uint32_t RoundUp4(uint32_t n) { return (n + 3u) & ~3u; }
 DocumentTree::DocumentTree() { ResetTree(); }
 
 DocumentTree::~DocumentTree() { FreeBlock(data_, capacity_); }
-
-uint32_t DocumentTree::Field(uint32_t record, uint32_t at) const {
-  uint32_t value;
-  std::memcpy(&value, data_ + record + at, sizeof value);
-  return value;
-}
-
-void DocumentTree::SetField(uint32_t record, uint32_t at, uint32_t value) {
-  std::memcpy(data_ + record + at, &value, sizeof value);
-}
 
 int DocumentTree::Reserve(uint32_t bytes) {
   if (static_cast<uint64_t>(size_) + bytes <= capacity_) return kOk;
@@ -42,7 +29,7 @@ int DocumentTree::Reserve(uint32_t bytes) {
   return kOk;
 }
 
-int DocumentTree::Append(char kind, uint32_t payload, uint32_t& record) {
+int DocumentTree::AppendGrowing(char kind, uint32_t payload, uint32_t& record) {
   const uint64_t size = RoundUp4(kHeaderSize + payload);
   const uint64_t wanted = size_ + size;
   if (wanted > 0xFFFFFFF0u) return kErrOutOfMemory;
@@ -93,34 +80,6 @@ int DocumentTree::AddNamespace(std::string_view prefix, std::string_view uri, in
   return kOk;
 }
 
-int DocumentTree::OpenElement(std::string_view local_name, int32_t depth, int32_t entry,
-                              uint32_t namespaces_in_scope, bool is_empty, uint32_t attribute_count,
-                              uint32_t tag_start, uint32_t content_start) {
-  uint32_t e;
-  const uint32_t payload = static_cast<uint32_t>(kElementFixedSize - kHeaderSize + local_name.size() + 1);
-  if (int rc = Append(kElementRecord, payload, e); rc != kOk) return rc;
-  // +8 to +52; the end offset, text record, end and end tag start come later.
-  const uint32_t fields[12] = {0,
-                               is_empty ? static_cast<uint32_t>(-1) : 0,
-                               depth > 1 ? open_offsets_[depth - 2] : 0,
-                               entry > 0 ? namespace_offsets_[entry - 1] : 0,
-                               namespaces_in_scope,
-                               tag_mark_,
-                               attribute_count,
-                               0,
-                               tag_start,
-                               0,
-                               content_start,
-                               0};
-  std::memcpy(data_ + e + kHeaderSize, fields, sizeof fields);
-  std::memcpy(data_ + e + kElementFixedSize, local_name.data(), local_name.size());
-  open_offsets_[depth - 1] = e;
-  if (depth == 1) {
-    ++top_count_;
-    if (top_ == 0) top_ = e;
-  }
-  return kOk;
-}
 
 int DocumentTree::AddAttribute(std::string_view local_name, std::string_view value, int32_t entry) {
   uint32_t record;
@@ -131,22 +90,6 @@ int DocumentTree::AddAttribute(std::string_view local_name, std::string_view val
   data_[record + 12 + local_name.size()] = '\0';
   std::memcpy(data_ + record + 13 + local_name.size(), value.data(), value.size());
   return kOk;
-}
-
-int DocumentTree::SetText(int32_t depth, const char* text, int32_t length) {
-  uint32_t record;
-  if (int rc = Append(kTextRecord, static_cast<uint32_t>(length) + 1, record); rc != kOk) return rc;
-  std::memcpy(data_ + record + 8, text, static_cast<size_t>(length));
-  SetField(open_offsets_[depth - 1], 36, record);
-  return kOk;
-}
-
-void DocumentTree::CloseElement(int32_t depth, uint32_t end, uint32_t end_tag_start) {
-  const uint32_t e = open_offsets_[depth - 1];
-  SetField(e, 8, size_);
-  SetField(e, 44, end);
-  SetField(e, 52, end_tag_start);
-  if (const uint32_t parent = Parent(e); parent != 0) SetField(parent, 12, Field(parent, 12) + 1);
 }
 
 void DocumentTree::CloseNamespace(int32_t entry) {

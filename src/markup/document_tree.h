@@ -1,8 +1,10 @@
 #pragma once
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "base/byte_string.h"
+#include "base/error_codes.h"
 
 // The parsed document: one arena of records linked by 32-bit offsets, written
 // once by the parser in document order and read-only afterwards.
@@ -103,13 +105,55 @@ class DocumentTree {
   bool IsElementStart(uint32_t n) const;
 
  private:
-  uint32_t Field(uint32_t record, uint32_t at) const;
-  void SetField(uint32_t record, uint32_t at, uint32_t value);
+  static constexpr uint32_t kHeaderSize = 8;
+  static constexpr uint32_t kElementFixedSize = 56;
+
+  uint32_t Field(uint32_t record, uint32_t at) const {
+    uint32_t value;
+    std::memcpy(&value, data_ + record + at, sizeof value);
+    return value;
+  }
+  void SetField(uint32_t record, uint32_t at, uint32_t value) {
+    std::memcpy(data_ + record + at, &value, sizeof value);
+  }
   uint32_t RecordSize(uint32_t record) const { return Field(record, 4); }
   char Kind(uint32_t record) const { return data_[record]; }
   // Appends a record of `payload` bytes after the header, only its last word
   // zeroed (the caller writes the rest); returns its offset via `record`.
-  int Append(char kind, uint32_t payload, uint32_t& record);
+  // Inline while the arena has room: one element is two or three records.
+  int Append(char kind, uint32_t payload, uint32_t& record) {
+    const uint64_t size = (kHeaderSize + payload + 3u) & ~3u;
+    if (size_ + size > capacity_) return AppendGrowing(kind, payload, record);
+    record = size_;
+    const char head[4] = {kind, 0, 0, 0};
+    std::memcpy(data_ + record, head, sizeof head);
+    SetField(record, 4, static_cast<uint32_t>(size));
+    std::memset(data_ + record + size - 4, 0, 4);
+    size_ += static_cast<uint32_t>(size);
+    return kOk;
+  }
+  int AppendGrowing(char kind, uint32_t payload, uint32_t& record);
+  // Names and most values are short: two overlapping word copies beat a call
+  // to memcpy. The ranges do not overlap.
+  static void CopyBytes(char* to, const char* from, size_t n) {
+    if (n >= 8 && n <= 16) {
+      uint64_t head, tail;
+      std::memcpy(&head, from, 8);
+      std::memcpy(&tail, from + n - 8, 8);
+      std::memcpy(to, &head, 8);
+      std::memcpy(to + n - 8, &tail, 8);
+    } else if (n >= 4 && n < 8) {
+      uint32_t head, tail;
+      std::memcpy(&head, from, 4);
+      std::memcpy(&tail, from + n - 4, 4);
+      std::memcpy(to, &head, 4);
+      std::memcpy(to + n - 4, &tail, 4);
+    } else if (n < 4) {
+      for (size_t i = 0; i < n; ++i) to[i] = from[i];
+    } else {
+      std::memcpy(to, from, n);
+    }
+  }
   uint32_t FirstChild(uint32_t e) const;
   uint32_t NextSibling(uint32_t e) const;
   uint32_t SkipDeclarations(uint32_t r) const;
@@ -156,5 +200,51 @@ class DocumentTree {
   WalkMemo memo_[kMemoSlots];
   WalkMemo& MemoFor(uint32_t parent, std::string_view name);
 };
+
+// The building steps run for every element: inline, in the parser's loop.
+inline int DocumentTree::OpenElement(std::string_view local_name, int32_t depth, int32_t entry,
+                                     uint32_t namespaces_in_scope, bool is_empty, uint32_t attribute_count,
+                                     uint32_t tag_start, uint32_t content_start) {
+  uint32_t e;
+  const uint32_t payload = static_cast<uint32_t>(kElementFixedSize - kHeaderSize + local_name.size() + 1);
+  if (int rc = Append(kElementRecord, payload, e); rc != kOk) return rc;
+  // +8 to +52; the end offset, text record, end and end tag start come later.
+  const uint32_t fields[12] = {0,
+                               is_empty ? static_cast<uint32_t>(-1) : 0,
+                               depth > 1 ? open_offsets_[depth - 2] : 0,
+                               entry > 0 ? namespace_offsets_[entry - 1] : 0,
+                               namespaces_in_scope,
+                               tag_mark_,
+                               attribute_count,
+                               0,
+                               tag_start,
+                               0,
+                               content_start,
+                               0};
+  std::memcpy(data_ + e + kHeaderSize, fields, sizeof fields);
+  CopyBytes(data_ + e + kElementFixedSize, local_name.data(), local_name.size());
+  open_offsets_[depth - 1] = e;
+  if (depth == 1) {
+    ++top_count_;
+    if (top_ == 0) top_ = e;
+  }
+  return kOk;
+}
+
+inline int DocumentTree::SetText(int32_t depth, const char* text, int32_t length) {
+  uint32_t record;
+  if (int rc = Append(kTextRecord, static_cast<uint32_t>(length) + 1, record); rc != kOk) return rc;
+  CopyBytes(data_ + record + 8, text, static_cast<size_t>(length));
+  SetField(open_offsets_[depth - 1], 36, record);
+  return kOk;
+}
+
+inline void DocumentTree::CloseElement(int32_t depth, uint32_t end, uint32_t end_tag_start) {
+  const uint32_t e = open_offsets_[depth - 1];
+  SetField(e, 8, size_);
+  SetField(e, 44, end);
+  SetField(e, 52, end_tag_start);
+  if (const uint32_t parent = Parent(e); parent != 0) SetField(parent, 12, Field(parent, 12) + 1);
+}
 
 }  // namespace orvelan

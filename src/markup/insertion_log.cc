@@ -8,12 +8,6 @@
 namespace orvelan {
 namespace {
 
-// An entry's first byte below kLong: the leaf's name starts one byte after
-// the previous entry's input position, and the byte is input_at - name_at.
-// Otherwise kLong, then varints of the step from the previous input position
-// and of input_at - name_at.
-constexpr uint8_t kLong = 0x80;
-
 uint32_t GetVarint(const uint8_t* bytes, size_t& at) {
   uint32_t value = 0;
   for (int shift = 0;; shift += 7) {
@@ -45,7 +39,7 @@ void InsertionLog::PutVarint(uint32_t value) {
   bytes_[length_++] = static_cast<uint8_t>(value);
 }
 
-bool InsertionLog::Append(const Entry& entry) {
+bool InsertionLog::AppendCoded(const Entry& entry) {
   if (!Reserve(11)) return false;
   const bool first = size_ % kBlock == 0;
   if (first) {

@@ -48,7 +48,18 @@ class InsertionLog {
 
   size_t Size() const { return size_; }
   // REQUIRES: positions grow from entry to entry and name_at < input_at.
-  bool Append(const Entry& entry);
+  bool Append(const Entry& entry) {
+    // The one-byte entry of a leaf that starts right after the previous end
+    // tag, inline; the rest, and the checkpoints, out of line.
+    const uint32_t back = entry.input_at - entry.name_at;
+    if (size_ % kBlock != 0 && entry.name_at == last_input_at_ + 1 && back < kLong && capacity_ - length_ >= 11) {
+      bytes_[length_++] = static_cast<uint8_t>(back);
+      last_input_at_ = entry.input_at;
+      ++size_;
+      return true;
+    }
+    return AppendCoded(entry);
+  }
   // Keeps the memory for the next parse.
   void Clear();
   size_t Memory() const;
@@ -59,12 +70,18 @@ class InsertionLog {
 
  private:
   static constexpr size_t kBlock = 64;
+  // An entry's first byte below kLong: the leaf's name starts one byte after
+  // the previous entry's input position, and the byte is input_at - name_at.
+  // Otherwise kLong, then varints of the step from the previous input
+  // position and of input_at - name_at.
+  static constexpr uint8_t kLong = 0x80;
   struct Checkpoint {
     uint32_t at;
     uint32_t input_at;
     uint32_t name_at;
     uint32_t byte;
   };
+  bool AppendCoded(const Entry& entry);
   bool Reserve(size_t more);
   void PutVarint(uint32_t value);
 

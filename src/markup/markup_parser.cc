@@ -22,18 +22,68 @@ using markup::kNameChar;
 using markup::kSpace;
 using markup::kTextStop;
 
-// Names are a few bytes long: a loop beats a call to memcmp.
+// Word-at-a-time helpers for the short names and text runs of a statement;
+// loads never reach outside [s, s + n).
+inline uint64_t Load8(const void* s) {
+  uint64_t v;
+  std::memcpy(&v, s, 8);
+  return v;
+}
+inline uint32_t Load4(const void* s) {
+  uint32_t v;
+  std::memcpy(&v, s, 4);
+  return v;
+}
+constexpr uint64_t kLowBytes = 0x0101010101010101ull;
+constexpr uint64_t kHighBits = 0x8080808080808080ull;
+// The high bit of each zero byte of x; bits above the lowest one may be false.
+inline uint64_t ZeroBytes(uint64_t x) { return (x - kLowBytes) & ~x & kHighBits; }
+
+// Names are a few bytes long: words beat a call to memcmp.
 inline bool SameBytes(const char* a, const char* b, size_t n) {
+  if (n >= 8) {
+    for (size_t i = 0; i + 8 < n; i += 8) {
+      if (Load8(a + i) != Load8(b + i)) return false;
+    }
+    return Load8(a + n - 8) == Load8(b + n - 8);
+  }
+  if (n >= 4) return Load4(a) == Load4(b) && Load4(a + n - 4) == Load4(b + n - 4);
   for (size_t i = 0; i < n; ++i) {
     if (a[i] != b[i]) return false;
   }
   return true;
 }
 inline bool HasColon(std::string_view name) {
-  for (const char c : name) {
-    if (c == ':') return true;
+  const char* s = name.data();
+  const size_t n = name.size();
+  if (n >= 8) {
+    for (size_t i = 0; i + 8 < n; i += 8) {
+      if (ZeroBytes(Load8(s + i) ^ (kLowBytes * ':')) != 0) return true;
+    }
+    return ZeroBytes(Load8(s + n - 8) ^ (kLowBytes * ':')) != 0;
+  }
+  if (n >= 4) {
+    const uint64_t x = Load4(s) | static_cast<uint64_t>(Load4(s + n - 4)) << 32;
+    return ZeroBytes(x ^ (kLowBytes * ':')) != 0;
+  }
+  for (size_t i = 0; i < n; ++i) {
+    if (s[i] == ':') return true;
   }
   return false;
+}
+// The first byte in [p, end) that stops character data ("<", "&", line end).
+inline const uint8_t* SkipText(const uint8_t* p, const uint8_t* end) {
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+  for (; end - p >= 8; p += 8) {
+    const uint64_t x = Load8(p);
+    const uint64_t stops =
+        ZeroBytes(x ^ (kLowBytes * '<')) | ZeroBytes(x ^ (kLowBytes * '&')) | ZeroBytes(x ^ (kLowBytes * '\n'));
+    // The lowest flag of each mask is exact, so the lowest of all is the first stop.
+    if (stops != 0) return p + (__builtin_ctzll(stops) >> 3);
+  }
+#endif
+  while (p < end && !(kCharClass[*p] & kTextStop)) ++p;
+  return p;
 }
 inline bool SameName(std::string_view a, std::string_view b) {
   return a.size() == b.size() && SameBytes(a.data(), b.data(), a.size());
@@ -256,7 +306,7 @@ int MarkupParser::Feed(const char* text) {
   return Feed(text, text == nullptr ? 0 : std::strlen(text));
 }
 
-int MarkupParser::TakeRun(const uint8_t* run, size_t length) {
+inline int MarkupParser::TakeRun(const uint8_t* run, size_t length) {
   if (keep_text_ && retained_ == nullptr) {
     if (int rc = kept_.Append(reinterpret_cast<const char*>(run), static_cast<int32_t>(length)); rc != kOk) {
       return Fail(rc);
@@ -310,9 +360,15 @@ int MarkupParser::FeedRun(const char* data, size_t length) {
     if (listener_ == nullptr) {
       const uint8_t* run = p;
       if (state_ == kText) {
-        while (p < end && !(kCharClass[*p] & kTextStop)) ++p;
+        p = SkipText(p, end);
       } else if (state_ == kAfterTag) {
         while (p < end && IsWhite(*p)) ++p;
+        if (p == run && p < end && *p != '<' && text_.IsEmpty()) {
+          // Character data right after a tag, with no white space to drop:
+          // its run is read at once.
+          state_ = kText;
+          p = SkipText(p, end);
+        }
       } else if (state_ != kEndName || prev_ != '/') {
         const uint32_t bit = 1u << state_;
         while (p < end && (RunBytes::kTable[*p] & bit) != 0) ++p;
@@ -394,27 +450,48 @@ bool MarkupParser::TakeTag(const uint8_t*& p, const uint8_t* end, int& rc) {
   if (close == end || *close != '>') return false;
 
   const uint32_t tag_start = char_count_;
-  if ((rc = TakeRun(p, 1)) != kOk) return true;
-  if (state_ == kAfterTag) {
-    if ((rc = Deliver(Delivery::kWhitespaceOnly)) != kOk) return true;
-    state_ = kText;
-  }
-  if ((rc = Deliver(Delivery::kTailTrimmed)) != kOk) return true;
-  token_.SetLength(0);
-  if (is_end && (rc = TakeRun(p + 1, 1)) != kOk) return true;
-  tag_start_ = tag_start;
   // The name is read where it is in the input, which stays put during the feed.
   const size_t length = static_cast<size_t>(close - name);
   const std::string_view tag_name(reinterpret_cast<const char*>(name), length);
-  if ((rc = TakeRun(name, length)) != kOk) return true;
-  p = close + 1;
-  // ">" is kept and counted before it is handled, and becomes the previous
-  // character only afterwards.
-  if (keep_text_ && retained_ == nullptr && kept_.AppendChar('>') != kOk) {
-    rc = Fail(kErrOutOfMemory);
-    return true;
+  if (keep_text_ && retained_ == nullptr) {
+    if ((rc = TakeRun(p, 1)) != kOk) return true;
+    if (state_ == kAfterTag) {
+      if ((rc = Deliver(Delivery::kWhitespaceOnly)) != kOk) return true;
+      state_ = kText;
+    }
+    if ((rc = Deliver(Delivery::kTailTrimmed)) != kOk) return true;
+    token_.SetLength(0);
+    if (is_end && (rc = TakeRun(p + 1, 1)) != kOk) return true;
+    tag_start_ = tag_start;
+    if ((rc = TakeRun(name, length)) != kOk) return true;
+    p = close + 1;
+    // ">" is kept and counted before it is handled, and becomes the previous
+    // character only afterwards.
+    if (kept_.AppendChar('>') != kOk) {
+      rc = Fail(kErrOutOfMemory);
+      return true;
+    }
+    ++char_count_;
+  } else {
+    // Nothing to copy: the same steps, with the tag counted in one go (no
+    // listener, so white space after a tag is only dropped).
+    if (state_ == kAfterTag) {
+      text_.SetLength(0);
+      state_ = kText;
+    }
+    if ((rc = Deliver(Delivery::kTailTrimmed)) != kOk) {
+      ++char_count_;
+      prev2_ = prev_;
+      prev_ = '<';
+      return true;
+    }
+    token_.SetLength(0);
+    char_count_ += static_cast<uint32_t>(close + 1 - p);
+    prev2_ = length >= 2 ? name[length - 2] : name[-1];
+    prev_ = name[length - 1];
+    tag_start_ = tag_start;
+    p = close + 1;
   }
-  ++char_count_;
   if (is_end) {
     state_ = kAfterTag;
     rc = EndTag(tag_name, false, false);
@@ -806,12 +883,20 @@ int MarkupParser::Handle(uint8_t ch) {
 int MarkupParser::StartTagNameComplete(std::string_view name) {
   if (int rc = Deliver(Delivery::kFull); rc != kOk) return rc;
   const bool is_leaf = !containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_;
-  leaf_name_.Swap(leaf_candidate_);
-  leaf_name_at_ = leaf_candidate_at_;
+  // A name that fits a ByteString's own storage is copied without fail, so
+  // the leaf can close under the candidate's name before the new name
+  // replaces it; a long name is copied first, as its copy may fail.
+  const bool close_first = is_leaf && name.size() <= static_cast<size_t>(ByteString::kInlineCapacity);
+  if (is_leaf) leaf_name_at_ = leaf_candidate_at_;
+  if (close_first) {
+    if (int rc = CloseLeafAtTag(leaf_candidate_.View()); rc != kOk) return rc;
+  } else if (is_leaf) {
+    leaf_name_.Swap(leaf_candidate_);
+  }
   if (int rc = leaf_candidate_.Assign(name); rc != kOk) return Fail(rc);
   candidate_is_container_ = IsContainer(name);
-  if (is_leaf) {
-    if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
+  if (is_leaf && !close_first) {
+    if (int rc = CloseLeafAtTag(leaf_name_.View()); rc != kOk) return rc;
   }
   // The name follows "<"; tag_start_ - inserted_ is where "<" is in the input.
   leaf_candidate_at_ = tag_start_ + 1 - inserted_;
@@ -823,20 +908,20 @@ int MarkupParser::StartTagNameComplete(std::string_view name) {
   return kOk;
 }
 
-// Closes the leaf named by leaf_name_ where the current tag begins. The kept
+// Closes the leaf `leaf` where the current tag begins. The kept
 // text "...<NEW" plus the byte that ended the name becomes "...</OLD><NEW"
 // plus that byte ("...</NAME>" becomes "...</OLD></NAME>" for an end tag),
 // and positions continue from there.
-int MarkupParser::CloseLeafAtTag() {
-  if (retained_ != nullptr && !RetainedNameMatches(leaf_name_.View(), leaf_name_at_)) {
+int MarkupParser::CloseLeafAtTag(std::string_view leaf) {
+  if (retained_ != nullptr && !RetainedNameMatches(leaf, leaf_name_at_)) {
     if (int rc = CopyKeptText(); rc != kOk) return rc;
   }
   if (retained_ != nullptr) {
     // As below, the kept text ends at the tag while the leaf closes.
     kept_limit_ = tag_start_;
-    if (int rc = EndTag(leaf_name_.View(), true, false); rc != kOk) return rc;
+    if (int rc = EndTag(leaf, true, false); rc != kOk) return rc;
     kept_limit_ = -1;
-    const uint32_t length = static_cast<uint32_t>(leaf_name_.Length()) + 3;
+    const uint32_t length = static_cast<uint32_t>(leaf.size()) + 3;
     tag_start_ += length;
     char_count_ += length;
     return kOk;
@@ -849,7 +934,7 @@ int MarkupParser::CloseLeafAtTag() {
     }
     kept_.Truncate(static_cast<int32_t>(tag_start_));
   }
-  if (int rc = EndTag(leaf_name_.View(), true, false); rc != kOk) return rc;
+  if (int rc = EndTag(leaf, true, false); rc != kOk) return rc;
   if (rewrite) {
     tag_start_ = static_cast<uint32_t>(kept_.Length());
     if (int rc = kept_.Append(kept_tail_.View()); rc != kOk) return Fail(rc);
@@ -921,7 +1006,12 @@ int MarkupParser::StartElement(bool is_empty) {
   if (int rc = open_.Add(name); rc != kOk) return Fail(rc);
   int32_t entry = 0;
   std::string_view local;
-  if (int rc = ResolvePrefix(name, false, entry, local); rc != kOk) return rc;
+  // Most documents declare no namespace and use no prefix.
+  if (namespaces_.Count() == 0 && !HasColon(name)) {
+    local = name;
+  } else if (int rc = ResolvePrefix(name, false, entry, local); rc != kOk) {
+    return rc;
+  }
   if (listener_ != nullptr) {
     const char* uri = entry > 0 ? namespaces_.ValueAt(entry - 1).Data() : "";
     const ByteString local_copy(local);
@@ -947,7 +1037,7 @@ int MarkupParser::StartElement(bool is_empty) {
       }
     }
   }
-  attributes_.Clear();
+  if (attributes_.Count() > 0) attributes_.Clear();
   if (!is_empty) {
     if (containers_.IsEmpty()) leaf_candidate_.SetLength(0);
     return kOk;
@@ -962,9 +1052,14 @@ int MarkupParser::EndTag(std::string_view name, bool is_implicit, bool is_empty)
   if (!is_implicit) {
     if (!containers_.IsEmpty() && !leaf_candidate_.IsEmpty() && !candidate_is_container_ &&
         !SameName(leaf_candidate_.View(), name)) {
-      if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
+      // Closing changes no name; only a long name's copy could fail.
+      std::string_view leaf = leaf_candidate_.View();
+      if (leaf.size() > static_cast<size_t>(ByteString::kInlineCapacity)) {
+        if (int rc = leaf_name_.Assign(leaf_candidate_); rc != kOk) return Fail(rc);
+        leaf = leaf_name_.View();
+      }
       leaf_name_at_ = leaf_candidate_at_;
-      if (int rc = CloseLeafAtTag(); rc != kOk) return rc;
+      if (int rc = CloseLeafAtTag(leaf); rc != kOk) return rc;
     }
     leaf_candidate_.SetLength(0);
   }

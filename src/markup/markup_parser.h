@@ -146,7 +146,7 @@ class MarkupParser {
   void IndexContainer(uint32_t offset, uint32_t length);
   int TakeRun(const uint8_t* run, size_t length);
   bool TakeTag(const uint8_t*& p, const uint8_t* end, int& rc);
-  int CloseLeafAtTag();
+  int CloseLeafAtTag(std::string_view leaf);
   int FeedBytes(const char* data, size_t length);
   int FeedRun(const char* data, size_t length);
   int CopyKeptText();
@@ -174,7 +174,7 @@ class MarkupParser {
   ByteString error_text_;
   TextBuffer kept_;
   ByteString pending_name_;  // the name of an empty-element tag, for its end
-  ByteString leaf_name_;     // a leaf being closed implicitly
+  ByteString leaf_name_;     // a leaf being closed implicitly, when its name is long
   ByteString kept_tail_;     // kept text moved behind a synthesized end tag
   // Kept text over retained input: the input plus, in order, the end tags
   // written out. A leaf's name is read back from its start tag.

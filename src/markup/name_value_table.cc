@@ -6,23 +6,14 @@
 
 namespace orvelan {
 
-int NameValueTable::Add(std::string_view name, std::string_view value) {
+int NameValueTable::AddSlow(std::string_view name, std::string_view value) {
   if (count_ >= kCapacity) return kErrOutOfMemory;
   if (names_[count_] == nullptr) {
     names_[count_].reset(new (std::nothrow) ByteString);
     values_[count_].reset(new (std::nothrow) ByteString);
     if (names_[count_] == nullptr || values_[count_] == nullptr) return kErrOutOfMemory;
   }
-  if (int rc = names_[count_]->Assign(name); rc != kOk) return rc;
-  if (int rc = values_[count_]->Assign(value); rc != kOk) return rc;
-  ++count_;
-  return kOk;
-}
-
-int NameValueTable::RemoveLast() {
-  if (count_ == 0) return kErrTableEmpty;
-  --count_;
-  return kOk;
+  return Add(name, value);
 }
 
 int32_t NameValueTable::Find(std::string_view name, bool from_last) const {

@@ -117,6 +117,17 @@ std::vector<Document> Documents() {
     Rng own{Fnv(name)};
     for (int i = 0; i < 3; ++i) docs.push_back({"corpus/" + name + "/" + std::to_string(i), Mutate(own, text), {}});
   }
+  // Stops, colons and mismatches at every place in a machine word of text or name.
+  for (int n = 1; n <= 17; ++n) {
+    const std::string name(n, 'N'), text(n, 't'), id = std::to_string(n), p = "p" + name.substr(1) + ":";
+    docs.push_back({"edge/text/" + id, "<A>" + text + "<" + name + ">" + text + "&amp;" + text + "\n" + text + "</A>",
+                    {}});
+    docs.push_back({"edge/prefix/" + id,
+                    "<" + p + "Q xmlns:" + p.substr(0, n) + "='u'><" + p + "L>" + text + "</" + p + "L><" + p + "M>" +
+                        text + "</" + p + "Q><" + name + "x:" + text + "/>",
+                    {}});
+    docs.push_back({"edge/mismatch/" + id, "<A><" + name + ">" + text + "</" + name.substr(1) + "M></A>", {}});
+  }
   return docs;
 }
 
