@@ -166,8 +166,14 @@ std::string Picture(const Document& d, int options, int feeding) {
   for (uint32_t r = 0, size; r < tree.Size(); r += size) {
     std::memcpy(&size, tree.Arena() + r + 4, 4);
     if (tree.Arena()[r] == 'E' && (++elements < 200 || elements % 101 == 0)) {
-      p += std::to_string(doc.SelectPath("*" + std::to_string(r))) + doc.CurrentPath() + "|" + doc.ElementSubtree() +
-           "|" + doc.ElementContents() + "|" + std::to_string(doc.NamespaceCount()) + "\n";
+      // One call per statement: a read may move the texts the one before it returned.
+      p += std::to_string(doc.SelectPath("*" + std::to_string(r)));
+      p += doc.CurrentPath();
+      p += "|";
+      p += doc.ElementSubtree();
+      p += "|";
+      p += doc.ElementContents();
+      p += "|" + std::to_string(doc.NamespaceCount()) + "\n";
     }
   }
   std::vector<std::string> paths = {"/", "/OFX/BANKMSGSRSV1/STMTTRNRS/STMTRS/BANKTRANLIST/STMTTRN[2]", "../[last()]",
@@ -176,8 +182,15 @@ std::string Picture(const Document& d, int options, int feeding) {
   for (const std::string& path : paths) {
     const bool has = doc.HasPath(path);
     const int select = doc.SelectPath(path);
-    p += path + ":" + std::to_string(has) + std::to_string(select) + doc.CurrentPath() + "|" + doc.ElementName() + "|" +
-         doc.ElementText() + "|" + std::to_string(doc.ChildCount()) + "|" + doc.GetLastError() + "\n";
+    p += path + ":" + std::to_string(has) + std::to_string(select);
+    p += doc.CurrentPath();
+    p += "|";
+    p += doc.ElementName();
+    p += "|";
+    p += doc.ElementText();
+    p += "|" + std::to_string(doc.ChildCount()) + "|";
+    p += doc.GetLastError();
+    p += "\n";
   }
   return p;
 }
