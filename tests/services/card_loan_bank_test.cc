@@ -1,12 +1,12 @@
 // Card and loan statements end to end over TLS against the sandbox bank,
-// through the components' property ids as a host reads them.
+// through the components' property ids as a host reads them. The investment
+// statement's end-to-end path is FacadeTest's.
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "orvelan.h"
 #include "services/cc_statement_component.h"
-#include "services/inv_statement_component.h"
 #include "services/loan_statement_component.h"
 #include "support/component_host.h"
 
@@ -76,28 +76,6 @@ TEST(CardLoanBankTest, LoanStatementAndClosingInBothVersions) {
       EXPECT_FALSE(loan.Text(LOANSTATEMENT_PROP_CLOSINGINFODATEDUE, i).empty());
       EXPECT_FALSE(loan.Text(LOANSTATEMENT_PROP_CLOSINGINFOTOTALINTEREST, i).empty());
     }
-  }
-}
-
-TEST(CardLoanBankTest, InvestmentStatementInBothDialects) {
-  ORVELAN_REQUIRE_TEST_BANK(bank);
-  ORVELAN_REQUIRE_TLS_BANK(bank);
-  for (const char* version : {"102", "211"}) {
-    SCOPED_TRACE(version);
-    Host<InvStatementComponent> inv(bank.TlsUrl(), version, INVSTATEMENT_PROP_STARTDATE, INVSTATEMENT_PROP_ENDDATE);
-    ASSERT_EQ(inv.SetText(INVSTATEMENT_PROP_BROKERID, "broker.example.com") | inv.SetText(INVSTATEMENT_PROP_ACCOUNTID, "X-42"),
-              0);
-    ASSERT_EQ(inv.Run(INVSTATEMENT_METHOD_GETSTATEMENT), 0) << inv.GetLastError();
-    InvStatementService& s = inv.service();
-    ASSERT_EQ(s.TxCount() * 1000 + s.PosCount() * 100 + s.SecCount() * 10 + s.BalCount(), 13553);
-    EXPECT_EQ(s.OOCount(), 2);
-    EXPECT_EQ(inv.Int(INVSTATEMENT_PROP_TXTYPE), 4);  // BUYSTOCK
-    EXPECT_EQ(inv.Text(INVSTATEMENT_PROP_TXTYPEDESCRIPTION, 12), "Banking transaction");
-    // Every trade and position names a security of the list.
-    for (int i = 0; i < 8; ++i) EXPECT_GE(s.FindSecurity(inv.Text(INVSTATEMENT_PROP_TXSECURITYID, i)), 0) << i;
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(s.FindSecurity(inv.Text(INVSTATEMENT_PROP_POSSECURITYID, i)), i);
-    EXPECT_EQ(inv.Text(INVSTATEMENT_PROP_SECASSETCLASS, 1), "LARGESTOCK");
-    EXPECT_EQ(inv.Text(INVSTATEMENT_PROP_ACCOUNTID), "X-42");
   }
 }
 
