@@ -67,20 +67,6 @@ TEST_F(BankStatementAbiTest, ValuesKeepTheirBytesAndLimits) {
   EXPECT_EQ(Integer(29), 0x50);
 }
 
-TEST_F(BankStatementAbiTest, FirewallTypeSetsItsDefaultPort) {
-  const std::pair<int, int> cases[] = {{1, 80}, {2, 1080}, {0, 0}};
-  for (const auto& [type, port] : cases) {
-    SCOPED_TRACE(type);
-    EXPECT_EQ(SetInteger(29, 4242), 0);
-    EXPECT_EQ(SetInteger(26, type), 0);
-    EXPECT_EQ(Integer(29), port);
-  }
-  // A port set after the type stays.
-  EXPECT_EQ(SetInteger(26, 2), 0);
-  EXPECT_EQ(SetInteger(29, 9050), 0);
-  EXPECT_EQ(Integer(29), 9050);
-}
-
 TEST_F(BankStatementAbiTest, SettingFailuresCarryCodeAndText) {
   EXPECT_EQ(BankStatement_Set(obj_, 46, 0, "", 0), 1);
   EXPECT_EQ(LastError(), "Either the store or its length not set correctly");

@@ -199,11 +199,8 @@ class PayeeLog : public BillPayment {
   std::vector<std::string> lines;
 };
 
-TEST(WrapperTest, OwnEventsAndConfigAnswers) {
+TEST(WrapperTest, OwnEventsAndIndexedSetters) {
   PayeeLog payees;
-  EXPECT_STREQ(payees.Config("CodePage"), "0");
-  EXPECT_STREQ(payees.Config("NoSuchSetting"), "");
-  EXPECT_STREQ(payees.GetLastError(), "Unknown config setting.");
   const std::string response =
       "OFXData=<OFX><SIGNONMSGSRSV1><SONRS><STATUS><CODE>0<SEVERITY>INFO</STATUS><DTSERVER>20260115"
       "<LANGUAGE>ENG</SONRS></SIGNONMSGSRSV1><BILLPAYMSGSRSV1><PAYEESYNCRS><TOKEN>P1<PAYEETRNRS><TRNUID>1"

@@ -163,7 +163,8 @@ TEST(TransferChannelTest, SettingsAnswerQueries) {
   Probe p;
   const struct { const char* set; const char* name; const char* answer; } cases[] = {
       {"MaxLineLength=100000", "MaxLineLength", "65536"}, {"MaxLineLength=0", "MaxLineLength", "1"},
-      {"FirewallType=2", "FirewallPort", "1080"},
+      {"FirewallType=2", "FirewallPort", "1080"}, {"FirewallType=1", "FirewallPort", "80"},
+      {"FirewallPort=9050", "FirewallPort", "9050"}, {"FirewallType=0", "FirewallPort", "0"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);

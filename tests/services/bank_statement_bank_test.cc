@@ -1,6 +1,7 @@
 // The bank statement component end to end: requests built by the service,
 // posted over TLS to the scripted test bank, answers read back
-// through the component's property ids as a host would.
+// through the component's property ids as a host would. The plain statement
+// download is FacadeTest's and WrapperTest's; these are the other methods.
 #include <gtest/gtest.h>
 
 #include <unistd.h>
@@ -30,24 +31,6 @@ class BankStatementBankTest : public ::testing::Test {
   ComponentHost<BankStatementComponent> component_;
   BankStatementService& s_;
 };
-
-TEST_F(BankStatementBankTest, StatementInBothDialects) {
-  ORVELAN_REQUIRE_TEST_BANK(bank);
-  ORVELAN_REQUIRE_TLS_BANK(bank);
-  for (const char* version : {"102", "211"}) {
-    SCOPED_TRACE(version);
-    Prepare(bank.TlsUrl(), "user5", version);
-    ASSERT_EQ(Set(51, "01/01/2026 00:00:00"), 0);
-    ASSERT_EQ(Set(22, "01/31/2026 00:00:00"), 0);
-    ASSERT_EQ(component_.Do(5, 0, nullptr, nullptr), 0) << component_.GetLastError();
-    // The strict bank accepted the request; the values are the canned tests' business.
-    EXPECT_EQ(Get(1), "4412345678");
-    EXPECT_EQ(Get(22).substr(0, 10), "01/31/2026");
-    EXPECT_FALSE(Get(34).empty());
-    ASSERT_EQ(GetInt(53), 5);
-    for (int i = 0; i < 5; ++i) EXPECT_EQ(Get(58, i).substr(6, 4), "2026") << Get(58, i);
-  }
-}
 
 // In OFX 2.x only: the dictionary counts DTOPEN among the aggregates, so an
 // OFX 1.x closing response, where DTOPEN has no end tag, does not parse.

@@ -18,18 +18,6 @@ namespace {
 using Transfer = BankTransferService;
 using Bill = BillPaymentService;
 
-// Every text event as "id|p1|p2|...".
-struct EventLog {
-  std::vector<std::string> lines;
-  static int Callback(void* self, int id, int count, void** params, int*) {
-    // The aggregate (first) is left out: its text is the response's.
-    std::string line = std::to_string(id);
-    for (int i = 1; i < count && id >= 5; ++i) line += "|" + std::string(static_cast<const char*>(params[i]));
-    if (id >= 5) static_cast<EventLog*>(self)->lines.push_back(line);
-    return 0;
-  }
-};
-
 // The request the method would send: it runs without OFXUser, so the
 // exchange stops before posting; TRNUIDs read "T".
 template <class Service>

@@ -6,6 +6,8 @@
 #include <initializer_list>
 #include <string>
 #include <tuple>
+#include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -25,6 +27,25 @@ inline std::string OfxResponse(const std::string& set, const std::string& wrappe
   return OfxResponse("<" + set + "><" + wrapper + "><TRNUID>1<STATUS>" + status + "</STATUS>" + body + "</" +
                      wrapper + "></" + set + ">");
 }
+
+// Each record event (id 5 and up) as "id|p|p|...": the parameters `shown`
+// picks, or all but the aggregate (the first) when `shown` is empty.
+struct EventLog {
+  std::vector<int> shown;
+  std::vector<std::string> lines;
+  static int Callback(void* self, int id, int count, void** params, int*) {
+    auto* log = static_cast<EventLog*>(self);
+    if (id < 5) return 0;
+    std::string line = std::to_string(id);
+    if (log->shown.empty()) {
+      for (int i = 1; i < count; ++i) line += "|" + std::string(static_cast<const char*>(params[i]));
+    }
+    for (int i : log->shown) line += "|" + std::string(static_cast<const char*>(params[i]));
+    log->lines.push_back(line);
+    return 0;
+  }
+  std::vector<std::string> Take() { return std::exchange(lines, {}); }
+};
 
 template <class Component>
 struct ComponentHost : Component {

@@ -2,15 +2,10 @@
 """HTTP answers real servers will not give on purpose, for the client's tests.
 
 Usage: fault_server.py PORT [--tls PORT CERT KEY]... [--silent PORT] [--unaccepted PORT]
-
-Listens on 127.0.0.1:PORT until killed. Each connection's request is read
-(head and Content-Length body) and answered by the fault its path names;
-a connection that sends nothing (a readiness probe) is simply closed.
---tls serves the same faults over TLS with the given certificate; --silent
-accepts and never writes (a stalled TLS handshake); --unaccepted never
-accepts and keeps its accept queue full, so connecting there stalls.
-Python 3 standard library only.
+Each request is answered by the fault its path names, over TLS too with --tls;
+--silent accepts and never writes; --unaccepted never accepts (a full queue).
 """
+import contextlib
 import gzip
 import socket
 import socketserver
@@ -38,11 +33,9 @@ def gzip_bomb():
 def flood(conn):
     conn.sendall(OK + b"Content-Length: %d\r\n\r\n" % FLOOD)
     zeros = bytes(1 << 20)
-    try:
+    with contextlib.suppress(OSError):  # the client gave up, which its test reports
         for _ in range(FLOOD >> 20):
             conn.sendall(zeros)
-    except OSError:
-        pass  # the client gave up, which its test reports
 
 
 def bomb(conn):
@@ -52,11 +45,9 @@ def bomb(conn):
 
 def hold(conn):
     """Keeps the connection until the client gives up."""
-    try:
+    with contextlib.suppress(OSError):
         while conn.recv(4096):
             pass
-    except OSError:
-        pass
 
 
 def answer(head, body=b"", then=None):

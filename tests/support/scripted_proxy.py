@@ -7,8 +7,8 @@ HTTP: CONNECT and absolute-URI requests, kept alive. Target hosts choose the beh
   "close.test"      the proxy closes the connection
 With --ntlm every HTTP request must pass an NTLM exchange (under "NTLM" or
 "Negotiate") whose NT response is recomputed here from --password; a wrong one
-gets a second 407. MD4 and DES come from libcrypto and are checked against
-published values at start.
+gets a second 407. MD4 and DES come from libcrypto (NtlmAuthTest holds the
+published values they must give).
 Each NTLM Authenticate message seen is logged as "authenticate domain=D user=U ok=B".
 """
 import argparse
@@ -49,16 +49,6 @@ def desl(key16, data8):
 
 def nt_hash(password):
     return md4(password.encode('utf-16-le'))
-
-
-def self_check():
-    nt = nt_hash('Password')
-    challenge = bytes.fromhex('0123456789abcdef')
-    assert nt.hex() == 'a4f49c406510bdcab6824ee7c30fd852', 'md4'
-    assert desl(nt, challenge).hex() == '67c43011f30298a2ad35ece64f16331c44bdbed927841f94', 'des'
-    client = b'\xaa' * 8
-    ess = desl(nt, hashlib.md5(challenge + client).digest()[:8])
-    assert ess.hex() == '7537f803ae367128ca458204bde7caf81e97ed2683267232', 'ess'
 
 
 SERVER_CHALLENGE = bytes.fromhex('0123456789abcdef')
@@ -169,7 +159,6 @@ def main():
     parser.add_argument('--user')
     parser.add_argument('--password', default='')
     args = parser.parse_args()
-    self_check()
     socketserver.ThreadingTCPServer.daemon_threads = socketserver.ThreadingTCPServer.allow_reuse_address = True
     server = socketserver.ThreadingTCPServer(('127.0.0.1', args.port), Handler)
     server.args, server.log_lock = args, threading.Lock()
