@@ -35,7 +35,7 @@ struct FaultServer {
   std::string log = TestPki::Get().Path("fault_server.log");
 
   static FaultServer* Shared(std::string& why) {
-    static FaultServer* server = nullptr;
+    static std::unique_ptr<FaultServer> server;  // stopped at exit
     static std::string failure;
     if (server == nullptr && failure.empty()) {
       std::string script = __FILE__;
@@ -45,7 +45,7 @@ struct FaultServer {
       if (python.empty() || !pki.ok() || access(script.c_str(), R_OK) != 0) {
         failure = "python3, openssl and " + script + " are required";
       } else {
-        auto* s = new FaultServer;
+        auto s = std::make_unique<FaultServer>();
         const auto tls = [&](int port, const std::string& cert) {
           return std::vector<std::string>{"--tls", std::to_string(port), pki.Path(cert + ".pem"), pki.Path(cert + ".key")};
         };
@@ -55,14 +55,14 @@ struct FaultServer {
           argv.insert(argv.end(), more.begin(), more.end());
         s->process = std::make_unique<PeerProcess>(argv, s->log);
         if (s->process->Ready({s->plain, s->tls, s->expired, s->self_signed, s->silent})) {
-          server = s;
+          server = std::move(s);
         } else {
           failure = "fault server did not start; see " + s->log;
         }
       }
     }
     why = failure;
-    return server;
+    return server.get();
   }
 };
 
