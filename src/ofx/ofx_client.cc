@@ -6,6 +6,7 @@
 #include <sys/time.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 
@@ -73,6 +74,15 @@ uint32_t MillisecondClock() {
   return static_cast<uint32_t>((now.tv_sec % 1000000) * 1000 + now.tv_usec / 1000);
 }
 
+// Two objects set up in the same millisecond would otherwise start from the
+// same seed counter and draw the same transaction ids (a batch then matches
+// a response to the wrong request): each object's counter starts an odd
+// stride further on than the one before it.
+uint32_t FirstSeedCounter() {
+  static std::atomic<uint32_t> objects{0};
+  return MillisecondClock() + 65537u * objects.fetch_add(1, std::memory_order_relaxed);
+}
+
 int AppendHexGroup(ByteString& out, uint32_t value, int bytes) {
   static constexpr char kDigits[] = "0123456789abcdef";
   char text[8];
@@ -96,7 +106,7 @@ const char* ImageExtension(const char* content_type) {
 }  // namespace
 
 int OFXClient::InitDefaults() {
-  seed_counter_ = MillisecondClock();
+  seed_counter_ = FirstSeedCounter();
   if (HttpsClient::InitDefaults() == 0) return 0;
   document_.InitDefaults();
   ResetDocument();

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <regex>
+#include <set>
 #include <string>
+#include <vector>
 
 #include "support/test_ofx_service.h"
 
@@ -119,6 +122,20 @@ TEST_F(RequestTest, TransactionIdsAreFresh) {
   ASSERT_EQ(service_.NewTransactionId(first), 0);
   ASSERT_EQ(service_.NewTransactionId(second), 0);
   EXPECT_NE(first.View(), second.View());
+
+  // Objects set up within one millisecond (as a batch's members are) must
+  // not share a sequence.
+  std::vector<std::unique_ptr<TestOFXService>> objects;
+  std::set<std::string> ids;
+  for (int i = 0; i < 8; ++i) {
+    objects.push_back(std::make_unique<TestOFXService>());
+    ASSERT_EQ(objects.back()->InitDefaults(), 1);
+  }
+  for (auto& object : objects) {
+    ByteString id;
+    ASSERT_EQ(object->NewTransactionId(id), 0);
+    EXPECT_TRUE(ids.insert(std::string(id.View())).second) << id.View();
+  }
 }
 
 TEST_F(RequestTest, RequiredFieldsAreCheckedInOrder) {
