@@ -222,11 +222,19 @@ const char* MarkupParser::EncodingName() const {
 }
 
 int MarkupParser::AddSGMLTag(std::string_view name) {
-  ByteString probe;
-  if (int rc = probe.AppendChar(' '); rc != kOk) return rc;
-  if (int rc = probe.Append(name); rc != kOk) return rc;
-  if (int rc = probe.AppendChar(' '); rc != kOk) return rc;
-  if (containers_.Find(probe.Data()) >= 0) return kOk;
+  // Every response registers the whole aggregate list again, so a plain name
+  // (the common case) is looked up in the index, which holds every piece of
+  // the list, instead of being searched for through the list.
+  const bool plain = !name.empty() && name.find_first_of(std::string_view(" \0", 2)) == std::string_view::npos;
+  if (plain) {
+    if (IsContainer(name)) return kOk;
+  } else {
+    ByteString probe;
+    if (int rc = probe.AppendChar(' '); rc != kOk) return rc;
+    if (int rc = probe.Append(name); rc != kOk) return rc;
+    if (int rc = probe.AppendChar(' '); rc != kOk) return rc;
+    if (containers_.Find(probe.Data()) >= 0) return kOk;
+  }
   if (containers_.IsEmpty()) {
     if (int rc = containers_.AppendChar(' '); rc != kOk) return rc;
   }
