@@ -101,9 +101,10 @@ TEST(HostileFileTest, ClearErrorOrCorrectReadInBoundedMemory) {
   };
   std::string deep_end;
   for (int i = 0; i < 100000; ++i) deep_end += "</BANKTRANLIST>";
-  // The document tree and the transaction records take about 7 times a
-  // statement of small transactions; 5 is the aim. At 1 GB the tree passes
-  // its 4 GiB limit, which is 200 "Out of memory.".
+  // A statement of small transactions takes about 7 times its size: the
+  // tree's record layout is fixed (offsets show through "*N" paths), and its
+  // 56-byte element records alone are over 5 times 10-byte leaves. At 1 GB
+  // the tree passes its 4 GiB limit, which is 200 "Out of memory.".
   const int statement_growth = 8;
   const int big_rc = LongRun() ? 200 : 0;
   const struct {
